@@ -1,0 +1,26 @@
+#include "fuzz_support.h"
+
+#include <fstream>
+#include <unistd.h>
+
+namespace torquil::fuzz {
+
+const std::filesystem::path& scratchDir() {
+    static const std::filesystem::path dir = [] {
+        auto d = std::filesystem::temp_directory_path() /
+                 ("torquil-fuzz-" + std::to_string(static_cast<long>(getpid())));
+        std::filesystem::create_directories(d);
+        return d;
+    }();
+    return dir;
+}
+
+std::filesystem::path writeScratch(const std::string& name, const std::uint8_t* data,
+                                   std::size_t size) {
+    auto path = scratchDir() / name;
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+    return path;
+}
+
+} // namespace torquil::fuzz

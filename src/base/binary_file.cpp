@@ -1,0 +1,223 @@
+#include "base/binary_file.h"
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+
+namespace torquil {
+
+namespace {
+constexpr std::size_t kWindowSize = 64 * 1024;
+
+std::FILE* openOs(const std::filesystem::path& path, const char* mode) {
+#ifdef _WIN32
+    std::wstring wmode(mode, mode + std::strlen(mode));
+    return _wfopen(path.c_str(), wmode.c_str());
+#else
+    return std::fopen(path.c_str(), mode);
+#endif
+}
+
+bool seekOsTo(std::FILE* f, std::int64_t offset, int whence) {
+#ifdef _WIN32
+    return _fseeki64(f, offset, whence) == 0;
+#else
+    return fseeko(f, static_cast<off_t>(offset), whence) == 0;
+#endif
+}
+
+std::int64_t tellOs(std::FILE* f) {
+#ifdef _WIN32
+    return _ftelli64(f);
+#else
+    return static_cast<std::int64_t>(ftello(f));
+#endif
+}
+} // namespace
+
+BinaryFile::~BinaryFile() { close(); }
+
+bool BinaryFile::open(const std::filesystem::path& path, Mode mode) {
+    close();
+    path_ = path;
+    std::error_code ec;
+    if (mode != Mode::Create && !std::filesystem::is_regular_file(path, ec)) {
+        errors_.raise(err::FileNotFound, path.string());
+        return false;
+    }
+    const char* osMode = mode == Mode::Read ? "rb" : mode == Mode::ReadWrite ? "r+b" : "w+b";
+    file_ = openOs(path, osMode);
+    if (!file_) {
+        errors_.raise(err::PathFileAccess, path.string());
+        return false;
+    }
+    if (!seekOsTo(file_, 0, SEEK_END)) {
+        close();
+        errors_.raise(err::PathFileAccess, path.string());
+        return false;
+    }
+    length_ = std::max<std::int64_t>(0, tellOs(file_));
+    osPos_ = length_;
+    pos_ = 0;
+    window_.clear();
+    windowStart_ = 0;
+    return true;
+}
+
+void BinaryFile::close() {
+    if (file_) std::fclose(file_);
+    file_ = nullptr;
+    window_.clear();
+    osPos_ = -1;
+}
+
+void BinaryFile::seek(std::int64_t position1) {
+    if (!file_) {
+        errors_.raise(err::BadFileNameOrNumber, "seek");
+        return;
+    }
+    if (position1 < 1) {
+        errors_.raise(err::BadRecordNumber, "seek to " + std::to_string(position1));
+        return;
+    }
+    pos_ = position1 - 1;
+}
+
+bool BinaryFile::seekOs(std::int64_t offset) {
+    // Always a real seek: C streams need one between a write and a read.
+    if (!seekOsTo(file_, offset, SEEK_SET)) {
+        osPos_ = -1;
+        return false;
+    }
+    osPos_ = offset;
+    return true;
+}
+
+bool BinaryFile::fillWindow(std::int64_t at) {
+    window_.resize(kWindowSize);
+    windowStart_ = at;
+    if (!seekOs(at)) {
+        window_.clear();
+        return false;
+    }
+    std::size_t got = std::fread(window_.data(), 1, kWindowSize, file_);
+    osPos_ = got == kWindowSize ? at + static_cast<std::int64_t>(got) : -1;
+    window_.resize(got);
+    return true;
+}
+
+std::size_t BinaryFile::read(std::span<std::uint8_t> dest) {
+    std::fill(dest.begin(), dest.end(), std::uint8_t{0});
+    if (!file_) {
+        errors_.raise(err::BadFileNameOrNumber, "read");
+        return 0;
+    }
+    std::size_t done = 0;
+    while (done < dest.size() && pos_ + static_cast<std::int64_t>(done) < length_) {
+        std::int64_t at = pos_ + static_cast<std::int64_t>(done);
+        std::int64_t windowEnd = windowStart_ + static_cast<std::int64_t>(window_.size());
+        if (at < windowStart_ || at >= windowEnd) {
+            if (!fillWindow(at) || window_.empty()) {
+                errors_.raise(err::PathFileAccess, "read " + path_.string());
+                break;
+            }
+            windowEnd = windowStart_ + static_cast<std::int64_t>(window_.size());
+        }
+        auto take = static_cast<std::size_t>(
+            std::min<std::int64_t>(windowEnd - at, static_cast<std::int64_t>(dest.size() - done)));
+        std::memcpy(dest.data() + done, window_.data() + (at - windowStart_), take);
+        done += take;
+    }
+    // The missing bytes read as zeros and the file is then at its end.
+    pos_ += static_cast<std::int64_t>(dest.size());
+    return done;
+}
+
+std::uint8_t BinaryFile::readU8() {
+    std::uint8_t b[1];
+    read(b);
+    return b[0];
+}
+std::int16_t BinaryFile::readI16() {
+    std::uint8_t b[2];
+    read(b);
+    return getI16(b);
+}
+std::uint16_t BinaryFile::readU16() {
+    std::uint8_t b[2];
+    read(b);
+    return getU16(b);
+}
+std::int32_t BinaryFile::readI32() {
+    std::uint8_t b[4];
+    read(b);
+    return getI32(b);
+}
+
+void BinaryFile::write(std::span<const std::uint8_t> src) {
+    if (!file_) {
+        errors_.raise(err::BadFileNameOrNumber, "write");
+        return;
+    }
+    if (src.empty()) return;
+    window_.clear(); // the cache may hold the old bytes
+    // Writing past the end first fills the gap with zeros, as the original runtime did.
+    if (pos_ > length_) {
+        if (!seekOs(length_)) {
+            errors_.raise(err::PathFileAccess, "write " + path_.string());
+            return;
+        }
+        std::vector<std::uint8_t> zeros(static_cast<std::size_t>(pos_ - length_), 0);
+        if (std::fwrite(zeros.data(), 1, zeros.size(), file_) != zeros.size()) {
+            osPos_ = -1;
+            errors_.raise(err::DiskFull, "write " + path_.string());
+            return;
+        }
+        osPos_ = pos_;
+        length_ = pos_;
+    }
+    if (!seekOs(pos_)) {
+        errors_.raise(err::PathFileAccess, "write " + path_.string());
+        return;
+    }
+    std::size_t put = std::fwrite(src.data(), 1, src.size(), file_);
+    if (put != src.size()) {
+        osPos_ = -1;
+        errors_.raise(err::DiskFull, "write " + path_.string());
+    } else {
+        osPos_ = pos_ + static_cast<std::int64_t>(put);
+    }
+    pos_ += static_cast<std::int64_t>(put);
+    length_ = std::max(length_, pos_);
+}
+
+void BinaryFile::writeU8(std::uint8_t v) { write(std::span<const std::uint8_t>(&v, 1)); }
+void BinaryFile::writeI16(std::int16_t v) {
+    std::uint8_t b[2];
+    putI16(b, v);
+    write(b);
+}
+void BinaryFile::writeI32(std::int32_t v) {
+    std::uint8_t b[4];
+    putI32(b, v);
+    write(b);
+}
+
+void BinaryFile::flush() {
+    if (file_ && std::fflush(file_) != 0) errors_.raise(err::DiskFull, "flush " + path_.string());
+}
+
+bool readWholeFile(const std::filesystem::path& path, std::vector<std::uint8_t>& out) {
+    out.clear();
+    std::ifstream in(path, std::ios::binary);
+    if (!in) return false;
+    in.seekg(0, std::ios::end);
+    auto size = in.tellg();
+    if (size < 0) return false;
+    in.seekg(0);
+    out.resize(static_cast<std::size_t>(size));
+    in.read(reinterpret_cast<char*>(out.data()), size);
+    return static_cast<bool>(in) || in.eof();
+}
+
+} // namespace torquil

@@ -1,0 +1,101 @@
+#pragma once
+// A file opened "for binary access" the way the game tools' original code used it: 1-based
+// positions, reads past the end that yield zeros (and leave the file at its end) instead of
+// failing, and errors that become the session's pending run-time error.
+
+#include "base/runtime_error.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <span>
+#include <vector>
+
+namespace torquil {
+
+class BinaryFile {
+public:
+    enum class Mode {
+        Read,      // existing file, read only
+        ReadWrite, // existing file, read and write in place
+        Create     // new or emptied file, read and write
+    };
+
+    explicit BinaryFile(ErrorState& errors) : errors_(errors) {}
+    BinaryFile(const BinaryFile&) = delete;
+    BinaryFile& operator=(const BinaryFile&) = delete;
+    ~BinaryFile();
+
+    // Opens the file; on failure raises "File not found" (53) or "Path/File access error" (75)
+    // and returns false.
+    bool open(const std::filesystem::path& path, Mode mode);
+    void close();
+    bool isOpen() const { return file_ != nullptr; }
+    const std::filesystem::path& path() const { return path_; }
+
+    // LOF: the file's length in bytes.
+    std::int64_t length() const { return length_; }
+    // Seek(): the 1-based position of the next byte read or written.
+    std::int64_t position() const { return pos_ + 1; }
+    // Seek statement: positions below 1 raise "Bad record number" (63).
+    void seek(std::int64_t position1);
+    // EOF(): true once the position is past the last byte of the file.
+    bool atEnd() const { return pos_ >= length_; }
+
+    // Reads dest.size() bytes; bytes past the end read as zero. Returns the bytes really read.
+    std::size_t read(std::span<std::uint8_t> dest);
+    std::uint8_t readU8();
+    std::int16_t readI16();
+    std::uint16_t readU16();
+    std::int32_t readI32();
+
+    void write(std::span<const std::uint8_t> src);
+    void writeU8(std::uint8_t v);
+    void writeI16(std::int16_t v);
+    void writeI32(std::int32_t v);
+
+    // Flushes written bytes to the operating system; raises 61 when that fails.
+    void flush();
+
+private:
+    bool fillWindow(std::int64_t at);
+    bool seekOs(std::int64_t offset);
+
+    ErrorState& errors_;
+    std::FILE* file_ = nullptr;
+    std::filesystem::path path_;
+    std::int64_t length_ = 0;
+    std::int64_t pos_ = 0; // 0-based
+    // Read cache: bytes [windowStart_, windowStart_ + window_.size()) of the file.
+    std::vector<std::uint8_t> window_;
+    std::int64_t windowStart_ = 0;
+    std::int64_t osPos_ = -1; // where the OS file pointer is, -1 when unknown
+};
+
+// Little-endian helpers for byte buffers (never a struct laid over bytes).
+inline std::int16_t getI16(const std::uint8_t* p) {
+    return static_cast<std::int16_t>(p[0] | (p[1] << 8));
+}
+inline std::uint16_t getU16(const std::uint8_t* p) {
+    return static_cast<std::uint16_t>(p[0] | (p[1] << 8));
+}
+inline std::int32_t getI32(const std::uint8_t* p) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(p[0]) |
+                                     (static_cast<std::uint32_t>(p[1]) << 8) |
+                                     (static_cast<std::uint32_t>(p[2]) << 16) |
+                                     (static_cast<std::uint32_t>(p[3]) << 24));
+}
+inline void putI16(std::uint8_t* p, std::int16_t v) {
+    auto u = static_cast<std::uint16_t>(v);
+    p[0] = static_cast<std::uint8_t>(u);
+    p[1] = static_cast<std::uint8_t>(u >> 8);
+}
+inline void putI32(std::uint8_t* p, std::int32_t v) {
+    auto u = static_cast<std::uint32_t>(v);
+    for (int i = 0; i < 4; ++i) p[i] = static_cast<std::uint8_t>(u >> (8 * i));
+}
+
+// Reads a whole file into memory; returns false (and leaves out empty) when it cannot be read.
+bool readWholeFile(const std::filesystem::path& path, std::vector<std::uint8_t>& out);
+
+} // namespace torquil

@@ -1,0 +1,58 @@
+#pragma once
+// Run-time errors in the manner of the game tools' original BASIC code: a routine keeps going
+// after an error ("resume next") and looks at the pending error number at its end; in debug mode
+// the error stops the operation instead and reaches the top level as an exception.
+
+#include <stdexcept>
+#include <string>
+
+namespace torquil {
+
+// Error numbers as the classic BASIC run-time reported them.
+namespace err {
+inline constexpr int None = 0;
+inline constexpr int InvalidCall = 5;
+inline constexpr int Overflow = 6;
+inline constexpr int SubscriptOutOfRange = 9;
+inline constexpr int BadFileNameOrNumber = 52;
+inline constexpr int FileNotFound = 53;
+inline constexpr int DiskFull = 61;
+inline constexpr int BadRecordNumber = 63;
+inline constexpr int PathFileAccess = 75;
+} // namespace err
+
+// Text of an error number, as shown to the user ("Subscript out of range").
+std::string errorDescription(int number);
+
+// Thrown in debug mode; carries the error number and where it was raised.
+class RuntimeError : public std::runtime_error {
+public:
+    RuntimeError(int number, const std::string& where);
+    int number() const { return number_; }
+
+private:
+    int number_;
+};
+
+// The sticky "Err" of one session. Outside debug mode the first raised error stays pending until
+// cleared; in debug mode raise() throws.
+class ErrorState {
+public:
+    explicit ErrorState(bool debugMode = false) : debugMode_(debugMode) {}
+
+    void raise(int number, const std::string& where = {});
+    int pending() const { return pending_; }
+    bool hasPending() const { return pending_ != err::None; }
+    void clear() { pending_ = err::None; }
+    const std::string& where() const { return where_; }
+
+    bool debugMode() const { return debugMode_; }
+    void setDebugMode(bool on) { debugMode_ = on; }
+
+private:
+    bool debugMode_;
+    int pending_ = err::None;
+    std::string where_;
+};
+
+} // namespace torquil

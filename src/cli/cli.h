@@ -1,0 +1,60 @@
+#pragma once
+// torquil-cli: the core without windows. Every command is registered on one CLI11 app.
+
+#include "platform/console_platform.h"
+#include "session/load_sequence.h"
+#include "session/style_session.h"
+
+#include <CLI/CLI.hpp>
+
+#include <filesystem>
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace torquil::cli {
+
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitFailed = 1;
+inline constexpr int kExitUsage = 2;
+
+// Shared by all commands: where output goes and the options every command knows.
+struct Context {
+    std::ostream& out;
+    std::ostream& err;
+    std::filesystem::path executable;
+    int exitCode = kExitOk;
+};
+
+// Options most commands take.
+struct CommonOptions {
+    bool debug = false;
+    std::string answer;           // yes|no|cancel|ok
+    std::string workdir;
+    std::string dumps;            // comma list: carinfo,spriteinfo,clut,delta
+    void addTo(CLI::App& cmd);    // adds -d, --answer, --workdir (and --dump when wanted)
+    void addDumpOption(CLI::App& cmd);
+};
+
+// Builds the session options (debug mode, work directory, dump flags) from the common options;
+// throws CLI::ValidationError for an unknown dump kind.
+AppOptions makeAppOptions(const Context& ctx, const CommonOptions& common);
+// A console platform set up with the --answer given.
+std::unique_ptr<ConsolePlatform> makePlatform(const Context& ctx, const CommonOptions& common);
+
+// Loads a style for a command with output of its own: details lines are not echoed, message
+// boxes still go to standard error. Returns nullptr (and sets ctx.exitCode) when the load failed.
+std::unique_ptr<StyleSession> loadStyle(Context& ctx, ConsolePlatform& platform,
+                                        const AppOptions& options, const std::filesystem::path& style,
+                                        int loadOption);
+
+// Each command file provides one of these; cli_app.cpp calls them all.
+void registerOpenCommand(CLI::App& app, Context& ctx);
+
+// Parses and runs a whole command line; returns the exit status.
+int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err);
+int run(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+
+} // namespace torquil::cli

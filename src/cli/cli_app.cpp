@@ -1,0 +1,90 @@
+#include "cli/cli.h"
+
+#include "base/runtime_error.h"
+#include "base/work_dir.h"
+#include "session/loaders.h"
+
+#include <ostream>
+#include <sstream>
+
+namespace torquil::cli {
+
+void CommonOptions::addTo(CLI::App& cmd) {
+    cmd.add_flag("-d,--debug", debug, "Debug mode: a run-time error stops the command");
+    cmd.add_option("--answer", answer, "Answer to every question (default: the answer that changes nothing)")
+        ->check(CLI::IsMember({"yes", "no", "cancel", "ok"}));
+    cmd.add_option("--workdir", workdir,
+                   "The program's directory (temporary files, dump files, exported BMPs)");
+}
+
+void CommonOptions::addDumpOption(CLI::App& cmd) {
+    cmd.add_option("--dump", dumps,
+                   "Comma list of dump files to write: carinfo, spriteinfo, clut, delta");
+}
+
+AppOptions makeAppOptions(const Context& ctx, const CommonOptions& common) {
+    AppOptions options;
+    options.debugMode = common.debug;
+    options.workDir = common.workdir.empty() ? defaultWorkDir(ctx.executable)
+                                             : std::filesystem::absolute(common.workdir);
+    std::error_code ec;
+    std::filesystem::create_directories(options.workDir, ec);
+    std::stringstream list(common.dumps);
+    std::string kind;
+    while (std::getline(list, kind, ',')) {
+        if (kind == "carinfo") options.dumps.carInfo = true;
+        else if (kind == "spriteinfo") options.dumps.spriteInfo = true;
+        else if (kind == "clut") options.dumps.clut = true;
+        else if (kind == "delta") options.dumps.delta = true;
+        else if (!kind.empty()) throw CLI::ValidationError("--dump", "unknown dump kind: " + kind);
+    }
+    return options;
+}
+
+std::unique_ptr<ConsolePlatform> makePlatform(const Context& ctx, const CommonOptions& common) {
+    auto platform = std::make_unique<ConsolePlatform>(ctx.out, ctx.err);
+    platform->setAnswer(parseAnswer(common.answer));
+    return platform;
+}
+
+std::unique_ptr<StyleSession> loadStyle(Context& ctx, ConsolePlatform& platform,
+                                        const AppOptions& options,
+                                        const std::filesystem::path& style, int loadOption) {
+    platform.setDetailsEcho(false);
+    auto session = std::make_unique<StyleSession>(options);
+    prepareStyle(session->style, std::filesystem::absolute(style), loadOption);
+    LoadOutcome outcome = initHeader(*session, platform, standardLoaders());
+    if (outcome != LoadOutcome::Loaded) {
+        ctx.exitCode = kExitFailed;
+        return nullptr;
+    }
+    return session;
+}
+
+int run(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+    std::vector<const char*> argv;
+    for (const auto& a : args) argv.push_back(a.c_str());
+    return run(static_cast<int>(argv.size()), argv.data(), out, err);
+}
+
+int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
+    Context ctx{out, err, argc > 0 ? std::filesystem::path(argv[0]) : std::filesystem::path{}};
+    CLI::App app{"torquil-cli: the Torquil style file editor for scripts"};
+    app.require_subcommand(1);
+    registerOpenCommand(app, ctx);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& e) {
+        return app.exit(e, out, err);
+    } catch (const CLI::ParseError& e) {
+        app.exit(e, out, err);
+        return kExitUsage;
+    } catch (const RuntimeError& e) {
+        // Debug mode: the error stopped the command; it is reported here, at the top.
+        err << "message: " << e.what() << '\n';
+        return kExitFailed;
+    }
+    return ctx.exitCode;
+}
+
+} // namespace torquil::cli

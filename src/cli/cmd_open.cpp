@@ -1,0 +1,45 @@
+// torquil-cli open: the editor's load sequence, printing what the details window would show.
+
+#include "cli/cli.h"
+
+#include "session/loaders.h"
+
+#include <ostream>
+
+namespace torquil::cli {
+
+void registerOpenCommand(CLI::App& app, Context& ctx) {
+    struct Args {
+        CommonOptions common;
+        bool tiles = false;
+        std::string style;
+    };
+    auto args = std::make_shared<Args>();
+    CLI::App* cmd = app.add_subcommand(
+        "open",
+        "Load a style file as the editor does.\n"
+        "Standard output: every details-window line, in order.\n"
+        "Standard error: each message box line prefixed \"message: \", \"answer: \" for questions,\n"
+        "and \"caption: \" with the window caption after a successful load.\n"
+        "Exit status: 0 loaded, 1 load failed, 2 usage error.");
+    args->common.addTo(*cmd);
+    args->common.addDumpOption(*cmd);
+    cmd->add_flag("--tiles", args->tiles, "Open the tile pages instead of the sprites");
+    cmd->add_option("STYLE", args->style, "The style file (.G24 or .GRY)")->required();
+    cmd->callback([args, &ctx] {
+        AppOptions options = makeAppOptions(ctx, args->common);
+        auto platform = makePlatform(ctx, args->common);
+        StyleSession session(options);
+        prepareStyle(session.style, std::filesystem::absolute(args->style),
+                     args->tiles ? kLoadTiles : kLoadSprites);
+        LoadOutcome outcome = initHeader(session, *platform, standardLoaders());
+        if (outcome == LoadOutcome::Loaded) {
+            ctx.err << "caption: " << session.caption << '\n';
+            ctx.exitCode = kExitOk;
+        } else {
+            ctx.exitCode = kExitFailed;
+        }
+    });
+}
+
+} // namespace torquil::cli

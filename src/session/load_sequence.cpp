@@ -1,0 +1,124 @@
+#include "session/load_sequence.h"
+
+#include "base/binary_file.h"
+#include "platform/platform.h"
+#include "session/loaders.h"
+#include "session/style_session.h"
+#include "style/level_name.h"
+#include "style/page_io.h"
+
+namespace torquil {
+
+void prepareStyle(StyleFileState& style, const std::filesystem::path& path, int loadOption) {
+    style.path = path;
+    style.gStyleFileName = toUpperAscii(path.filename().string());
+    style.gMapNumber = mapNumberFromFileName(style.gStyleFileName);
+    style.gIs24Bit = isG24FileName(path.string());
+    style.header.is24 = style.gIs24Bit;
+    style.loadOption = loadOption;
+}
+
+std::string loadFailureMessage(const std::string& step, const std::filesystem::path& path) {
+    return "ERROR: " + step + "\r" + "There was a problem during the loading of the KRB STYLE file." +
+           "\r" + "Please check that you are not editing the file while KRB is trying to use it!" +
+           "\r" + "The file may have become corrupt, you may have to reinstall the " +
+           path.string() + " from the KRB CD.";
+}
+
+namespace {
+
+// Runs one loader under its step text; a loader not built into this program is skipped.
+bool runStep(StyleSession& s, BinaryFile& file, Platform& platform, const char* step,
+             const SectionLoader& loader) {
+    s.stepText = step;
+    if (!loader) return true;
+    return loader(s, file, platform);
+}
+
+void appendHeaderDetails(const StyleSession& s, Platform& platform) {
+    const StyleHeader& h = s.style.header;
+    platform.detail("version_code:" + std::to_string(h.version_code()));
+    platform.detail("LOF:" + std::to_string(s.style.fileLength));
+    platform.detail("head_size:" + std::to_string(h.headSize()));
+    for (const auto& [label, value] : h.sizeFields()) platform.detail(label + std::to_string(value));
+}
+
+LoadOutcome fail(StyleSession& s, Platform& platform, BinaryFile& file) {
+    file.close();
+    platform.message(loadFailureMessage(s.stepText, s.style.path));
+    s.style.loaded = false;
+    s.style.clearDirtyFlags();
+    s.selection.clear();
+    return LoadOutcome::Failed;
+}
+
+} // namespace
+
+LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loaders) {
+    BusyCursor busy(platform);
+    platform.doEvents();
+    StyleFileState& style = s.style;
+    s.stepText = "Init Header";
+
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(style.path, ec)) {
+        platform.message("Error: " + style.path.string() + " file error or not found.");
+        return LoadOutcome::FileMissing;
+    }
+
+    BinaryFile file(s.errors);
+    s.errors.clear();
+    file.open(style.path, BinaryFile::Mode::Read);
+    style.fileLength = file.length();
+    style.loadedWriteTime = std::filesystem::last_write_time(style.path, ec);
+    style.header = readStyleHeader(file, style.gIs24Bit);
+    appendHeaderDetails(s, platform);
+
+    if (style.loadOption == kLoadSprites) {
+        locateSpriteSections(style);
+        struct Step {
+            const char* name;
+            const SectionLoader& loader;
+        };
+        const Step g24[] = {{"Load Car Names", loaders.carNames},
+                            {"Load 24bit Palette", loaders.palette24},
+                            {"Load Sprite Info", loaders.spriteInfo},
+                            {"Load Sprite Numbers", loaders.spriteNumbers},
+                            {"Load Car Info", loaders.carInfo},
+                            {"Load Deltas", loaders.deltas}};
+        const Step gry[] = {{"Load Car Names", loaders.carNames},
+                            {"Load Sprite Info", loaders.spriteInfo},
+                            {"Load 8bit Palette", loaders.palette8},
+                            {"Load Sprite Numbers", loaders.spriteNumbers},
+                            {"Load Car Info", loaders.carInfo},
+                            {"Load Deltas", loaders.deltas}};
+        for (const Step& step : style.gIs24Bit ? std::span<const Step>(g24) : std::span<const Step>(gry))
+            if (!runStep(s, file, platform, step.name, step.loader)) return fail(s, platform, file);
+    } else if (style.loadOption == kLoadTiles) {
+        locateTileSections(style);
+        const char* palette = style.gIs24Bit ? "Load 24bit Palette" : "Load 8bit Palette";
+        if (!runStep(s, file, platform, palette,
+                     style.gIs24Bit ? loaders.palette24 : loaders.palette8))
+            return fail(s, platform, file);
+        if (!runStep(s, file, platform, "Calc Tile Sprite Info", loaders.tileRegions))
+            return fail(s, platform, file);
+    } else {
+        platform.message("Unknown Load Option:" + std::to_string(style.loadOption));
+    }
+
+    // A fresh page image: nothing of the previous file's pages remains.
+    s.image.rgb.assign(s.image.rgb.size(), 0);
+    auto painter = makePagePainter(s);
+    loadBlocks(s, file, platform, *painter);
+
+    if (s.errors.hasPending()) return fail(s, platform, file);
+
+    style.loaded = true;
+    style.clearDirtyFlags();
+    s.caption = windowCaption(style.gStyleFileName, style.gMapNumber, style.gIs24Bit,
+                              style.loadOption);
+    file.close();
+    return LoadOutcome::Loaded;
+}
+
+} // namespace torquil

@@ -1,0 +1,31 @@
+#pragma once
+// Opening a style file: read the header, find the sections, run the loaders in the game's
+// order, read and paint the pages, and set the caption.
+
+#include <filesystem>
+#include <string>
+
+namespace torquil {
+
+class Platform;
+class StyleSession;
+struct LoaderSet;
+struct StyleFileState;
+
+enum class LoadOutcome {
+    Loaded,      // the file is open; caption set, commands on
+    FileMissing, // "file error or not found": nothing changed
+    Failed       // a loader failed or a run-time error was pending: the load error message
+};
+
+// What the open dialog sets before a load: full path, upper-cased name, level, kind, option.
+void prepareStyle(StyleFileState& style, const std::filesystem::path& path, int loadOption);
+
+// Runs the whole load sequence on a session prepared with prepareStyle(). In debug mode a
+// run-time error escapes as RuntimeError.
+LoadOutcome initHeader(StyleSession& session, Platform& platform, const LoaderSet& loaders);
+
+// The composite message of a failed load, lines joined with "\r".
+std::string loadFailureMessage(const std::string& step, const std::filesystem::path& path);
+
+} // namespace torquil
