@@ -1,5 +1,6 @@
 #include "session/loaders.h"
 
+#include "exchange/delta_io.h"
 #include "session/style_session.h"
 
 namespace torquil {
@@ -7,6 +8,7 @@ namespace torquil {
 LoaderSet standardLoaders() {
     LoaderSet set;
     // Each part of the program adds its loader here as it lands.
+    set.deltas = loadDeltas;
     return set;
 }
 
