@@ -12,6 +12,7 @@ namespace torquil::fuzz {
 // A per-process scratch folder under the system's temporary directory.
 const std::filesystem::path& scratchDir();
 // Writes data to scratchDir()/name and returns the path.
-std::filesystem::path writeScratch(const std::string& name, const std::uint8_t* data, std::size_t size);
+std::filesystem::path writeScratch(const std::string& name, const std::uint8_t* data,
+                                   std::size_t size);
 
 } // namespace torquil::fuzz

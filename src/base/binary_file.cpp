@@ -35,7 +35,9 @@ std::int64_t tellOs(std::FILE* f) {
 }
 } // namespace
 
-BinaryFile::~BinaryFile() { close(); }
+BinaryFile::~BinaryFile() {
+    close();
+}
 
 bool BinaryFile::open(const std::filesystem::path& path, Mode mode) {
     close();
@@ -191,7 +193,9 @@ void BinaryFile::write(std::span<const std::uint8_t> src) {
     length_ = std::max(length_, pos_);
 }
 
-void BinaryFile::writeU8(std::uint8_t v) { write(std::span<const std::uint8_t>(&v, 1)); }
+void BinaryFile::writeU8(std::uint8_t v) {
+    write(std::span<const std::uint8_t>(&v, 1));
+}
 void BinaryFile::writeI16(std::int16_t v) {
     std::uint8_t b[2];
     putI16(b, v);

@@ -4,16 +4,26 @@ namespace torquil {
 
 std::string errorDescription(int number) {
     switch (number) {
-    case err::None: return "No error";
-    case err::InvalidCall: return "Invalid procedure call or argument";
-    case err::Overflow: return "Overflow";
-    case err::SubscriptOutOfRange: return "Subscript out of range";
-    case err::BadFileNameOrNumber: return "Bad file name or number";
-    case err::FileNotFound: return "File not found";
-    case err::DiskFull: return "Disk full";
-    case err::BadRecordNumber: return "Bad record number";
-    case err::PathFileAccess: return "Path/File access error";
-    default: return "Application-defined or object-defined error";
+    case err::None:
+        return "No error";
+    case err::InvalidCall:
+        return "Invalid procedure call or argument";
+    case err::Overflow:
+        return "Overflow";
+    case err::SubscriptOutOfRange:
+        return "Subscript out of range";
+    case err::BadFileNameOrNumber:
+        return "Bad file name or number";
+    case err::FileNotFound:
+        return "File not found";
+    case err::DiskFull:
+        return "Disk full";
+    case err::BadRecordNumber:
+        return "Bad record number";
+    case err::PathFileAccess:
+        return "Path/File access error";
+    default:
+        return "Application-defined or object-defined error";
     }
 }
 

@@ -20,9 +20,8 @@ struct CarInfo {
     std::uint8_t vtype = 0, model = 0, turning = 0, damagable = 0;
     std::array<std::int16_t, 4> value{};
     std::uint8_t cx = 0, cy = 0;
-    std::int32_t moment = 0, rbp_mass = 0, g1_thrust = 0, tyre_adhesion_x = 0,
-                 tyre_adhesion_y = 0, handbrake_friction = 0, footbrake_friction = 0,
-                 front_brake_bias = 0;
+    std::int32_t moment = 0, rbp_mass = 0, g1_thrust = 0, tyre_adhesion_x = 0, tyre_adhesion_y = 0,
+                 handbrake_friction = 0, footbrake_friction = 0, front_brake_bias = 0;
     std::int16_t turn_ratio = 0, drive_wheel_offset = 0, steering_wheel_offset = 0;
     std::int32_t back_end_slide_value = 0, handbrake_slide_value = 0;
     std::uint8_t convertible = 0, engine = 0, radio = 0, horn = 0, sound_function = 0,

@@ -31,10 +31,10 @@ struct Context {
 // Options most commands take.
 struct CommonOptions {
     bool debug = false;
-    std::string answer;           // yes|no|cancel|ok
+    std::string answer; // yes|no|cancel|ok
     std::string workdir;
-    std::string dumps;            // comma list: carinfo,spriteinfo,clut,delta
-    void addTo(CLI::App& cmd);    // adds -d, --answer, --workdir (and --dump when wanted)
+    std::string dumps;         // comma list: carinfo,spriteinfo,clut,delta
+    void addTo(CLI::App& cmd); // adds -d, --answer, --workdir (and --dump when wanted)
     void addDumpOption(CLI::App& cmd);
 };
 
@@ -47,8 +47,8 @@ std::unique_ptr<ConsolePlatform> makePlatform(const Context& ctx, const CommonOp
 // Loads a style for a command with output of its own: details lines are not echoed, message
 // boxes still go to standard error. Returns nullptr (and sets ctx.exitCode) when the load failed.
 std::unique_ptr<StyleSession> loadStyle(Context& ctx, ConsolePlatform& platform,
-                                        const AppOptions& options, const std::filesystem::path& style,
-                                        int loadOption);
+                                        const AppOptions& options,
+                                        const std::filesystem::path& style, int loadOption);
 
 // Each command file provides one of these; cli_app.cpp calls them all.
 void registerOpenCommand(CLI::App& app, Context& ctx);

@@ -11,7 +11,8 @@ namespace torquil::cli {
 
 void CommonOptions::addTo(CLI::App& cmd) {
     cmd.add_flag("-d,--debug", debug, "Debug mode: a run-time error stops the command");
-    cmd.add_option("--answer", answer, "Answer to every question (default: the answer that changes nothing)")
+    cmd.add_option("--answer", answer,
+                   "Answer to every question (default: the answer that changes nothing)")
         ->check(CLI::IsMember({"yes", "no", "cancel", "ok"}));
     cmd.add_option("--workdir", workdir,
                    "The program's directory (temporary files, dump files, exported BMPs)");
@@ -32,11 +33,16 @@ AppOptions makeAppOptions(const Context& ctx, const CommonOptions& common) {
     std::stringstream list(common.dumps);
     std::string kind;
     while (std::getline(list, kind, ',')) {
-        if (kind == "carinfo") options.dumps.carInfo = true;
-        else if (kind == "spriteinfo") options.dumps.spriteInfo = true;
-        else if (kind == "clut") options.dumps.clut = true;
-        else if (kind == "delta") options.dumps.delta = true;
-        else if (!kind.empty()) throw CLI::ValidationError("--dump", "unknown dump kind: " + kind);
+        if (kind == "carinfo")
+            options.dumps.carInfo = true;
+        else if (kind == "spriteinfo")
+            options.dumps.spriteInfo = true;
+        else if (kind == "clut")
+            options.dumps.clut = true;
+        else if (kind == "delta")
+            options.dumps.delta = true;
+        else if (!kind.empty())
+            throw CLI::ValidationError("--dump", "unknown dump kind: " + kind);
     }
     return options;
 }

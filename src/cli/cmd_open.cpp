@@ -16,12 +16,12 @@ void registerOpenCommand(CLI::App& app, Context& ctx) {
     };
     auto args = std::make_shared<Args>();
     CLI::App* cmd = app.add_subcommand(
-        "open",
-        "Load a style file as the editor does.\n"
-        "Standard output: every details-window line, in order.\n"
-        "Standard error: each message box line prefixed \"message: \", \"answer: \" for questions,\n"
-        "and \"caption: \" with the window caption after a successful load.\n"
-        "Exit status: 0 loaded, 1 load failed, 2 usage error.");
+        "open", "Load a style file as the editor does.\n"
+                "Standard output: every details-window line, in order.\n"
+                "Standard error: each message box line prefixed \"message: \", \"answer: \" for "
+                "questions,\n"
+                "and \"caption: \" with the window caption after a successful load.\n"
+                "Exit status: 0 loaded, 1 load failed, 2 usage error.");
     args->common.addTo(*cmd);
     args->common.addDumpOption(*cmd);
     cmd->add_flag("--tiles", args->tiles, "Open the tile pages instead of the sprites");

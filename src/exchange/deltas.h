@@ -9,16 +9,16 @@
 namespace torquil {
 
 struct RunLine {
-    std::uint16_t offset = 0;           // row * 256 + column from the sprite's top-left pixel
+    std::uint16_t offset = 0; // row * 256 + column from the sprite's top-left pixel
     std::uint8_t length = 0;
     std::vector<std::uint8_t> data;
 };
 
 struct DeltaRec {
     std::int16_t size = 0;
-    std::int32_t ptr = 0;               // from the start of the sprite graphics section
-    std::int32_t entryPos = 0;          // 1-based position of the size/ptr pair in sprite info
-    std::vector<RunLine> runLine;       // starts as a single empty element
+    std::int32_t ptr = 0;         // from the start of the sprite graphics section
+    std::int32_t entryPos = 0;    // 1-based position of the size/ptr pair in sprite info
+    std::vector<RunLine> runLine; // starts as a single empty element
 };
 
 struct DeltaTable {

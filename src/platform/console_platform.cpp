@@ -24,10 +24,14 @@ std::vector<std::string> messageLines(const std::string& text) {
 
 std::string answerName(Answer answer) {
     switch (answer) {
-    case Answer::Ok: return "ok";
-    case Answer::Cancel: return "cancel";
-    case Answer::Yes: return "yes";
-    case Answer::No: return "no";
+    case Answer::Ok:
+        return "ok";
+    case Answer::Cancel:
+        return "cancel";
+    case Answer::Yes:
+        return "yes";
+    case Answer::No:
+        return "no";
     }
     return "ok";
 }

@@ -12,8 +12,13 @@
 
 namespace torquil {
 
-class ConsolePlatform : public Platform, MessageSink, ProgressSink, DetailsSink, SettingsStore,
-                        SoundPlayer, Desktop {
+class ConsolePlatform : public Platform,
+                        MessageSink,
+                        ProgressSink,
+                        DetailsSink,
+                        SettingsStore,
+                        SoundPlayer,
+                        Desktop {
 public:
     ConsolePlatform(std::ostream& out, std::ostream& err) : out_(out), err_(err) {}
 
@@ -46,8 +51,7 @@ public:
     void append(const std::string& line) override;
 
     std::string get(const std::string& section, const std::string& key) override;
-    void set(const std::string& section, const std::string& key,
-             const std::string& value) override;
+    void set(const std::string& section, const std::string& key, const std::string& value) override;
 
     bool playWavSync(const std::filesystem::path& wav) override;
 

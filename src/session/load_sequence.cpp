@@ -19,10 +19,11 @@ void prepareStyle(StyleFileState& style, const std::filesystem::path& path, int 
 }
 
 std::string loadFailureMessage(const std::string& step, const std::filesystem::path& path) {
-    return "ERROR: " + step + "\r" + "There was a problem during the loading of the KRB STYLE file." +
-           "\r" + "Please check that you are not editing the file while KRB is trying to use it!" +
-           "\r" + "The file may have become corrupt, you may have to reinstall the " +
-           path.string() + " from the KRB CD.";
+    return "ERROR: " + step + "\r" +
+           "There was a problem during the loading of the KRB STYLE file." + "\r" +
+           "Please check that you are not editing the file while KRB is trying to use it!" + "\r" +
+           "The file may have become corrupt, you may have to reinstall the " + path.string() +
+           " from the KRB CD.";
 }
 
 namespace {
@@ -40,7 +41,8 @@ void appendHeaderDetails(const StyleSession& s, Platform& platform) {
     platform.detail("version_code:" + std::to_string(h.version_code()));
     platform.detail("LOF:" + std::to_string(s.style.fileLength));
     platform.detail("head_size:" + std::to_string(h.headSize()));
-    for (const auto& [label, value] : h.sizeFields()) platform.detail(label + std::to_string(value));
+    for (const auto& [label, value] : h.sizeFields())
+        platform.detail(label + std::to_string(value));
 }
 
 LoadOutcome fail(StyleSession& s, Platform& platform, BinaryFile& file) {
@@ -86,13 +88,12 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
                             {"Load Sprite Numbers", loaders.spriteNumbers},
                             {"Load Car Info", loaders.carInfo},
                             {"Load Deltas", loaders.deltas}};
-        const Step gry[] = {{"Load Car Names", loaders.carNames},
-                            {"Load Sprite Info", loaders.spriteInfo},
-                            {"Load 8bit Palette", loaders.palette8},
-                            {"Load Sprite Numbers", loaders.spriteNumbers},
-                            {"Load Car Info", loaders.carInfo},
-                            {"Load Deltas", loaders.deltas}};
-        for (const Step& step : style.gIs24Bit ? std::span<const Step>(g24) : std::span<const Step>(gry))
+        const Step gry[] = {
+            {"Load Car Names", loaders.carNames},    {"Load Sprite Info", loaders.spriteInfo},
+            {"Load 8bit Palette", loaders.palette8}, {"Load Sprite Numbers", loaders.spriteNumbers},
+            {"Load Car Info", loaders.carInfo},      {"Load Deltas", loaders.deltas}};
+        for (const Step& step :
+             style.gIs24Bit ? std::span<const Step>(g24) : std::span<const Step>(gry))
             if (!runStep(s, file, platform, step.name, step.loader)) return fail(s, platform, file);
     } else if (style.loadOption == kLoadTiles) {
         locateTileSections(style);
@@ -115,8 +116,8 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
 
     style.loaded = true;
     style.clearDirtyFlags();
-    s.caption = windowCaption(style.gStyleFileName, style.gMapNumber, style.gIs24Bit,
-                              style.loadOption);
+    s.caption =
+        windowCaption(style.gStyleFileName, style.gMapNumber, style.gIs24Bit, style.loadOption);
     file.close();
     return LoadOutcome::Loaded;
 }

@@ -15,14 +15,14 @@ class PagePainter;
 using SectionLoader = std::function<bool(StyleSession&, BinaryFile&, Platform&)>;
 
 struct LoaderSet {
-    SectionLoader carNames;       // "Load Car Names"
-    SectionLoader palette24;      // "Load 24bit Palette"
-    SectionLoader palette8;       // "Load 8bit Palette"
-    SectionLoader spriteInfo;     // "Load Sprite Info"
-    SectionLoader spriteNumbers;  // "Load Sprite Numbers"
-    SectionLoader carInfo;        // "Load Car Info"
-    SectionLoader deltas;         // "Load Deltas"
-    SectionLoader tileRegions;    // the tile hover regions of the tiles option
+    SectionLoader carNames;      // "Load Car Names"
+    SectionLoader palette24;     // "Load 24bit Palette"
+    SectionLoader palette8;      // "Load 8bit Palette"
+    SectionLoader spriteInfo;    // "Load Sprite Info"
+    SectionLoader spriteNumbers; // "Load Sprite Numbers"
+    SectionLoader carInfo;       // "Load Car Info"
+    SectionLoader deltas;        // "Load Deltas"
+    SectionLoader tileRegions;   // the tile hover regions of the tiles option
 };
 
 // The loaders of every part of the program, in the game's load order.

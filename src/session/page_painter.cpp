@@ -1,11 +1,12 @@
 #include "session/loaders.h"
 
 #include "session/style_session.h"
+#include "sprites/sprite_painter.h"
 
 namespace torquil {
 
 std::unique_ptr<PagePainter> makePagePainter(const StyleSession& session) {
-    return std::make_unique<BackgroundPainter>(session.style.gIs24Bit ? kDarkGrey : kBlack);
+    return makeSpritePagePainter(session);
 }
 
 } // namespace torquil

@@ -2,6 +2,8 @@
 
 #include "exchange/delta_io.h"
 #include "session/style_session.h"
+#include "sprites/clut.h"
+#include "sprites/sprite_info.h"
 
 namespace torquil {
 
@@ -9,6 +11,11 @@ LoaderSet standardLoaders() {
     LoaderSet set;
     // Each part of the program adds its loader here as it lands.
     set.deltas = loadDeltas;
+    set.palette24 = loadCLUT;
+    set.palette8 = load8bitPal;
+    set.spriteInfo = loadSpriteInfo;
+    set.spriteNumbers = loadSpriteNumbers;
+    set.tileRegions = calcTileSpriteInfo;
     return set;
 }
 

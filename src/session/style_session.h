@@ -23,16 +23,16 @@ struct DumpFlags {
 
 // What the program was started with; shared by every session of a run.
 struct AppOptions {
-    bool debugMode = false;            // gDebugMode: "-d" anywhere on the command line
-    std::filesystem::path workDir;     // "the program's directory": temp files, dumps, BMPs
+    bool debugMode = false;        // gDebugMode: "-d" anywhere on the command line
+    std::filesystem::path workDir; // "the program's directory": temp files, dumps, BMPs
     DumpFlags dumps;
 };
 
 // The board's selection; -1 = none.
 struct Selection {
-    int page = -1;   // BLK of the selected sprite
-    int sib = -1;    // SIB of the selected sprite ("selected sprite")
-    int third = -1;  // the board's third selection, kept for parity with the original state
+    int page = -1;  // BLK of the selected sprite
+    int sib = -1;   // SIB of the selected sprite ("selected sprite")
+    int third = -1; // the board's third selection, kept for parity with the original state
     bool any() const { return sib >= 0 && page >= 0; }
     void clear() { page = sib = third = -1; }
 };
@@ -55,8 +55,8 @@ public:
     CarNames names;
     DeltaTable deltas;
     Selection selection;
-    std::string stepText;  // the step in progress, quoted by the failure messages
-    std::string caption;   // the window caption after a successful load
+    std::string stepText; // the step in progress, quoted by the failure messages
+    std::string caption;  // the window caption after a successful load
 
     // The currently selected sprite record, or nullptr.
     const SpriteRec* selectedSprite() const;

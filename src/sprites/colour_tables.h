@@ -16,9 +16,9 @@ struct ColourTables {
     // pal24[clut * 256 + colour] = {entry byte 0, 1, 2}: red, green, blue as drawn
     // (entry byte 0 is the file's byte 4k + 2).
     std::vector<std::array<std::uint8_t, 3>> pal24;
-    std::vector<std::int16_t> used;                  // use count per physical CLUT 0..gClutsAvail
+    std::vector<std::int16_t> used; // use count per physical CLUT 0..gClutsAvail
     std::array<std::int16_t, kPalIndexEntries> PalIndex{};
-    std::int32_t palIndexCount = 0;                  // entries read
+    std::int32_t palIndexCount = 0; // entries read
     // The 8-bit palette, each value the file byte times 4 kept in 8 bits.
     std::array<std::uint8_t, 256> red{}, green{}, blue{};
 

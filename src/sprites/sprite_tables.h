@@ -12,16 +12,16 @@ namespace torquil {
 struct SpriteRec {
     std::uint8_t W = 0, H = 0, delta_count = 0, ws = 0;
     std::int16_t size = 0;
-    std::int32_t ptr = 0;               // the head's 4 bytes at offset 6
-    std::vector<std::int16_t> deltas;   // per delta entry, its index in the delta table
+    std::int32_t ptr = 0;             // the head's 4 bytes at offset 6
+    std::vector<std::int16_t> deltas; // per delta entry, its index in the delta table
     std::uint8_t xo = 0, yo = 0;
-    std::int16_t ASN = 0;               // absolute sprite number (tiles: the tile number)
-    std::int32_t gryPtr = 0;            // .GRY only
-    std::int16_t clut = 0;              // physical CLUT (.G24)
-    std::int16_t palPos = 0;            // palette index position (tiles only)
-    std::string kind;                   // "sideTile", "lidTile", "auxTile"; empty for sprites
-    std::int16_t page = 0;              // the page it lies on (kept for convenience)
-    std::int16_t rawClut = 0;           // the head's clut field before the palette index (.G24)
+    std::int16_t ASN = 0;     // absolute sprite number (tiles: the tile number)
+    std::int32_t gryPtr = 0;  // .GRY only
+    std::int16_t clut = 0;    // physical CLUT (.G24)
+    std::int16_t palPos = 0;  // palette index position (tiles only)
+    std::string kind;         // "sideTile", "lidTile", "auxTile"; empty for sprites
+    std::int16_t page = 0;    // the page it lies on (kept for convenience)
+    std::int16_t rawClut = 0; // the head's clut field before the palette index (.G24)
 };
 
 inline constexpr int kSpriteTypes = 21;

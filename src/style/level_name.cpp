@@ -37,20 +37,29 @@ bool isG24FileName(const std::string& fileName) {
 
 std::string mapName(int mapNumber) {
     switch (mapNumber) {
-    case 1: return "Port Alder";
-    case 2: return "Sierra Bay";
-    case 3: return "Palm Reach";
-    default: return "Map Name?";
+    case 1:
+        return "Port Alder";
+    case 2:
+        return "Sierra Bay";
+    case 3:
+        return "Palm Reach";
+    default:
+        return "Map Name?";
     }
 }
 
-std::string bitDepthText(bool is24) { return is24 ? " 24bit" : " 8bit"; }
+std::string bitDepthText(bool is24) {
+    return is24 ? " 24bit" : " 8bit";
+}
 
 std::string loadOptionText(int loadOption) {
     switch (loadOption) {
-    case 0: return " [Sprites]";
-    case 1: return " [Tiles]";
-    default: return " loadOption?";
+    case 0:
+        return " [Sprites]";
+    case 1:
+        return " [Tiles]";
+    default:
+        return " loadOption?";
     }
 }
 

@@ -86,7 +86,8 @@ int savePages(StyleSession& session, BinaryFile& file, Platform& platform) {
     ErrorState& errors = session.errors;
     ProgressSink& progress = platform.progress();
     errors.clear();
-    progress.open("Saving", "KRB Data File Saving Pages...", std::max<int>(0, pages.gNumBlockLoaded));
+    progress.open("Saving", "KRB Data File Saving Pages...",
+                  std::max<int>(0, pages.gNumBlockLoaded));
 
     file.seek(style.gSeekGraphicsStart);
     std::int64_t saved = 0;

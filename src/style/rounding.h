@@ -9,7 +9,11 @@ constexpr std::int64_t roundUpTo(std::int64_t x, std::int64_t unit) {
     if (x % unit == 0) return x;
     return (x / unit + 1) * unit;
 }
-constexpr std::int64_t roundUp16384(std::int64_t x) { return roundUpTo(x, 16384); }
-constexpr std::int64_t roundUp65536(std::int64_t x) { return roundUpTo(x, 65536); }
+constexpr std::int64_t roundUp16384(std::int64_t x) {
+    return roundUpTo(x, 16384);
+}
+constexpr std::int64_t roundUp65536(std::int64_t x) {
+    return roundUpTo(x, 65536);
+}
 
 } // namespace torquil

@@ -14,12 +14,12 @@ namespace torquil {
 enum LoadOption : int { kLoadSprites = 0, kLoadTiles = 1 };
 
 struct StyleFileState {
-    std::filesystem::path path;  // full path of the open file
-    std::string gStyleFileName;  // upper-cased file name, shown in the caption
+    std::filesystem::path path; // full path of the open file
+    std::string gStyleFileName; // upper-cased file name, shown in the caption
     bool gIs24Bit = true;
     int gMapNumber = 0;
     int loadOption = kLoadSprites;
-    bool loaded = false;         // a load completed (the commands that need a file are on)
+    bool loaded = false; // a load completed (the commands that need a file are on)
 
     StyleHeader header;
     std::int64_t fileLength = 0; // L, the file's real length when it was loaded

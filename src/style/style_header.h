@@ -14,9 +14,8 @@ class BinaryFile;
 struct G24Header {
     std::int32_t version_code = 0, side_size = 0, lid_size = 0, aux_size = 0, anim_size = 0,
                  clut_size = 0, tileclut_size = 0, spriteclut_size = 0, newcarclut_size = 0,
-                 fontclut_size = 0, palette_index_size = 0, object_info_size = 0,
-                 car_info_size = 0, sprite_info_size = 0, sprite_graphics_size = 0,
-                 sprite_numbers_size = 0;
+                 fontclut_size = 0, palette_index_size = 0, object_info_size = 0, car_info_size = 0,
+                 sprite_info_size = 0, sprite_graphics_size = 0, sprite_numbers_size = 0;
     static constexpr int kSize = 64;
     static constexpr int kSpriteGraphicsSizeOffset = 56;
 };

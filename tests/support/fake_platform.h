@@ -11,8 +11,13 @@
 
 namespace torquil::testing {
 
-class FakePlatform : public Platform, MessageSink, ProgressSink, DetailsSink, SettingsStore,
-                     SoundPlayer, Desktop {
+class FakePlatform : public Platform,
+                     MessageSink,
+                     ProgressSink,
+                     DetailsSink,
+                     SettingsStore,
+                     SoundPlayer,
+                     Desktop {
 public:
     std::vector<Message> shownMessages;
     std::deque<Answer> scriptedAnswers; // consumed by questions in order; then the safe answer

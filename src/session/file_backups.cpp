@@ -1,0 +1,53 @@
+#include "session/file_backups.h"
+
+#include "session/safe_replace.h"
+
+namespace torquil {
+
+namespace fs = std::filesystem;
+
+fs::path backupPathOf(const fs::path& file) {
+    fs::path bak = file;
+    bak += ".bak";
+    return bak;
+}
+
+fs::path BackupRegistry::key(const fs::path& file) {
+    std::error_code ec;
+    fs::path canonical = fs::weakly_canonical(file, ec);
+    return ec ? fs::absolute(file, ec) : canonical;
+}
+
+bool BackupRegistry::ensureBackup(const fs::path& file, std::error_code& ec) {
+    ec.clear();
+    const fs::path id = key(file);
+    std::lock_guard lock(mutex_);
+    if (handled_.count(id)) return true;
+    const fs::path bak = backupPathOf(file);
+    std::error_code probe;
+    if (!fs::exists(file, probe) || fs::exists(bak, probe)) {
+        handled_.insert(id);
+        return true;
+    }
+    if (!copyFileSafely(file, bak, ec)) return false;
+    handled_.insert(id);
+    return true;
+}
+
+bool BackupRegistry::handled(const fs::path& file) const {
+    const fs::path id = key(file);
+    std::lock_guard lock(mutex_);
+    return handled_.count(id) > 0;
+}
+
+void BackupRegistry::reset() {
+    std::lock_guard lock(mutex_);
+    handled_.clear();
+}
+
+BackupRegistry& processBackups() {
+    static BackupRegistry registry;
+    return registry;
+}
+
+} // namespace torquil

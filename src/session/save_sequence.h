@@ -1,0 +1,74 @@
+#pragma once
+// "Save Changes": writes every changed part back into the open style file in the game's fixed
+// order (car info, pages, CLUT, deltas), moves the sprite numbers record and cuts the file after
+// a delta save, then rewrites ENGLISH.FXT for changed car names. The modder's original style file
+// and ENGLISH.FXT are copied to ".bak" files before the program first writes them.
+
+#include "session/file_backups.h"
+#include "session/shrink_style_file.h"
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace torquil {
+
+class BinaryFile;
+class Platform;
+class StyleSession;
+
+// A saver writes its part into the open style file and returns 0 or a run-time error number.
+using StyleSaver = std::function<int(StyleSession&, BinaryFile&, Platform&)>;
+// The car names saver writes ENGLISH.FXT, not the style file; true on success.
+using NamesSaver = std::function<bool(StyleSession&, Platform&)>;
+
+struct SaverSet {
+    StyleSaver carInfo; // "Save Car Info"
+    StyleSaver pages;   // "Save Pages"
+    StyleSaver clut;    // "Save CLUT"
+    StyleSaver deltas;  // "Save Deltas"
+    NamesSaver carNames;
+};
+
+// The savers of every part of the program.
+SaverSet standardSavers();
+
+struct SaveOptions {
+    SaverSet savers = standardSavers();
+    BackupRegistry* backups = &processBackups();
+    SaveCheckpoint checkpoint; // named points of the save, for tests that play a crash
+};
+
+enum class SaveResult {
+    Saved,    // every change written
+    Declined, // the file changed on disk and the user chose not to write over it
+    Failed    // a step failed; the failure message was shown
+};
+
+struct SaveOutcome {
+    SaveResult result = SaveResult::Saved;
+    std::string failedStep;         // the step text quoted in the failure message
+    int errorNumber = 0;            // the run-time error that stopped it
+    std::vector<std::string> steps; // step texts in the order they ran
+    bool styleWritten = false;      // a saver wrote into the style file
+    bool shrunk = false;            // the file was cut through its "~" copy
+    bool namesSaved = false;        // ENGLISH.FXT was rewritten
+    std::filesystem::path backup;   // the style file's ".bak"
+
+    // The window disables the save command until the next change after a save that went through.
+    bool disableSaveCommand() const { return result == SaveResult::Saved; }
+};
+
+// mnuSaveBlock_Click without the window: the real savers and this run's backups.
+SaveOutcome saveChanges(StyleSession& session, Platform& platform);
+SaveOutcome saveChanges(StyleSession& session, Platform& platform, const SaveOptions& options);
+
+// The message of a failed save, lines joined with "\r", ending with where the backup is.
+std::string saveFailureMessage(const std::string& step, const std::filesystem::path& path,
+                               const std::filesystem::path& backup);
+
+// The question asked before writing over a style file that changed on disk since it was loaded.
+std::string changedOnDiskQuestion(const std::filesystem::path& path);
+
+} // namespace torquil
