@@ -1,0 +1,50 @@
+#pragma once
+// The 8-bit BMP files through which a sprite or tile goes to a paint program and back: a 14-byte
+// file header, the 40-byte information header, 256 colours (blue, green, red, 0) and bottom-up
+// rows of palette indexes padded to 4 bytes.
+
+#include "exchange/palette_compare.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace torquil {
+
+class Platform;
+class StyleSession;
+struct SpriteRec;
+
+inline constexpr int kBmpFileHeaderSize = 14;
+inline constexpr int kBmpInfoHeaderSize = 40;
+inline constexpr int kBmpPixelDataOffset = 1078; // 14 + 40 + 256 * 4
+inline constexpr std::int64_t kBmpMinimumFileSize = 255;
+
+// The name of a sprite's BMP: "KRBTIL" + level + "_" + tile number for tiles, "CAR" + level +
+// "_" + the car record's model for a car sprite with a loaded record, else "KRBSPR" + level +
+// "_" + sprite number; always with ".bmp".
+std::string bmpFileName(const StyleSession& session, const SpriteRec& sprite);
+// The name for the board's selection; empty when nothing is selected.
+std::string bmpFileName(const StyleSession& session);
+
+// Row length in the file: the width rounded up to a multiple of 4.
+inline std::int64_t bmpRowLength(std::int64_t width) {
+    return (width + 3) / 4 * 4;
+}
+
+// Writes width x height palette indexes (row-major, top row first) as a BMP with the style's
+// colours: the 8-bit palette of a .GRY style, CLUT `clut` of a .G24 style. Advances the progress
+// form once per row. Returns false when a run-time error stopped it.
+bool writeBmp(StyleSession& session, Platform& platform, const std::filesystem::path& file,
+              std::span<const std::uint8_t> pixels, int clut, int width, int height);
+
+// Reads and checks a BMP for a width x height sprite drawn with CLUT `clut` and reconciles its
+// palette with the style's colours (which may ask the user and change the CLUT). On success
+// `pixels` holds width x height indexes, top row first. A width of 0 takes the file's own size.
+// Every failing check shows its message and returns false with `pixels` untouched.
+bool readBmp(StyleSession& session, Platform& platform, const std::filesystem::path& file, int clut,
+             int width, int height, std::vector<std::uint8_t>& pixels);
+
+} // namespace torquil

@@ -1,0 +1,364 @@
+#include "exchange/gc3.h"
+
+#include "base/binary_file.h"
+#include "platform/platform.h"
+#include "style/level_name.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <ctime>
+#include <fstream>
+#include <limits>
+
+namespace torquil {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kWriteError = "Error writing GC3 file.";
+constexpr const char* kReadError = "Error reading GC3 file.";
+constexpr int kBlocksPerProgressStep = 50;
+
+// The run being gathered by diffFiles.
+struct OpenRun {
+    std::int32_t position = 0;
+    std::vector<std::uint8_t> data;
+    bool open() const { return !data.empty(); }
+};
+
+void writeRun(BinaryFile& pack, OpenRun& run) {
+    pack.writeI32(run.position);
+    pack.writeI32(static_cast<std::int32_t>(run.data.size()));
+    pack.write(run.data);
+    run.data.clear();
+}
+
+int levelOf(const fs::path& style) {
+    return mapNumberFromFileName(style.filename().string());
+}
+
+bool fitsInt32(std::int64_t v) {
+    return v >= 0 && v <= std::numeric_limits<std::int32_t>::max();
+}
+
+// Reads the runs between the 1-based positions first..last of the pack.
+bool parseRecords(const std::vector<std::uint8_t>& bytes, std::int32_t first, std::int32_t last,
+                  std::vector<Gc3Record>& out, std::string& error) {
+    const auto size = static_cast<std::int64_t>(bytes.size());
+    if (first < 1 || std::int64_t{last} < std::int64_t{first} - 1 || last > size) {
+        error = "record range " + std::to_string(first) + ".." + std::to_string(last) +
+                " lies outside the pack";
+        return false;
+    }
+    std::int64_t at = first; // 1-based
+    while (at <= last) {
+        if (at + 7 > last) {
+            error = "a record head at " + std::to_string(at) + " is cut short";
+            return false;
+        }
+        Gc3Record r;
+        r.position = getI32(&bytes[static_cast<std::size_t>(at - 1)]);
+        r.length = getI32(&bytes[static_cast<std::size_t>(at + 3)]);
+        at += 8;
+        if (r.length < 1 || at + r.length - 1 > last || r.first() < 1) {
+            error = "the record at " + std::to_string(at - 8) + " is damaged";
+            return false;
+        }
+        const auto begin = bytes.begin() + (at - 1);
+        r.data.assign(begin, begin + r.length);
+        at += r.length;
+        out.push_back(std::move(r));
+    }
+    return true;
+}
+
+enum class ApplyFault { None, TooShort, PastLength };
+
+// The modified file rebuilt from the original and the runs, `length` bytes long. Bytes past the
+// original's end exist only in the runs, so each of them must be covered by one.
+ApplyFault rebuild(const std::vector<std::uint8_t>& original, const std::vector<Gc3Record>& runs,
+                   std::int32_t length, std::vector<std::uint8_t>& out) {
+    if (length < 0) return ApplyFault::PastLength;
+    std::int64_t runBytes = 0;
+    for (const Gc3Record& r : runs) {
+        if (r.position > length) return ApplyFault::PastLength;
+        runBytes += r.length;
+    }
+    const auto originalSize = static_cast<std::int64_t>(original.size());
+    const std::int64_t grown = std::max<std::int64_t>(0, length - originalSize);
+    if (grown > runBytes) return ApplyFault::TooShort;
+
+    out.assign(original.begin(), original.begin() + std::min<std::int64_t>(originalSize, length));
+    out.resize(static_cast<std::size_t>(length), 0);
+    std::vector<bool> covered(static_cast<std::size_t>(grown), false);
+    for (const Gc3Record& r : runs) {
+        const std::int64_t first0 = r.first() - 1;
+        std::copy(r.data.begin(), r.data.end(), out.begin() + first0);
+        for (std::int64_t i = std::max(first0, originalSize); i < r.position; ++i)
+            covered[static_cast<std::size_t>(i - originalSize)] = true;
+    }
+    if (std::find(covered.begin(), covered.end(), false) != covered.end())
+        return ApplyFault::TooShort;
+    return ApplyFault::None;
+}
+
+bool writeFileBytes(const fs::path& path, const std::vector<std::uint8_t>& bytes) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out.write(reinterpret_cast<const char*>(bytes.data()),
+              static_cast<std::streamsize>(bytes.size()));
+    out.close();
+    return static_cast<bool>(out);
+}
+
+fs::path tempBeside(const fs::path& path) {
+    return fs::path(path.string() + "~gc3");
+}
+
+} // namespace
+
+std::vector<std::uint8_t> encodeGc3Header(const Gc3Header& h) {
+    std::vector<std::uint8_t> b(kGc3HeaderSize, 0);
+    for (std::size_t i = 0; i < 3 && i < h.fileType.size(); ++i)
+        b[i] = static_cast<std::uint8_t>(h.fileType[i]);
+    putI16(&b[3], h.ver);
+    b[5] = h.encrypt;
+    b[6] = h.stylenum;
+    const std::int32_t fields[] = {h.StyleDataPosition, h.StyleDataPositionEnd, h.StyleDataLOF,
+                                   h.FXTDataPosition,   h.FXTDataPositionEnd,   h.FXTDataLOF};
+    for (std::size_t i = 0; i < 6; ++i) putI32(&b[7 + 4 * i], fields[i]);
+    return b;
+}
+
+Gc3Header decodeGc3Header(const std::uint8_t* b) {
+    Gc3Header h;
+    h.fileType.assign(reinterpret_cast<const char*>(b), 3);
+    h.ver = getI16(b + 3);
+    h.encrypt = b[5];
+    h.stylenum = b[6];
+    h.StyleDataPosition = getI32(b + 7);
+    h.StyleDataPositionEnd = getI32(b + 11);
+    h.StyleDataLOF = getI32(b + 15);
+    h.FXTDataPosition = getI32(b + 19);
+    h.FXTDataPositionEnd = getI32(b + 23);
+    h.FXTDataLOF = getI32(b + 27);
+    return h;
+}
+
+double secondsSinceMidnight() {
+    const auto now = std::chrono::system_clock::now();
+    const std::time_t t = std::chrono::system_clock::to_time_t(now);
+    std::tm local{};
+#ifdef _WIN32
+    localtime_s(&local, &t);
+#else
+    localtime_r(&t, &local);
+#endif
+    const auto fraction =
+        std::chrono::duration<double>(now - std::chrono::system_clock::from_time_t(t)).count();
+    return local.tm_hour * 3600.0 + local.tm_min * 60.0 + local.tm_sec + fraction;
+}
+
+std::uint8_t gc3EncryptByte(double seconds) {
+    const double whole = std::nearbyint(seconds); // ties to even
+    const auto n = static_cast<long long>(std::clamp(whole, 0.0, 86400.0));
+    return static_cast<std::uint8_t>(n % 255);
+}
+
+void diffFiles(BinaryFile& modified, BinaryFile& original, BinaryFile& pack, Platform& platform) {
+    const std::int64_t modLength = modified.length(), origLength = original.length();
+    std::vector<std::uint8_t> mod(kGc3BlockSize), orig(kGc3BlockSize);
+    OpenRun run;
+    std::int64_t blocks = 0;
+    modified.seek(1);
+    original.seek(1);
+    for (std::int64_t start = 0; start < modLength; start += kGc3BlockSize) {
+        // A shorter last block of either file is read at its remaining length.
+        const auto modCount =
+            static_cast<std::size_t>(std::min<std::int64_t>(kGc3BlockSize, modLength - start));
+        const auto origCount = static_cast<std::size_t>(
+            std::clamp<std::int64_t>(origLength - start, 0, kGc3BlockSize));
+        modified.read(std::span<std::uint8_t>(mod.data(), modCount));
+        if (origCount > 0) original.read(std::span<std::uint8_t>(orig.data(), origCount));
+        for (std::size_t i = 0; i < modCount; ++i) {
+            const bool take = i >= origCount || mod[i] != orig[i] ||
+                              (run.open() && run.data.size() % kGc3RunQuantum != 0);
+            if (take) {
+                run.data.push_back(mod[i]);
+                run.position = static_cast<std::int32_t>(start + static_cast<std::int64_t>(i) + 1);
+            } else if (run.open()) {
+                writeRun(pack, run);
+            }
+        }
+        if (++blocks % kBlocksPerProgressStep == 0) {
+            platform.progress().setValue(
+                static_cast<int>((start + static_cast<std::int64_t>(modCount)) * 100 / modLength));
+            platform.doEvents();
+        }
+    }
+    if (run.open()) writeRun(pack, run);
+}
+
+bool writeGC3(const fs::path& modStyle, const fs::path& origStyle, const fs::path& modFxt,
+              const fs::path& origFxt, const fs::path& pack, Platform& platform,
+              const Gc3Clock& clock) {
+    BusyCursor busy(platform);
+    std::error_code ec;
+    for (const fs::path* input : {&modStyle, &origStyle, &modFxt, &origFxt}) {
+        if (!fs::is_regular_file(*input, ec)) {
+            platform.message(kWriteError);
+            return false;
+        }
+    }
+    if (fs::exists(pack, ec)) fs::remove(pack, ec);
+    const int level = levelOf(modStyle);
+    if (level != levelOf(origStyle)) {
+        platform.message(
+            "Writing of GC3 cannot be accomplished on styles from two different levels.");
+        return false;
+    }
+
+    ErrorState errors;
+    BinaryFile out(errors);
+    if (!out.open(pack, BinaryFile::Mode::Create)) {
+        platform.message(kWriteError);
+        return false;
+    }
+    Gc3Header header;
+    header.encrypt = gc3EncryptByte(clock ? clock() : 0.0);
+    header.stylenum = static_cast<std::uint8_t>(level);
+    out.write(encodeGc3Header(header));
+
+    ProgressSink& progress = platform.progress();
+    progress.open("Writing GC3 file", "Writing...", 100);
+    bool sizesFit = true;
+    auto diffPair = [&](const fs::path& mod, const fs::path& orig, std::int32_t& position,
+                        std::int32_t& positionEnd, std::int32_t& lof) {
+        BinaryFile m(errors), o(errors);
+        if (!m.open(mod, BinaryFile::Mode::Read) || !o.open(orig, BinaryFile::Mode::Read)) return;
+        sizesFit = sizesFit && fitsInt32(m.length());
+        lof = static_cast<std::int32_t>(m.length());
+        position = static_cast<std::int32_t>(out.position());
+        diffFiles(m, o, out, platform);
+        sizesFit = sizesFit && fitsInt32(out.position() - 1);
+        positionEnd = static_cast<std::int32_t>(out.position() - 1);
+    };
+    diffPair(modStyle, origStyle, header.StyleDataPosition, header.StyleDataPositionEnd,
+             header.StyleDataLOF);
+    diffPair(modFxt, origFxt, header.FXTDataPosition, header.FXTDataPositionEnd, header.FXTDataLOF);
+    out.seek(1);
+    out.write(encodeGc3Header(header));
+    out.flush();
+    out.close();
+    progress.close();
+    if (errors.hasPending() || !sizesFit) {
+        platform.message(kWriteError);
+        return false;
+    }
+    return true;
+}
+
+bool readGC3(const fs::path& pack, Gc3Header& header, Platform& platform) {
+    ErrorState errors;
+    BinaryFile in(errors);
+    std::error_code ec;
+    if (!fs::is_regular_file(pack, ec) || !in.open(pack, BinaryFile::Mode::Read) ||
+        in.length() < kGc3HeaderSize) {
+        platform.message(kReadError);
+        return false;
+    }
+    std::uint8_t bytes[kGc3HeaderSize];
+    in.read(bytes);
+    header = decodeGc3Header(bytes);
+    return !errors.hasPending();
+}
+
+bool parseGc3(const std::vector<std::uint8_t>& bytes, Gc3Pack& pack, std::string& error) {
+    pack = Gc3Pack{};
+    if (bytes.size() < static_cast<std::size_t>(kGc3HeaderSize)) {
+        error = "the pack is shorter than its header";
+        return false;
+    }
+    pack.header = decodeGc3Header(bytes.data());
+    if (pack.header.fileType != "GC3") {
+        error = "the pack does not begin with GC3";
+        return false;
+    }
+    const Gc3Header& h = pack.header;
+    return parseRecords(bytes, h.StyleDataPosition, h.StyleDataPositionEnd, pack.styleRecords,
+                        error) &&
+           parseRecords(bytes, h.FXTDataPosition, h.FXTDataPositionEnd, pack.fxtRecords, error);
+}
+
+bool applyGC3(const fs::path& packPath, const fs::path& style, const fs::path& fxt,
+              Platform& platform) {
+    BusyCursor busy(platform);
+    std::vector<std::uint8_t> packBytes;
+    Gc3Pack pack;
+    std::string why;
+    std::error_code ec;
+    if (!fs::is_regular_file(packPath, ec) || !readWholeFile(packPath, packBytes) ||
+        !parseGc3(packBytes, pack, why)) {
+        if (!why.empty()) platform.detail("GC3 pack:" + why);
+        platform.message(kReadError);
+        return false;
+    }
+    const int level = levelOf(style);
+    if (pack.header.stylenum != level) {
+        platform.message("This GC3 car pack is for level " + std::to_string(pack.header.stylenum) +
+                         ", but " + style.filename().string() + " is level " +
+                         std::to_string(level) + ".");
+        return false;
+    }
+
+    struct Target {
+        const fs::path& path;
+        const std::vector<Gc3Record>& runs;
+        std::int32_t length;
+        std::vector<std::uint8_t> result;
+    };
+    Target targets[] = {{style, pack.styleRecords, pack.header.StyleDataLOF, {}},
+                        {fxt, pack.fxtRecords, pack.header.FXTDataLOF, {}}};
+    for (Target& t : targets) {
+        std::vector<std::uint8_t> original;
+        if (!fs::is_regular_file(t.path, ec) || !readWholeFile(t.path, original)) {
+            platform.message("Unable to read " + t.path.string() + ".");
+            return false;
+        }
+        switch (rebuild(original, t.runs, t.length, t.result)) {
+        case ApplyFault::None:
+            break;
+        case ApplyFault::TooShort:
+            platform.message("The file " + t.path.string() +
+                             " is too short for this GC3 car pack.");
+            return false;
+        case ApplyFault::PastLength:
+            platform.message("This GC3 car pack has a run past the recorded length of " +
+                             t.path.string() + ".");
+            return false;
+        }
+    }
+
+    // Both files are complete before either original is replaced.
+    for (Target& t : targets) {
+        if (!writeFileBytes(tempBeside(t.path), t.result)) {
+            for (Target& u : targets) fs::remove(tempBeside(u.path), ec);
+            platform.message(kWriteError);
+            return false;
+        }
+    }
+    for (Target& t : targets) {
+        fs::rename(tempBeside(t.path), t.path, ec);
+        if (ec) {
+            fs::remove(tempBeside(t.path), ec);
+            platform.message(kWriteError);
+            return false;
+        }
+    }
+    platform.detail("GC3 style runs applied:" + std::to_string(pack.styleRecords.size()));
+    platform.detail("GC3 FXT runs applied:" + std::to_string(pack.fxtRecords.size()));
+    return true;
+}
+
+} // namespace torquil

@@ -1,0 +1,46 @@
+#pragma once
+// Transparency of a sprite: palette index 0 is what the game leaves see-through. "View" shows the
+// sprite as a two-colour mask; "Fix" moves the sprite's background index to 0.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace torquil {
+
+class Platform;
+class StyleSession;
+struct SpriteRec;
+
+inline constexpr std::uint32_t kMaskShape = 0xFFFFFF;      // a nonzero index: white
+inline constexpr std::uint32_t kMaskBackground = 0xB42828; // index 0: dark red (180, 40, 40)
+
+// The mask picture: (width + 2) x (height + 2) 0x00RRGGBB pixels, row-major, the sprite at (1, 1)
+// and a one-pixel background frame around it.
+struct TransparencyMask {
+    int width = 0, height = 0;
+    std::vector<std::uint32_t> rgb;
+    std::string title = "Transparency test...";
+    std::string toolTip = "OK if you see a white shape in a red background.";
+    std::uint32_t at(int x, int y) const {
+        return rgb[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+                   static_cast<std::size_t>(x)];
+    }
+};
+
+TransparencyMask transparencyTest(const StyleSession& session, const SpriteRec& sprite);
+
+enum class TransparencyOutcome {
+    NoSprite,       // nothing selected
+    EightBit,       // refused: the 8-bit palette is fixed
+    Undetermined,   // the corner samples do not agree (or lie outside the page)
+    AlreadyCorrect, // the background already is index 0
+    Cancelled,      // the palette question was answered with Cancel
+    Corrected       // pixels and CLUT exchanged
+};
+
+// Finds the selected sprite's background index from its corners and exchanges it with index 0 in
+// the sprite's pixels and CLUT, so the picture looks the same but its background is transparent.
+TransparencyOutcome transparencyCorrect(StyleSession& session, Platform& platform);
+
+} // namespace torquil

@@ -1,0 +1,35 @@
+#pragma once
+// A level's sound bank: LEVEL00n.SDT, a table of 12-byte records (offset, length, rate; i32 each,
+// no header), and LEVEL00n.RAW with the unsigned 8-bit mono samples it points into. Both lie in
+// "audio" beside the style file.
+
+#include <cstdint>
+#include <filesystem>
+#include <vector>
+
+namespace torquil {
+
+class StyleSession;
+
+struct SdtRecord {
+    std::int32_t offset = 0; // start of the sample in the RAW file
+    std::int32_t length = 0; // bytes
+    std::int32_t rate = 0;   // samples per second
+};
+
+struct SoundTable {
+    // SDT: index 0 is an unused zero record; the file's first record is index 1.
+    std::vector<SdtRecord> SDT{SdtRecord{}};
+    std::filesystem::path sdtPath, rawPath;
+    int lastIndex() const { return static_cast<int>(SDT.size()) - 1; }
+};
+
+// The bank's files for a style (found ignoring case); the names as they would be when missing.
+std::filesystem::path sdtFilePath(const StyleSession& session);
+std::filesystem::path rawFilePath(const StyleSession& session);
+
+// Reads the table afresh. False, silently, when the SDT or the RAW file is missing (the table
+// then holds only its zero record).
+bool loadSDT(const StyleSession& session, SoundTable& table);
+
+} // namespace torquil

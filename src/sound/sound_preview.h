@@ -1,0 +1,42 @@
+#pragma once
+// Sound preview: one sample of the level's sound bank wrapped in a WAV file (8-bit mono PCM) at a
+// chosen rate and repeat count, played synchronously.
+
+#include "sound/sound_bank.h"
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+
+namespace torquil {
+
+class ErrorState;
+class Platform;
+class StyleSession;
+
+inline constexpr int kWavHeaderSize = 44;
+
+enum class SoundOutcome {
+    NoBank,     // the SDT or RAW file is missing: nothing happens, nothing is said
+    OutOfRange, // "Sound is out of range."
+    Failed,     // a run-time error (a record outside the RAW file, an unwritable file)
+    Done        // written (and played)
+};
+
+// The 44-byte WAV header for `repeatCount` copies of a record. The RIFF chunk size is the
+// record's length + 36 whatever the repeat count. Raises "Overflow" when a field does not fit.
+std::array<std::uint8_t, kWavHeaderSize> wavHeader(ErrorState& errors, const SdtRecord& record,
+                                                   double rateMultiplier, int repeatCount);
+
+// Writes the WAV that playSound plays for `soundNumber` to `wav`, without playing it.
+SoundOutcome writeSoundWav(StyleSession& session, Platform& platform, std::int16_t soundNumber,
+                           double rateMultiplier, std::int16_t repeatCount,
+                           const std::filesystem::path& wav);
+
+// Plays sound `soundNumber` of the bank: the table is read afresh, the WAV goes to
+// "~tmp" + number + ".wav" in the work directory, is played to its end and deleted. A run-time
+// error is reported as the general error message (in debug mode it escapes as RuntimeError).
+SoundOutcome playSound(StyleSession& session, Platform& platform, std::int16_t soundNumber,
+                       double rateMultiplier, std::int16_t repeatCount);
+
+} // namespace torquil
