@@ -1,0 +1,205 @@
+// Reading the sprite info section into the per-page sprite lists, the mouse-over map and the
+// delta reference table.
+
+#include "sprites/sprite_info.h"
+
+#include "base/binary_file.h"
+#include "base/checked.h"
+#include "platform/platform.h"
+#include "session/style_session.h"
+#include "sprites/clut.h"
+#include "sprites/dump_file.h"
+#include "sprites/progress_scope.h"
+#include "sprites/sprite_head.h"
+#include "sprites/sprite_info_dump.h"
+#include "sprites/sprite_tables_reset.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <string>
+
+namespace torquil {
+
+namespace {
+
+constexpr int kMaxCounter = std::numeric_limits<std::int16_t>::max();
+
+// Writes the SIB over the sprite's rectangle, column by column (x outer). A rectangle reaching
+// past x or y 255 stops with "Subscript out of range" at its first cell outside the page, the
+// cells before it written.
+void markMouseOver(SpriteTables& t, int page, int xo, int yo, int w, int h, std::int16_t sib,
+                   ErrorState& errors) {
+    if (w == 0 || h == 0) return;
+    const int yLast = yo + h - 1;
+    const int yStop = std::min(yLast, kPageSize - 1);
+    for (int x = xo; x <= xo + w - 1; ++x) {
+        if (x >= kPageSize) {
+            errors.raise(err::SubscriptOutOfRange, "mouseOver x " + std::to_string(x));
+            return;
+        }
+        std::int16_t* column = &t.over(page, x, 0);
+        std::fill(column + yo, column + yStop + 1, sib);
+        if (yLast >= kPageSize) {
+            errors.raise(err::SubscriptOutOfRange, "mouseOver y " + std::to_string(yLast));
+            return;
+        }
+    }
+}
+
+struct Reader {
+    StyleSession& s;
+    BinaryFile& file;
+    Platform& platform;
+    ProgressScope& progress;
+    DumpFile& dump;
+    const bool is24;
+    const std::int32_t tileCluts;
+    int counter = 0;
+    int myDeltaRef = -1;
+    int highestPage = 0;
+    bool sizeMismatch = false;
+
+    void dumpLines(const std::vector<std::string>& lines) {
+        for (const auto& line : lines) dump.line(line);
+    }
+
+    // One record: head, then its delta entries. Returns false when reading must stop.
+    bool readRecord() {
+        ErrorState& errors = s.errors;
+        if (counter == kMaxCounter) {
+            errors.raise(err::Overflow, "sprite counter");
+            return false;
+        }
+        ++counter;
+        if (counter % 100 == 0) progress.setValue(counter);
+
+        const std::int64_t headPosition = file.position();
+        std::array<std::uint8_t, kG24HeadBytes> bytes{};
+        const auto headBytes = std::span(bytes).first(is24 ? kG24HeadBytes : kGryHeadBytes);
+        file.read(headBytes);
+        const SpriteHead head = decodeSpriteHead(headBytes, is24, errors);
+        if (errors.hasPending()) return false;
+        if (is24)
+            s.sprites.highestRawClut = std::max<std::int32_t>(s.sprites.highestRawClut, head.clut);
+
+        if (!head.sizeMatches()) {
+            platform.message("WARNING: loadSpriteInfo sprite(" + std::to_string(counter) +
+                             ").Size mismatch");
+            sizeMismatch = true;
+            return false;
+        }
+        if (dump.isOpen()) dumpLines(spriteDumpLines(counter, headPosition, head, is24));
+
+        highestPage = std::max(highestPage, head.page);
+        auto& list = checkedAt(s.sprites.pageSprites, head.page, errors, "pageSprites");
+        if (errors.hasPending()) return false;
+        const auto sib = static_cast<std::int16_t>(list.size());
+        SpriteRec& rec = list.emplace_back();
+        rec.W = head.W;
+        rec.H = head.H;
+        rec.delta_count = head.delta_count;
+        rec.ws = head.ws;
+        rec.size = head.size;
+        rec.ptr = head.ptr;
+        rec.xo = head.xo;
+        rec.yo = head.yo;
+        rec.ASN = static_cast<std::int16_t>(counter);
+        rec.page = static_cast<std::int16_t>(head.page);
+
+        if (is24) {
+            rec.rawClut = head.clut;
+            // The head's clut counts from the sprite CLUTs, which follow the tiles' entries.
+            rec.clut = checkedAt(s.colours.PalIndex, std::int64_t{head.clut} + tileCluts, errors,
+                                 "PalIndex");
+            if (errors.hasPending()) return false;
+            ++checkedAt(s.colours.used, rec.clut, errors, "CLUT use count");
+            if (errors.hasPending()) return false;
+        } else {
+            rec.gryPtr = head.ptr;
+        }
+
+        if (head.page <= kMaxPages - 1)
+            markMouseOver(s.sprites, head.page, head.xo, head.yo, head.W, head.H, sib, errors);
+        if (errors.hasPending()) return false;
+
+        return readDeltaEntries(rec, head.delta_count);
+    }
+
+    bool readDeltaEntries(SpriteRec& rec, int count) {
+        ErrorState& errors = s.errors;
+        auto& table = s.deltas.myDeltas;
+        for (int d = 0; d < count; ++d) {
+            if (myDeltaRef == kMaxCounter) {
+                errors.raise(err::Overflow, "myDeltaRef");
+                return false;
+            }
+            ++myDeltaRef;
+            if (static_cast<int>(table.size()) <= myDeltaRef) table.resize(myDeltaRef + 1);
+            rec.deltas.resize(static_cast<std::size_t>(d) + 1);
+            rec.deltas[static_cast<std::size_t>(d)] = static_cast<std::int16_t>(myDeltaRef);
+            DeltaRec& entry = table[static_cast<std::size_t>(myDeltaRef)];
+            entry.entryPos = static_cast<std::int32_t>(file.position());
+            std::array<std::uint8_t, kDeltaEntryBytes> bytes{};
+            file.read(bytes);
+            entry.size = getI16(&bytes[0]);
+            entry.ptr = getI32(&bytes[2]);
+            if (dump.isOpen()) dumpLines(deltaDumpLines(myDeltaRef, d, entry.size, entry.ptr));
+        }
+        return !errors.hasPending();
+    }
+};
+
+} // namespace
+
+bool loadSpriteInfo(StyleSession& s, BinaryFile& file, Platform& platform) {
+    ErrorState& errors = s.errors;
+    const bool is24 = s.style.gIs24Bit;
+    ProgressScope progress(platform.progress(), "Loading SpriteInfo",
+                           "Load SpriteInfo / Build MouseOvers...", 1500);
+    resetSpriteTables(s.sprites);
+    s.deltas.myDeltas.assign(1, DeltaRec{});
+    s.deltas.deltaCount = 0;
+    s.pages.highestPage = 0;
+    // No table is built on top of an earlier step's failure.
+    if (errors.hasPending()) return false;
+
+    DumpFile dump;
+    if (s.options.dumps.spriteInfo &&
+        dump.open(s.options.workDir, std::to_string(s.style.gMapNumber) + "SPRINFO.txt", errors))
+        dump.line(s.style.path.string());
+
+    const std::int64_t start = s.style.gSeekSpriteInfo;
+    const std::int64_t end = s.style.gSeekSpriteInfoEnd;
+    file.seek(start);
+    platform.detail("loadSpriteInfoSeek:" + std::to_string(start));
+
+    Reader reader{
+        s, file, platform, progress, dump, is24, is24 ? tileClutCount(s.style.header.g24) : 0};
+    // The end test follows each record, so even an empty section gives one record. Reading
+    // stops at the first run-time error; past the end of the file only zeros would follow.
+    if (!errors.hasPending()) {
+        while (reader.readRecord() && file.position() < end && !file.atEnd()) {
+        }
+    }
+    dump.close();
+    s.sprites.spriteCount = static_cast<std::int16_t>(reader.counter);
+    s.pages.highestPage = reader.highestPage;
+    s.deltas.deltaCount = reader.myDeltaRef + 1;
+
+    if (file.atEnd()) {
+        progress.close();
+        platform.message("Unexpected EOF during loadSpriteInfo");
+        return false;
+    }
+    const bool ok = !reader.sizeMismatch && !errors.hasPending();
+    progress.close();
+    platform.detail(std::to_string(reader.counter) + " sprite_infos loaded");
+    platform.detail(std::to_string(reader.highestPage) + " highest block number");
+    if (is24)
+        platform.detail(std::to_string(s.sprites.highestRawClut) +
+                        " highest CLUT number referenced");
+    return ok;
+}
+
+} // namespace torquil
