@@ -78,6 +78,7 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
     CLI::App app{"torquil-cli: the Torquil style file editor for scripts"};
     app.require_subcommand(1);
     registerOpenCommand(app, ctx);
+    registerSpriteCommand(app, ctx);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& e) {
