@@ -40,6 +40,10 @@ struct CarEntry {
     std::int32_t fileSeek = 0; // 1-based position of the record in the style file
 };
 
+// Qt defines `slots` as a keyword macro; keep the member's name readable in Qt code as well.
+#pragma push_macro("slots")
+#undef slots
+
 // Loaded entries indexed by absolute sprite number (slot 0 unused).
 struct CarTable {
     std::vector<CarEntry> slots{CarEntry{}};
@@ -52,5 +56,7 @@ struct CarTable {
         return &slots[asn];
     }
 };
+
+#pragma pop_macro("slots")
 
 } // namespace torquil

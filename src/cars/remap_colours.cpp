@@ -75,7 +75,7 @@ std::uint32_t hsvToRgb(const Hsv& hsv) {
     return toByte(r + m) << 16 | toByte(g + m) << 8 | toByte(b + m);
 }
 
-std::uint32_t remapColour(std::uint32_t rgb, int hue, int saturation) {
+std::uint32_t remappedColour(std::uint32_t rgb, int hue, int saturation) {
     Hsv hsv = rgbToHsv(rgb);
     const double h = hsv.h + hue / 360.0;
     hsv.h = h - std::floor(h);
@@ -87,7 +87,7 @@ ClutColours remapClut(const ClutColours& base, const std::array<std::int16_t, 3>
     const int hue = hls[0], saturation = hls[2];
     if (hue % 360 == 0 && saturation == 0) return base; // the car's own colours, exactly
     ClutColours out = base;
-    for (std::size_t c = 1; c < out.size(); ++c) out[c] = remapColour(base[c], hue, saturation);
+    for (std::size_t c = 1; c < out.size(); ++c) out[c] = remappedColour(base[c], hue, saturation);
     return out;
 }
 

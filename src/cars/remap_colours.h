@@ -28,7 +28,7 @@ Hsv rgbToHsv(std::uint32_t rgb);
 std::uint32_t hsvToRgb(const Hsv& hsv);
 
 // One colour through a remap's hue turn (degrees) and saturation change (percent).
-std::uint32_t remapColour(std::uint32_t rgb, int hue, int saturation);
+std::uint32_t remappedColour(std::uint32_t rgb, int hue, int saturation);
 
 // The whole CLUT through remap (H, L, S); colour 0 (transparent) is kept as it is. A remap of
 // (0, 0, 0) gives the base CLUT back unchanged.

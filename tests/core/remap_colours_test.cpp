@@ -45,23 +45,23 @@ TEST(RemapColours, HsvRoundTripKeepsEveryColourWithinOneStep) {
 }
 
 TEST(RemapColours, HueTurnsByDegreesAndWraps) {
-    EXPECT_EQ(remapColour(0xFF0000, 120, 0), 0x00FF00u);
-    EXPECT_EQ(remapColour(0xFF0000, 240, 0), 0x0000FFu);
-    EXPECT_EQ(remapColour(0xFF0000, -120, 0), 0x0000FFu);
-    EXPECT_EQ(remapColour(0xFF0000, 480, 0), 0x00FF00u);
-    EXPECT_EQ(remapColour(0x00FF00, 300, 0), 0xFFFF00u) << "green turned past red wraps";
+    EXPECT_EQ(remappedColour(0xFF0000, 120, 0), 0x00FF00u);
+    EXPECT_EQ(remappedColour(0xFF0000, 240, 0), 0x0000FFu);
+    EXPECT_EQ(remappedColour(0xFF0000, -120, 0), 0x0000FFu);
+    EXPECT_EQ(remappedColour(0xFF0000, 480, 0), 0x00FF00u);
+    EXPECT_EQ(remappedColour(0x00FF00, 300, 0), 0xFFFF00u) << "green turned past red wraps";
     // Half a turn of an orange gives its complement at the same value and saturation.
-    EXPECT_EQ(remapColour(0xC86432, 180, 0), 0x3296C8u);
+    EXPECT_EQ(remappedColour(0xC86432, 180, 0), 0x3296C8u);
 }
 
 TEST(RemapColours, SaturationScalesAndClampsWhileValueStays) {
-    EXPECT_EQ(remapColour(0xC86464, 100, 0), 0x85C864u) << "a hue turn keeps the value";
-    EXPECT_EQ(remapColour(0xC86464, 0, 100), 0xC80000u);  // 0.5 * 2 = fully saturated
-    EXPECT_EQ(remapColour(0xC86464, 0, 300), 0xC80000u);  // clamped at 1
-    EXPECT_EQ(remapColour(0xC86464, 0, -100), 0xC8C8C8u); // no saturation: grey of that value
-    EXPECT_EQ(remapColour(0xC86464, 0, -250), 0xC8C8C8u); // clamped at 0
-    EXPECT_EQ(remapColour(0xC86464, 0, -50), 0xC89696u);
-    EXPECT_EQ(remapColour(0x808080, 90, 100), 0x808080u) << "a grey has nothing to turn";
+    EXPECT_EQ(remappedColour(0xC86464, 100, 0), 0x85C864u) << "a hue turn keeps the value";
+    EXPECT_EQ(remappedColour(0xC86464, 0, 100), 0xC80000u);  // 0.5 * 2 = fully saturated
+    EXPECT_EQ(remappedColour(0xC86464, 0, 300), 0xC80000u);  // clamped at 1
+    EXPECT_EQ(remappedColour(0xC86464, 0, -100), 0xC8C8C8u); // no saturation: grey of that value
+    EXPECT_EQ(remappedColour(0xC86464, 0, -250), 0xC8C8C8u); // clamped at 0
+    EXPECT_EQ(remappedColour(0xC86464, 0, -50), 0xC89696u);
+    EXPECT_EQ(remappedColour(0x808080, 90, 100), 0x808080u) << "a grey has nothing to turn";
 }
 
 TEST(RemapColours, WholeClutKeepsColourZeroAndEachValue) {
@@ -75,7 +75,7 @@ TEST(RemapColours, WholeClutKeepsColourZeroAndEachValue) {
         const int hiOut =
             std::max({channelOf(out[c], 0), channelOf(out[c], 8), channelOf(out[c], 16)});
         EXPECT_LE(std::abs(hiBase - hiOut), 1) << "colour " << c;
-        EXPECT_EQ(out[c], remapColour(base[c], 137, 40));
+        EXPECT_EQ(out[c], remappedColour(base[c], 137, 40));
         changed += out[c] != base[c];
     }
     EXPECT_GT(changed, 200);
