@@ -106,6 +106,9 @@ bool renameCarModel(StyleSession& s, int model, const std::string& name) {
     if (model < 0 || model >= kCarNameCount) return false;
     s.names.names[static_cast<std::size_t>(model)] = name;
     s.style.gCarNamesChanged = true;
+    // Every loaded car of the model shows the new name.
+    for (CarEntry& car : s.cars.slots)
+        if (car.inUse && car.info.model == model) car.name = name;
     return true;
 }
 

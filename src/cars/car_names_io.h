@@ -24,8 +24,8 @@ bool saveCarNames(StyleSession& session, Platform& platform);
 // The names the editor uses when the style has no ENGLISH.FXT (no keys).
 void fillBuiltInNames(CarNames& names);
 
-// Gives car `model` a new name in the names table and marks the names for saving. False (and
-// nothing changed) for a model outside the table.
+// Gives car `model` a new name in the names table and in every loaded car of that model, and
+// marks the names for saving. False (and nothing changed) for a model outside the table.
 bool renameCarModel(StyleSession& session, int model, const std::string& name);
 
 } // namespace torquil

@@ -53,6 +53,10 @@ std::unique_ptr<StyleSession> loadStyle(Context& ctx, ConsolePlatform& platform,
 // Each command file provides one of these; cli_app.cpp calls them all.
 void registerOpenCommand(CLI::App& app, Context& ctx);
 void registerSpriteCommand(CLI::App& app, Context& ctx);
+void registerCarCommand(CLI::App& app, Context& ctx);
+void registerCarsCommand(CLI::App& app, Context& ctx);
+void registerCarSetCommand(CLI::App& app, Context& ctx);
+void registerFxtCommands(CLI::App& app, Context& ctx);
 
 // Parses and runs a whole command line; returns the exit status.
 int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err);

@@ -79,6 +79,10 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
     app.require_subcommand(1);
     registerOpenCommand(app, ctx);
     registerSpriteCommand(app, ctx);
+    registerCarCommand(app, ctx);
+    registerCarsCommand(app, ctx);
+    registerCarSetCommand(app, ctx);
+    registerFxtCommands(app, ctx);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& e) {

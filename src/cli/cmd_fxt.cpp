@@ -1,0 +1,44 @@
+// torquil-cli fxt2txt / txt2fxt: the game's coded text file to a plain text file and back.
+
+#include "cli/cli.h"
+
+#include "cars/fxt.h"
+
+#include <ostream>
+
+namespace torquil::cli {
+
+void registerFxtCommands(CLI::App& app, Context& ctx) {
+    struct Args {
+        CommonOptions common;
+        std::string from, to;
+    };
+    auto decode = std::make_shared<Args>();
+    CLI::App* fxt2txtCmd = app.add_subcommand(
+        "fxt2txt",
+        "Decode a coded text file (ENGLISH.FXT) into a text file: the first eight bytes, then\n"
+        "one entry per line ended by CR LF. Exit status: 0 written, 1 failed, 2 usage error.");
+    decode->common.addTo(*fxt2txtCmd);
+    fxt2txtCmd->add_option("FXT", decode->from, "The coded text file")->required();
+    fxt2txtCmd->add_option("TXT", decode->to, "The text file to write")->required();
+    fxt2txtCmd->callback([decode, &ctx] {
+        auto platform = makePlatform(ctx, decode->common);
+        CarNames names;
+        ctx.exitCode = fxt2txt(decode->from, decode->to, &names, *platform) ? kExitOk : kExitFailed;
+    });
+
+    auto encode = std::make_shared<Args>();
+    CLI::App* txt2fxtCmd = app.add_subcommand(
+        "txt2fxt",
+        "Encode a text file (one entry per line) into a coded text file, replacing it; the file\n"
+        "ends with the end marker the editor writes. Exit status: 0 written, 1 failed, 2 usage.");
+    encode->common.addTo(*txt2fxtCmd);
+    txt2fxtCmd->add_option("TXT", encode->from, "The text file")->required();
+    txt2fxtCmd->add_option("FXT", encode->to, "The coded text file to write")->required();
+    txt2fxtCmd->callback([encode, &ctx] {
+        auto platform = makePlatform(ctx, encode->common);
+        ctx.exitCode = txt2fxt(encode->from, encode->to, *platform) ? kExitOk : kExitFailed;
+    });
+}
+
+} // namespace torquil::cli
