@@ -1,0 +1,184 @@
+#include "app/car_info_form.h"
+
+#include "app/car_sprite_image.h"
+#include "base/runtime_error.h"
+#include "cars/fixed_point.h"
+#include "platform/platform.h"
+#include "session/style_session.h"
+#include "sound/sound_preview.h"
+#include "sprites/clut.h"
+
+#include <QEvent>
+#include <QLineEdit>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace torquil {
+
+namespace {
+
+// Car names are the game's single-byte text.
+QString fromGameText(const std::string& text) {
+    return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
+}
+std::string toGameText(const QString& text) {
+    return text.toLatin1().toStdString();
+}
+
+constexpr int kNameBox = 42;
+bool isRemapColourBox(int index) {
+    return index >= 38 && index <= 40;
+}
+
+} // namespace
+
+CarInfoForm::CarInfoForm(StyleSession& session, Platform& platform, int asn, QWidget* parent)
+    : QDialog(parent), session_(session), platform_(platform), asn_(asn) {
+    setObjectName("carInfoFrm");
+    if (const CarEntry* entry = session_.cars.find(asn_)) {
+        entry_ = *entry;
+        known_ = true;
+    }
+    sprite_ = findSpriteByAsn(session_, asn_);
+    if (sprite_) baseColours_ = spriteColours(session_, *sprite_);
+    setWindowTitle("Car Info: " + fromGameText(entry_.name));
+
+    buildForm();
+    fillBoxes();
+    showDoor(0);
+    remapListClick(0);
+}
+
+CarInfoForm::~CarInfoForm() = default;
+
+QLineEdit* CarInfoForm::box(int index) const {
+    return index >= 0 && index < kCarFieldCount ? boxes_[static_cast<std::size_t>(index)] : nullptr;
+}
+
+QLabel* CarInfoForm::label(int index) const {
+    return index >= 0 && index < kCarFieldCount ? labels_[static_cast<std::size_t>(index)]
+                                                : nullptr;
+}
+
+QPushButton* CarInfoForm::helpButton(int page) const {
+    return page >= 0 && page < PageCount ? helpButtons_[static_cast<std::size_t>(page)] : nullptr;
+}
+
+void CarInfoForm::setBoxText(int index, const std::string& text) {
+    QLineEdit* edit = box(index);
+    if (!edit) return;
+    const bool wasFilling = filling_;
+    filling_ = true;
+    edit->setText(index == kNameBox ? fromGameText(text) : QString::fromStdString(text));
+    filling_ = wasFilling;
+}
+
+void CarInfoForm::fillBoxes() {
+    for (int i = 0; i < kCarFieldCount; ++i) setBoxText(i, fieldText(entry_, i, cursor_));
+}
+
+void CarInfoForm::txtBoxChange(int index) {
+    if (filling_) return;
+    QLineEdit* edit = box(index);
+    if (index == kNameBox) {
+        nameChanged_ = true; // the name is not checked
+        return;
+    }
+    const std::string text = edit->text().toStdString();
+    const FieldCheck check = clampFieldText(index, text);
+    if (check.clamped) {
+        // Putting the limit into the box runs this again with a text in range.
+        edit->setText(QString::fromStdString(check.text));
+        platform_.message(check.report);
+        return;
+    }
+    if (!isRemapColourBox(index)) recordChanged_ = true;
+
+    const CarField* field = carField(index);
+    if (field->kind == FieldKind::Door) {
+        // Door boxes go straight into the selected door record.
+        setFieldText(entry_, index, text, cursor_);
+        refreshDoorView();
+    } else if (field->kind == FieldKind::Remap) {
+        if (setFieldText(entry_, index, text, cursor_) == FieldStore::Stored &&
+            isRemapColourBox(index))
+            remapChanged_ = true;
+        refreshRemap();
+    }
+}
+
+void CarInfoForm::txtBoxLostFocus(int index) {
+    QLineEdit* edit = box(index);
+    if (!edit || edit->isReadOnly()) return;
+    const std::string text = edit->text().toStdString();
+    const std::string left = textOnLeave(text);
+    if (left != text) edit->setText(QString::fromStdString(left));
+}
+
+bool CarInfoForm::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::FocusOut) {
+        for (int i = 0; i < kCarFieldCount; ++i)
+            if (watched == boxes_[static_cast<std::size_t>(i)]) txtBoxLostFocus(i);
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void CarInfoForm::cmdHelpClick(int page) {
+    Desktop& desktop = platform_.desktop();
+    if (!desktop.hasHelp()) {
+        platform_.message(
+            "Unable to display Help Contents. There is no Help associated with this project.",
+            Buttons::Ok, Icon::Information);
+        return;
+    }
+    if (!desktop.showHelp(helpContext(page)))
+        platform_.message(errorDescription(err::FileNotFound), Buttons::Ok, Icon::Critical);
+}
+
+void CarInfoForm::playSoundOfBox(int index, int repeat) {
+    const std::optional<double> value = parseNumber(box(index)->text().toStdString());
+    const int sound =
+        value ? static_cast<int>(std::clamp<std::int64_t>(wholeNumber(*value), 0, 255)) : 0;
+    playSound(session_, platform_, sound, 1.0, repeat);
+}
+
+void CarInfoForm::done(int result) {
+    acceptEdits();
+    QDialog::done(result);
+}
+
+void CarInfoForm::acceptEdits() {
+    if (accepted_) return;
+    accepted_ = true;
+    timer1_->stop();
+    CarEntry* target = session_.cars.find(asn_);
+    if (!target) return;
+
+    if (recordChanged_) {
+        for (int i = 0; i <= kValueBox; ++i) setFieldText(*target, i, box(i)->text().toStdString());
+        target->doorList = entry_.doorList;
+    }
+    // The remap boxes write into the working copy as they change; their tables travel with a
+    // changed record, and a remap-only edit is kept as well.
+    if (recordChanged_ || remapChanged_) {
+        target->info.remap24 = entry_.info.remap24;
+        target->info.remap8 = entry_.info.remap8;
+        session_.style.gSaveCarInfo.push_back(static_cast<std::int16_t>(asn_));
+    }
+    if (nameChanged_) {
+        const std::string name = toGameText(box(kNameBox)->text());
+        const int model = target->info.model;
+        if (model < kCarNameCount) {
+            session_.names.names[static_cast<std::size_t>(model)] = name;
+            session_.style.gCarNamesChanged = true;
+        }
+        // Every loaded car of this model shows the new name.
+        for (int other = 1; other <= session_.cars.highest; ++other)
+            if (CarEntry* car = session_.cars.find(other); car && car->info.model == model)
+                car->name = name;
+        target->name = name;
+    }
+}
+
+} // namespace torquil

@@ -1,0 +1,135 @@
+#pragma once
+// carInfoFrm: edits one car's info record, its name, its colour remaps and its doors on a copy of
+// the car's entry. Every way of closing the form (Cancel included) accepts the edits: changed
+// records are copied back and queued in gSaveCarInfo, a changed name goes into the car names.
+
+#include "cars/car_fields.h"
+#include "cars/car_info.h"
+#include "cars/remap_colours.h"
+
+#include <QDialog>
+
+#include <array>
+
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+class QScrollBar;
+class QTabWidget;
+class QTimer;
+class QGroupBox;
+
+namespace torquil {
+
+class DoorView;
+class Platform;
+class RemapBar;
+class RemapPreview;
+class StyleSession;
+struct SpriteRec;
+
+class CarInfoForm : public QDialog {
+    Q_OBJECT
+public:
+    // The pages of SSTab1, in order.
+    enum Page {
+        SpritePage,
+        DoorsPage,
+        SpecsPage,
+        PhysicsPage,
+        SteerPage,
+        BrakePage,
+        SoundPage,
+        RemapPage,
+        PageCount
+    };
+
+    CarInfoForm(StyleSession& session, Platform& platform, int asn, QWidget* parent = nullptr);
+    ~CarInfoForm() override;
+
+    int asn() const { return asn_; }
+    bool recordChanged() const { return recordChanged_; }
+    bool nameChanged() const { return nameChanged_; }
+    // The form's working copy of the car's entry.
+    const CarEntry& workingEntry() const { return entry_; }
+
+    QLineEdit* box(int index) const;
+    QLabel* label(int index) const;
+    QTabWidget* tabs() const { return tabs_; }
+    QPushButton* helpButton(int page) const;
+    int selectedRemap() const { return cursor_.remap; }
+    int selectedDoor() const { return cursor_.door; }
+
+    // The help context number each page's help button carries.
+    static int helpContext(int page) { return 100 + page; }
+
+    void done(int result) override;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    // Building the pages (car_info_form_layout.cpp).
+    void buildForm();
+    QWidget* buildFieldPage(Page page, std::initializer_list<int> indexes);
+    QWidget* buildDoorsPage();
+    QWidget* buildSoundPage();
+    QWidget* buildRemapPage();
+    QLineEdit* makeBox(int index, QWidget* parent);
+    QLabel* makeLabel(int index, QWidget* parent);
+    QPushButton* makeHelpButton(Page page, QWidget* parent);
+
+    // Events of the boxes and buttons (car_info_form.cpp).
+    void fillBoxes();
+    void setBoxText(int index, const std::string& text); // without counting as an edit
+    void txtBoxChange(int index);
+    void txtBoxLostFocus(int index);
+    void cmdHelpClick(int page);
+    void acceptEdits();
+    void playSoundOfBox(int index, int repeat);
+
+    // The door page (car_info_form_doors.cpp).
+    void showDoor(int door);
+    void doorMovedTo(int rpx, int rpy);
+    void timerTick();
+    void refreshDoorView();
+
+    // The remap page (car_info_form_remap.cpp).
+    void remapListClick(int row);
+    void refreshRemap();
+
+    StyleSession& session_;
+    Platform& platform_;
+    int asn_;
+    bool known_ = false; // the car's entry is in the table
+    CarEntry entry_;     // the working copy
+    FieldCursor cursor_; // selected remap and door
+    const SpriteRec* sprite_ = nullptr;
+    ClutColours baseColours_{};
+    bool recordChanged_ = false;
+    bool nameChanged_ = false;
+    bool remapChanged_ = false;
+    bool filling_ = false; // boxes being filled by the form itself
+    bool accepted_ = false;
+
+    QTabWidget* tabs_ = nullptr;
+    std::array<QLineEdit*, kCarFieldCount> boxes_{};
+    std::array<QLabel*, kCarFieldCount> labels_{};
+    std::array<QPushButton*, PageCount> helpButtons_{};
+    QPushButton* cmdCancel_ = nullptr;
+
+    DoorView* pictDoors_ = nullptr;
+    QScrollBar* doorScroll_ = nullptr;
+    QLineEdit* txtBoxD_ = nullptr;
+    QTimer* timer1_ = nullptr;
+    QGroupBox* doorFrame_ = nullptr;
+
+    QListWidget* remapList_ = nullptr;
+    RemapPreview* remapPic_ = nullptr;
+    RemapBar* imageBar_ = nullptr;
+    QLabel* remapInUse_ = nullptr;
+    std::array<QLabel*, 3> colorationLabels_{};
+};
+
+} // namespace torquil

@@ -1,0 +1,551 @@
+// The car info editor on the sample level: validation reports, what closing the form accepts,
+// the door and remap pages, help and sound buttons. Set TORQUIL_SCREENSHOT_DIR to also write a
+// picture of every page there.
+
+#include "cars/car_fields.h"
+#include "cars/fixed_point.h"
+#include "cars/remap_colours.h"
+#include "fake_platform.h"
+#include "sample_level.h"
+#include "session/load_sequence.h"
+#include "session/loaders.h"
+#include "session/style_session.h"
+#include "sprites/clut.h"
+
+#include "app/car_info_form.h"
+#include "app/car_sprite_image.h"
+#include "app/door_view.h"
+#include "app/remap_preview.h"
+
+#include <QFocusEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+using namespace torquil;
+using torquil::testing::FakePlatform;
+
+namespace {
+
+constexpr int kWidthBox = 0, kSpriteNumberBox = 3, kGripBox = 9, kMassBox = 18, kValueBoxIndex = 37;
+constexpr int kNameBox = 42, kRpxBox = 43, kRpyBox = 44, kObjectBox = 45;
+
+struct LoadedLevel {
+    QTemporaryDir dir;
+    FakePlatform platform;
+    std::unique_ptr<StyleSession> session;
+};
+
+std::unique_ptr<LoadedLevel> loadSample(const char* file) {
+    auto level = std::make_unique<LoadedLevel>();
+    if (!level->dir.isValid()) return nullptr;
+    const std::filesystem::path dir = level->dir.path().toStdString();
+    torquil::testing::writeSampleLevel(dir);
+    AppOptions options;
+    options.workDir = dir;
+    level->session = std::make_unique<StyleSession>(options);
+    prepareStyle(level->session->style, dir / file, kLoadSprites);
+    if (initHeader(*level->session, level->platform, standardLoaders()) != LoadOutcome::Loaded)
+        return nullptr;
+    level->platform.detailLines.clear();
+    return level;
+}
+
+// The first car with at least `doors` doors (and a sprite), or 0.
+int carWithDoors(StyleSession& session, std::size_t doors) {
+    for (int asn = 1; asn <= session.cars.highest; ++asn)
+        if (const CarEntry* car = session.cars.find(asn);
+            car && car->doorList.size() >= doors && findSpriteByAsn(session, asn))
+            return asn;
+    return 0;
+}
+
+// Replaces a box's text by typing, key by key, as a user would.
+void typeInto(QLineEdit* edit, const QString& text) {
+    edit->selectAll();
+    QTest::keyClick(edit, Qt::Key_Delete);
+    QTest::keyClicks(edit, text);
+}
+
+void leaveBox(QLineEdit* edit) {
+    QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
+    QApplication::sendEvent(edit, &out);
+}
+
+std::vector<std::int16_t> queued(const StyleSession& session) {
+    return {session.style.gSaveCarInfo.begin() + 1, session.style.gSaveCarInfo.end()};
+}
+
+// The widget's page of SSTab1, or -1.
+int pageOf(const CarInfoForm& form, const QWidget* widget) {
+    for (int page = 0; page < form.tabs()->count(); ++page)
+        if (form.tabs()->widget(page)->isAncestorOf(widget)) return page;
+    return -1;
+}
+
+} // namespace
+
+class CarInfoFormTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void pagesHoldTheirBoxesWithCaptionsAndToolTips();
+    void boxesShowTheRecord();
+    void outOfRangeValuesAreClampedWithTheReport();
+    void partialNumbersAreLeftForTyping();
+    void emptyBoxBecomesZeroWhenLeft();
+    void fixedPointBoxIsStoredThroughFloat32out();
+    void closingWithoutChangesQueuesNothing();
+    void nameOnlyChangeMarksNamesButQueuesNoRecord();
+    void cancelAndWindowCloseKeepTheEdits();
+    void doorScrollEditsTheChosenDoor();
+    void clickInDoorPictureMovesTheSelectedDoor();
+    void remapPageShowsAndEditsTheSelectedRemap();
+    void grayStyleListsEightBitRemapsWithSwatch();
+    void helpButtonsWithoutHelpFile();
+    void playButtonsPlayEngineHornAndSoundFunction();
+    void screenshots();
+};
+
+void CarInfoFormTest::pagesHoldTheirBoxesWithCaptionsAndToolTips() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    const int asn = carWithDoors(*level->session, 0);
+    QVERIFY(asn > 0);
+    CarInfoForm form(*level->session, level->platform, asn);
+
+    QCOMPARE(form.windowTitle(),
+             QString::fromStdString("Car Info: " + level->session->cars.find(asn)->name));
+    QCOMPARE(form.tabs()->objectName(), QString("SSTab1"));
+    const QStringList captions{"Sprite", "Doors", "Specs", "Pyhs",
+                               "Steer",  "Brake", "Sound", "Remap"};
+    QCOMPARE(form.tabs()->count(), captions.size());
+    for (int page = 0; page < captions.size(); ++page)
+        QCOMPARE(form.tabs()->tabText(page), captions[page]);
+
+    const std::vector<std::vector<int>> pages{
+        {11, 12, 30, 0, 1, 2, 3, 42}, {36, 43, 44, 45, 46}, {14, 9, 8, 7, 6, 5, 4, 37},
+        {17, 18, 19, 20, 21, 16, 15}, {13, 10, 25, 26, 27}, {22, 23, 24, 28, 29},
+        {31, 32, 33, 34, 35},         {38, 39, 40, 41}};
+    int boxes = 0;
+    for (std::size_t page = 0; page < pages.size(); ++page) {
+        for (int index : pages[page]) {
+            QLineEdit* edit = form.findChild<QLineEdit*>(QString("txtBox%1").arg(index));
+            QVERIFY2(edit, qPrintable(QString("txtBox%1").arg(index)));
+            QCOMPARE(pageOf(form, edit), static_cast<int>(page));
+            QLabel* label = form.findChild<QLabel*>(QString("Label1_%1").arg(index));
+            QVERIFY(label);
+            QCOMPARE(pageOf(form, label), static_cast<int>(page));
+            QCOMPARE(label->toolTip(), edit->toolTip());
+            ++boxes;
+        }
+        QPushButton* help = form.findChild<QPushButton*>(QString("cmdHelp_%1").arg(page));
+        QVERIFY(help);
+        QCOMPARE(pageOf(form, help), static_cast<int>(page));
+    }
+    QCOMPARE(boxes, kCarFieldCount);
+    QCOMPARE(form.label(18)->text(), QString("Mass"));
+    QCOMPARE(form.label(18)->toolTip(), QString("Total Mass (don't set too low)"));
+    QCOMPARE(form.label(27)->text(), QString("Steeringwheel offset"));
+    QCOMPARE(form.label(37)->toolTip(), QString("X $1000 (Value at all 4 cranes assumed equal)"));
+    QCOMPARE(form.label(43)->text(), QString("RPX:"));
+    QVERIFY(form.findChild<QPushButton*>("cmdCancel"));
+    QVERIFY(form.findChild<QWidget*>("doorFrame")->isAncestorOf(form.box(43)));
+    QVERIFY(form.findChild<QWidget*>("remap24Frame")->isAncestorOf(form.box(40)));
+    QVERIFY(form.findChild<QWidget*>("remap8Frame")->isAncestorOf(form.box(41)));
+    QCOMPARE(form.findChild<QWidget*>("RemapPic")->toolTip(),
+             QString("This area displays the new paint color of the car"));
+    QCOMPARE(form.findChild<QLabel*>("LRemapInUse")->text(), QString("ALREADY IN USE"));
+    QVERIFY(form.findChild<QObject*>("Timer1"));
+    QVERIFY(form.findChild<QWidget*>("ImageBar"));
+}
+
+void CarInfoFormTest::boxesShowTheRecord() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    const int asn = carWithDoors(*level->session, 1);
+    QVERIFY(asn > 0);
+    CarEntry& car = *level->session->cars.find(asn);
+    car.info.moment = 229376;
+    car.info.rbp_mass = -32768;
+    car.info.value = {12, 15, 20, 25};
+    CarInfoForm form(*level->session, level->platform, asn);
+
+    QCOMPARE(form.box(17)->text(), QString("229376")); // moment: the raw stored integer
+    QCOMPARE(form.box(kMassBox)->text(), QString("-0.500"));
+    QCOMPARE(form.box(kValueBoxIndex)->text(), QString("12"));
+    QCOMPARE(form.box(kWidthBox)->text(), QString::number(car.info.width));
+    QCOMPARE(form.box(kNameBox)->text(), QString::fromStdString(car.name));
+    QCOMPARE(form.box(36)->text(), QString::number(car.doorList.size()));
+    QCOMPARE(form.box(kRpxBox)->text(), QString::number(car.doorList[0].rpx));
+    QVERIFY(form.box(36)->isReadOnly());
+    QVERIFY(!form.recordChanged());
+    QVERIFY(!form.nameChanged());
+}
+
+void CarInfoFormTest::outOfRangeValuesAreClampedWithTheReport() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    const int asn = carWithDoors(*level->session, 0);
+    CarInfoForm form(*level->session, level->platform, asn);
+
+    typeInto(form.box(kWidthBox), "300");
+    QCOMPARE(form.box(kWidthBox)->text(), QString("255"));
+    QCOMPARE(level->platform.messageTexts(), std::vector<std::string>{"txtbox valve set to H val"});
+
+    level->platform.shownMessages.clear();
+    typeInto(form.box(kSpriteNumberBox), "-5");
+    QCOMPARE(form.box(kSpriteNumberBox)->text(), QString("0"));
+    QCOMPARE(level->platform.messageTexts(), std::vector<std::string>{"txtbox valve set to L val"});
+
+    // 16.16 boxes are checked on their real value; moment on its raw value.
+    level->platform.shownMessages.clear();
+    typeInto(form.box(kMassBox), "32000.5");
+    QCOMPARE(form.box(kMassBox)->text(), QString("32000.5"));
+    typeInto(form.box(kMassBox), "32001");
+    QCOMPARE(form.box(kMassBox)->text(), QString("32000"));
+    typeInto(form.box(17), "2100000000");
+    QCOMPARE(form.box(17)->text(), QString("2000000000"));
+    QCOMPARE(level->platform.messageTexts(),
+             (std::vector<std::string>{"txtbox valve set to H val", "txtbox valve set to H val"}));
+
+    // Hue, lightness, saturation and the name have no limits.
+    level->platform.shownMessages.clear();
+    typeInto(form.box(38), "-700");
+    typeInto(form.box(kNameBox), "99999");
+    QCOMPARE(form.box(38)->text(), QString("-700"));
+    QCOMPARE(form.box(kNameBox)->text(), QString("99999"));
+    QVERIFY(level->platform.shownMessages.empty());
+}
+
+void CarInfoFormTest::partialNumbersAreLeftForTyping() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    CarInfoForm form(*level->session, level->platform, carWithDoors(*level->session, 0));
+    for (const QString text : {"-", ".", "-."}) {
+        typeInto(form.box(kSpriteNumberBox), text);
+        QCOMPARE(form.box(kSpriteNumberBox)->text(), text);
+    }
+    QVERIFY(level->platform.shownMessages.empty());
+}
+
+void CarInfoFormTest::emptyBoxBecomesZeroWhenLeft() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    const int asn = carWithDoors(*level->session, 0);
+    {
+        CarInfoForm form(*level->session, level->platform, asn);
+        form.box(kGripBox)->setText("   ");
+        leaveBox(form.box(kGripBox));
+        QCOMPARE(form.box(kGripBox)->text(), QString("0"));
+        form.box(kGripBox + 1)->setText("7");
+        leaveBox(form.box(kGripBox + 1));
+        QCOMPARE(form.box(kGripBox + 1)->text(), QString("7"));
+        form.reject();
+    }
+    QCOMPARE(level->session->cars.find(asn)->info.grip, std::int16_t{0});
+    QCOMPARE(level->session->cars.find(asn)->info.handling, std::int16_t{7});
+}
+
+void CarInfoFormTest::fixedPointBoxIsStoredThroughFloat32out() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    const int asn = carWithDoors(*level->session, 0);
+    {
+        CarInfoForm form(*level->session, level->platform, asn);
+        typeInto(form.box(kMassBox), "2.5");
+        QCOMPARE(form.box(kMassBox)->text(), QString("2.5"));
+        typeInto(form.box(kValueBoxIndex), "40");
+        form.reject();
+    }
+    const CarInfo& info = level->session->cars.find(asn)->info;
+    QCOMPARE(info.rbp_mass, 163840);
+    QCOMPARE(info.value, (std::array<std::int16_t, 4>{40, 40, 40, 40}));
+    QCOMPARE(queued(*level->session), std::vector<std::int16_t>{static_cast<std::int16_t>(asn)});
+}
+
+void CarInfoFormTest::closingWithoutChangesQueuesNothing() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    const int asn = carWithDoors(*level->session, 2);
+    QVERIFY(asn > 0);
+    const CarEntry before = *level->session->cars.find(asn);
+    {
+        CarInfoForm form(*level->session, level->platform, asn);
+        // Looking around changes nothing: pages, remap rows, doors.
+        for (int page = 0; page < form.tabs()->count(); ++page) form.tabs()->setCurrentIndex(page);
+        form.findChild<QListWidget*>("RemapList")->setCurrentRow(5);
+        form.findChild<QScrollBar*>("DoorScroll")->setValue(1);
+        QVERIFY(!form.recordChanged());
+        form.reject();
+    }
+    QVERIFY(queued(*level->session).empty());
+    QVERIFY(!level->session->style.gCarNamesChanged);
+    QVERIFY(!level->session->style.anyChange());
+    const CarEntry& after = *level->session->cars.find(asn);
+    QCOMPARE(after.info.remap24, before.info.remap24);
+    QCOMPARE(after.doorList.size(), before.doorList.size());
+    QCOMPARE(after.doorList[1].rpx, before.doorList[1].rpx);
+}
+
+void CarInfoFormTest::nameOnlyChangeMarksNamesButQueuesNoRecord() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    const int asn = carWithDoors(*level->session, 0);
+    const int model = level->session->cars.find(asn)->info.model;
+    {
+        CarInfoForm form(*level->session, level->platform, asn);
+        typeInto(form.box(kNameBox), "Road Rocket");
+        QVERIFY(form.nameChanged());
+        QVERIFY(!form.recordChanged());
+        form.accept();
+    }
+    QVERIFY(queued(*level->session).empty());
+    QVERIFY(level->session->style.gCarNamesChanged);
+    QCOMPARE(level->session->names.names[static_cast<std::size_t>(model)],
+             std::string("Road Rocket"));
+    QCOMPARE(level->session->cars.find(asn)->name, std::string("Road Rocket"));
+}
+
+void CarInfoFormTest::cancelAndWindowCloseKeepTheEdits() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    const int asn = carWithDoors(*level->session, 0);
+    {
+        CarInfoForm form(*level->session, level->platform, asn);
+        form.show();
+        typeInto(form.box(kGripBox), "-123");
+        QTest::mouseClick(form.findChild<QPushButton*>("cmdCancel"), Qt::LeftButton);
+        QVERIFY(!form.isVisible());
+    }
+    QCOMPARE(level->session->cars.find(asn)->info.grip, std::int16_t{-123});
+    QCOMPARE(queued(*level->session), std::vector<std::int16_t>{static_cast<std::int16_t>(asn)});
+    {
+        CarInfoForm form(*level->session, level->platform, asn);
+        form.show();
+        typeInto(form.box(kGripBox), "77");
+        form.close(); // the window's close button
+    }
+    QCOMPARE(level->session->cars.find(asn)->info.grip, std::int16_t{77});
+    // The same car queued twice: it is written twice, at the same place.
+    QCOMPARE(queued(*level->session), (std::vector<std::int16_t>{static_cast<std::int16_t>(asn),
+                                                                 static_cast<std::int16_t>(asn)}));
+}
+
+void CarInfoFormTest::doorScrollEditsTheChosenDoor() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    const int asn = carWithDoors(*level->session, 2);
+    QVERIFY(asn > 0);
+    const std::vector<DoorRec> before = level->session->cars.find(asn)->doorList;
+    {
+        CarInfoForm form(*level->session, level->platform, asn);
+        auto* scroll = form.findChild<QScrollBar*>("DoorScroll");
+        QCOMPARE(scroll->maximum(), static_cast<int>(before.size()) - 1);
+        scroll->setValue(1);
+        QCOMPARE(form.selectedDoor(), 1);
+        QCOMPARE(form.findChild<QLineEdit*>("txtBoxD")->text(),
+                 QString("2 of %1").arg(before.size()));
+        QCOMPARE(form.box(kRpxBox)->text(), QString::number(before[1].rpx));
+        QCOMPARE(form.box(kObjectBox)->text(), QString::number(before[1].object));
+
+        typeInto(form.box(kRpxBox), "300");
+        QCOMPARE(form.box(kRpxBox)->text(), QString("255"));
+        typeInto(form.box(kObjectBox), "77");
+        // Stored at once into the selected door record of the form's copy.
+        QCOMPARE(form.workingEntry().doorList[1].rpx, std::int16_t{255});
+        QCOMPARE(form.workingEntry().doorList[1].object, std::int16_t{77});
+        QCOMPARE(form.workingEntry().doorList[0].rpx, before[0].rpx);
+        // Back to the first door: its own values show.
+        scroll->setValue(0);
+        QCOMPARE(form.box(kRpxBox)->text(), QString::number(before[0].rpx));
+        QVERIFY(form.recordChanged());
+        form.reject();
+    }
+    const CarEntry& car = *level->session->cars.find(asn);
+    QCOMPARE(car.doorList.size(), before.size());
+    QCOMPARE(car.doorList[1].rpx, std::int16_t{255});
+    QCOMPARE(car.doorList[1].object, std::int16_t{77});
+    QCOMPARE(car.doorList[0].rpx, before[0].rpx);
+    QCOMPARE(car.info.doors, static_cast<std::int16_t>(before.size()));
+    QCOMPARE(queued(*level->session), std::vector<std::int16_t>{static_cast<std::int16_t>(asn)});
+}
+
+void CarInfoFormTest::clickInDoorPictureMovesTheSelectedDoor() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    const int asn = carWithDoors(*level->session, 1);
+    QVERIFY(asn > 0);
+    CarInfoForm form(*level->session, level->platform, asn);
+    form.resize(700, 500);
+    form.show();
+    form.tabs()->setCurrentIndex(CarInfoForm::DoorsPage);
+    auto* picture = form.findChild<DoorView*>("PictDoors");
+    QVERIFY(picture);
+    QTest::mouseClick(picture, Qt::LeftButton, {}, picture->pointOf(3, -4));
+    QCOMPARE(form.box(kRpxBox)->text(), QString("3"));
+    QCOMPARE(form.box(kRpyBox)->text(), QString("-4"));
+    QCOMPARE(form.workingEntry().doorList[0].rpx, std::int16_t{3});
+    QCOMPARE(form.workingEntry().doorList[0].rpy, std::int16_t{-4});
+    // The arrow keys nudge it by one pixel.
+    QTest::keyClick(picture, Qt::Key_Right);
+    QCOMPARE(form.workingEntry().doorList[0].rpx, std::int16_t{4});
+    QVERIFY(form.recordChanged());
+}
+
+void CarInfoFormTest::remapPageShowsAndEditsTheSelectedRemap() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    StyleSession& session = *level->session;
+    const int asn = carWithDoors(session, 0);
+    CarEntry& car = *session.cars.find(asn);
+    car.info.remap24[2] = {90, 0, 20};
+    car.info.remap24[3] = {45, 0, 0};
+    car.info.remap24[4] = {46, 0, 0};
+    const SpriteRec* sprite = findSpriteByAsn(session, asn);
+    QVERIFY(sprite);
+    const ClutColours base = spriteColours(session, *sprite);
+    {
+        CarInfoForm form(session, level->platform, asn);
+        auto* list = form.findChild<QListWidget*>("RemapList");
+        QCOMPARE(list->count(), 12);
+        QCOMPARE(list->item(0)->text(), QString("24bit Remap:0"));
+        QCOMPARE(list->item(11)->text(), QString("24bit Remap:11"));
+        auto* picture = form.findChild<RemapPreview*>("RemapPic");
+        auto* inUse = form.findChild<QLabel*>("LRemapInUse");
+
+        list->setCurrentRow(2);
+        QCOMPARE(form.box(38)->text(), QString("90"));
+        QCOMPARE(form.box(40)->text(), QString("20"));
+        QCOMPARE(picture->picture(), spriteImage(session, *sprite, remapClut(base, {90, 0, 20})));
+        QVERIFY(inUse->isHidden());
+
+        // Making remap 4 the same as remap 3 marks it as in use; the picture follows the box.
+        list->setCurrentRow(4);
+        typeInto(form.box(38), "45");
+        QVERIFY(!inUse->isHidden());
+        QCOMPARE(picture->picture(), spriteImage(session, *sprite, remapClut(base, {45, 0, 0})));
+        QCOMPARE(form.workingEntry().info.remap24[4], (std::array<std::int16_t, 3>{45, 0, 0}));
+        // The lines name the remaps each coloration picks from.
+        QCOMPARE(form.findChild<QLabel*>("LColoration_2")->text(),
+                 QString("Unparked Random Car Coloration: remap 0"));
+        QVERIFY(form.findChild<QLabel*>("LColoration_0")
+                    ->text()
+                    .startsWith("Random Car Coloration: remaps 0 to 11"));
+
+        typeInto(form.box(41), "300");
+        QCOMPARE(form.box(41)->text(), QString("255"));
+        QCOMPARE(form.workingEntry().info.remap8[4], std::uint8_t{255});
+        form.reject();
+    }
+    QCOMPARE(car.info.remap24[4], (std::array<std::int16_t, 3>{45, 0, 0}));
+    QCOMPARE(car.info.remap8[4], std::uint8_t{255});
+    QCOMPARE(queued(session), std::vector<std::int16_t>{static_cast<std::int16_t>(asn)});
+
+    // A remap colour edit alone still reaches the file.
+    session.style.clearDirtyFlags();
+    {
+        CarInfoForm form(session, level->platform, asn);
+        form.findChild<QListWidget*>("RemapList")->setCurrentRow(7);
+        typeInto(form.box(39), "12");
+        QVERIFY(!form.recordChanged());
+        form.reject();
+    }
+    QCOMPARE(car.info.remap24[7][1], std::int16_t{12});
+    QCOMPARE(queued(session), std::vector<std::int16_t>{static_cast<std::int16_t>(asn)});
+}
+
+void CarInfoFormTest::grayStyleListsEightBitRemapsWithSwatch() {
+    auto level = loadSample("STYLE002.GRY");
+    QVERIFY(level);
+    StyleSession& session = *level->session;
+    const int asn = carWithDoors(session, 0);
+    QVERIFY(asn > 0);
+    CarInfoForm form(session, level->platform, asn);
+    auto* list = form.findChild<QListWidget*>("RemapList");
+    QCOMPARE(list->item(0)->text(), QString("8bit Remap:0"));
+    list->setCurrentRow(3);
+    const std::uint8_t index = session.cars.find(asn)->info.remap8[3];
+    QCOMPARE(form.box(41)->text(), QString::number(index));
+    auto* picture = form.findChild<RemapPreview*>("RemapPic");
+    QVERIFY(picture->swatch().has_value());
+    QCOMPARE(picture->swatch()->rgb() & 0xFFFFFFu, palette8Colours(session.colours)[index]);
+}
+
+void CarInfoFormTest::helpButtonsWithoutHelpFile() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    CarInfoForm form(*level->session, level->platform, carWithDoors(*level->session, 0));
+    form.show();
+    for (int page = 0; page < CarInfoForm::PageCount; ++page) {
+        form.tabs()->setCurrentIndex(page);
+        QTest::mouseClick(form.helpButton(page), Qt::LeftButton);
+    }
+    QCOMPARE(level->platform.shownMessages.size(), std::size_t{CarInfoForm::PageCount});
+    for (const Message& message : level->platform.shownMessages) {
+        QCOMPARE(message.text, std::string("Unable to display Help Contents. There is no Help "
+                                           "associated with this project."));
+        QCOMPARE(message.icon, Icon::Information);
+    }
+    QVERIFY(!form.recordChanged());
+}
+
+void CarInfoFormTest::playButtonsPlayEngineHornAndSoundFunction() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    const std::filesystem::path dir = level->dir.path().toStdString();
+    const auto sdt = torquil::testing::readFile(dir / "audio" / "LEVEL001.SDT");
+    // Record n of the bank: length and rate.
+    auto lengthOf = [&](int n) { return torquil::testing::getI32(sdt, (n - 1) * 12 + 4); };
+    auto rateOf = [&](int n) { return torquil::testing::getI32(sdt, (n - 1) * 12 + 8); };
+    auto wavField = [](const std::vector<unsigned char>& wav, std::size_t at) {
+        return torquil::testing::getI32(wav, at);
+    };
+
+    CarInfoForm form(*level->session, level->platform, carWithDoors(*level->session, 0));
+    form.show();
+    form.tabs()->setCurrentIndex(CarInfoForm::SoundPage);
+    typeInto(form.box(31), "2");
+    typeInto(form.box(33), "3");
+    typeInto(form.box(34), "4");
+    for (int button = 0; button < 3; ++button)
+        QTest::mouseClick(form.findChild<QPushButton*>(QString("IPlay_%1").arg(button)),
+                          Qt::LeftButton);
+
+    const auto& played = level->platform.playedSoundBytes;
+    QCOMPARE(played.size(), std::size_t{3});
+    // Engine: three times over; horn and sound function once; all at the bank's own rate.
+    QCOMPARE(wavField(played[0], 40), lengthOf(2) * 3);
+    QCOMPARE(wavField(played[0], 24), rateOf(2));
+    QCOMPARE(wavField(played[1], 40), lengthOf(3));
+    QCOMPARE(wavField(played[2], 40), lengthOf(4));
+    QCOMPARE(wavField(played[2], 24), rateOf(4));
+    QVERIFY(level->platform.shownMessages.empty());
+}
+
+void CarInfoFormTest::screenshots() {
+    const QByteArray target = qgetenv("TORQUIL_SCREENSHOT_DIR");
+    if (target.isEmpty()) QSKIP("TORQUIL_SCREENSHOT_DIR not set");
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    CarInfoForm form(*level->session, level->platform, carWithDoors(*level->session, 2));
+    form.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&form));
+    form.findChild<QListWidget*>("RemapList")->setCurrentRow(3);
+    for (int page = 0; page < form.tabs()->count(); ++page) {
+        form.tabs()->setCurrentIndex(page);
+        QTest::qWait(50);
+        const QString name = form.tabs()->tabText(page).toLower();
+        QVERIFY(form.grab().save(QString("%1/car_editor_%2.png").arg(target, name)));
+    }
+}
+
+QTEST_MAIN(CarInfoFormTest)
+#include "car_info_form_test.moc"
