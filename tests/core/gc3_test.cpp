@@ -1,0 +1,275 @@
+#include "exchange/gc3.h"
+
+#include "fake_platform.h"
+#include "style_builder.h"
+#include "test_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace torquil;
+namespace tb = torquil::testing;
+
+namespace {
+
+std::vector<std::uint8_t> randomBytes(std::size_t n, unsigned seed) {
+    std::mt19937 rng(seed);
+    std::vector<std::uint8_t> out(n);
+    for (auto& b : out) b = static_cast<std::uint8_t>(rng());
+    return out;
+}
+
+struct Gc3Fixture : ::testing::Test {
+    tb::TempDir dir;
+    tb::FakePlatform platform;
+    std::filesystem::path modStyle = dir / "mod" / "STYLE001.G24";
+    std::filesystem::path origStyle = dir / "orig" / "STYLE001.G24";
+    std::filesystem::path modFxt = dir / "mod" / "ENGLISH.FXT";
+    std::filesystem::path origFxt = dir / "orig" / "ENGLISH.FXT";
+    std::filesystem::path pack = dir / "CARS.GC3";
+
+    void SetUp() override {
+        std::filesystem::create_directories(dir / "mod");
+        std::filesystem::create_directories(dir / "orig");
+    }
+    void files(const std::vector<std::uint8_t>& mod, const std::vector<std::uint8_t>& orig,
+               const std::vector<std::uint8_t>& modText = {1, 2, 3},
+               const std::vector<std::uint8_t>& origText = {1, 2, 3}) {
+        tb::writeFile(modStyle, mod);
+        tb::writeFile(origStyle, orig);
+        tb::writeFile(modFxt, modText);
+        tb::writeFile(origFxt, origText);
+    }
+    bool write(double seconds = 0) {
+        return writeGC3(modStyle, origStyle, modFxt, origFxt, pack, platform,
+                        [seconds] { return seconds; });
+    }
+    Gc3Pack parsed() {
+        Gc3Pack p;
+        std::string why;
+        EXPECT_TRUE(parseGc3(tb::readFile(pack), p, why)) << why;
+        return p;
+    }
+};
+
+// ---- Writing ---------------------------------------------------------------------------------
+
+TEST_F(Gc3Fixture, IdenticalFilesGiveAHeaderWithEmptyRecordRanges) {
+    const auto bytes = randomBytes(10000, 1);
+    files(bytes, bytes);
+    ASSERT_TRUE(write(3600.4));
+    const auto file = tb::readFile(pack);
+    ASSERT_EQ(file.size(), 31u);
+    EXPECT_EQ(std::string(file.begin(), file.begin() + 3), "GC3");
+    EXPECT_EQ(tb::getI16(file, 3), 1);
+    EXPECT_EQ(file[5], 3600 % 255);
+    EXPECT_EQ(file[6], 1);
+    EXPECT_EQ(tb::getI32(file, 7), 32);  // StyleDataPosition
+    EXPECT_EQ(tb::getI32(file, 11), 31); // StyleDataPositionEnd = StyleDataPosition - 1
+    EXPECT_EQ(tb::getI32(file, 15), 10000);
+    EXPECT_EQ(tb::getI32(file, 19), 32);
+    EXPECT_EQ(tb::getI32(file, 23), 31);
+    EXPECT_EQ(tb::getI32(file, 27), 3);
+    EXPECT_EQ(platform.progressTitles.back(), "Writing GC3 file");
+    EXPECT_EQ(platform.progressTexts.back(), "Writing...");
+}
+
+TEST_F(Gc3Fixture, EncryptByteIsTheRoundedSecondsSinceMidnightModulo255) {
+    EXPECT_EQ(gc3EncryptByte(0), 0);
+    EXPECT_EQ(gc3EncryptByte(254.4), 254);
+    EXPECT_EQ(gc3EncryptByte(254.6), 0);
+    EXPECT_EQ(gc3EncryptByte(86399.0), 86399 % 255);
+}
+
+TEST_F(Gc3Fixture, OneChangedByteGivesOneRunOfEight) {
+    const auto orig = randomBytes(10000, 2);
+    auto mod = orig;
+    mod[99] ^= 0xFF; // position 100
+    files(mod, orig);
+    ASSERT_TRUE(write());
+    const auto p = parsed();
+    ASSERT_EQ(p.styleRecords.size(), 1u);
+    EXPECT_EQ(p.styleRecords[0].position, 107);
+    EXPECT_EQ(p.styleRecords[0].length, 8);
+    EXPECT_EQ(p.styleRecords[0].data,
+              std::vector<std::uint8_t>(mod.begin() + 99, mod.begin() + 107));
+    EXPECT_EQ(p.header.StyleDataPositionEnd, 31 + 8 + 8);
+    EXPECT_TRUE(p.fxtRecords.empty());
+}
+
+TEST_F(Gc3Fixture, RunsGrowInEightsAcrossBlocksAndStopAtTheFileEnd) {
+    struct Case {
+        const char* name;
+        std::vector<std::size_t> changed;                        // 0-based
+        std::vector<std::pair<std::int32_t, std::int32_t>> runs; // (position, length)
+    };
+    const std::vector<Case> cases = {
+        {"a second change inside the first eight", {10, 17}, {{18, 8}}},
+        {"a change just after eight bytes carries on", {10, 18}, {{26, 16}}},
+        {"two separate changes", {10, 40}, {{18, 8}, {48, 8}}},
+        {"across the 4096-byte block boundary", {4093}, {{4101, 8}}},
+        {"cut short by the end of the file", {9997}, {{10000, 3}}},
+    };
+    const auto orig = randomBytes(10000, 3);
+    for (const Case& c : cases) {
+        auto mod = orig;
+        for (auto i : c.changed) mod[i] ^= 0x5A;
+        files(mod, orig);
+        ASSERT_TRUE(write()) << c.name;
+        const auto p = parsed();
+        ASSERT_EQ(p.styleRecords.size(), c.runs.size()) << c.name;
+        for (std::size_t i = 0; i < c.runs.size(); ++i) {
+            EXPECT_EQ(p.styleRecords[i].position, c.runs[i].first) << c.name;
+            EXPECT_EQ(p.styleRecords[i].length, c.runs[i].second) << c.name;
+        }
+    }
+}
+
+TEST_F(Gc3Fixture, ExtraBytesOfALongerModifiedFileAreAllCovered) {
+    const auto orig = randomBytes(5000, 4);
+    auto mod = orig;
+    const auto extra = randomBytes(123, 5);
+    mod.insert(mod.end(), extra.begin(), extra.end());
+    files(mod, orig);
+    ASSERT_TRUE(write());
+    const auto p = parsed();
+    ASSERT_EQ(p.styleRecords.size(), 1u);
+    EXPECT_EQ(p.styleRecords[0].position, 5123);
+    EXPECT_EQ(p.styleRecords[0].length, 123);
+    EXPECT_EQ(p.styleRecords[0].data, extra);
+    EXPECT_EQ(p.header.StyleDataLOF, 5123);
+}
+
+TEST_F(Gc3Fixture, StylesOfTwoLevelsAreRefused) {
+    files({1}, {1});
+    const auto other = dir / "orig" / "STYLE002.G24";
+    tb::writeFile(other, {1});
+    tb::writeFile(pack, {9, 9, 9});
+    EXPECT_FALSE(writeGC3(modStyle, other, modFxt, origFxt, pack, platform, [] { return 0.0; }));
+    ASSERT_EQ(platform.messageTexts().size(), 1u);
+    EXPECT_EQ(platform.messageTexts()[0],
+              "Writing of GC3 cannot be accomplished on styles from two different levels.");
+    EXPECT_FALSE(std::filesystem::exists(pack)); // the old pack went first
+}
+
+TEST_F(Gc3Fixture, MissingInputOrPackIsAnError) {
+    files({1}, {1});
+    std::filesystem::remove(origFxt);
+    EXPECT_FALSE(write());
+    EXPECT_EQ(platform.messageTexts(), std::vector<std::string>{"Error writing GC3 file."});
+
+    Gc3Header h;
+    EXPECT_FALSE(readGC3(dir / "none.gc3", h, platform));
+    tb::writeFile(pack, {'G', 'C', '3', 1, 0});
+    EXPECT_FALSE(readGC3(pack, h, platform));
+    EXPECT_EQ(platform.messageTexts().back(), "Error reading GC3 file.");
+    EXPECT_EQ(platform.messageTexts().size(), 3u);
+}
+
+TEST_F(Gc3Fixture, ReadGivesBackTheHeaderAsWritten) {
+    const auto orig = randomBytes(300, 6);
+    auto mod = orig;
+    mod[5] ^= 1;
+    files(mod, orig, {'a', 'b'}, {'a'});
+    ASSERT_TRUE(write(100.0));
+    Gc3Header h;
+    ASSERT_TRUE(readGC3(pack, h, platform));
+    EXPECT_EQ(h.fileType, "GC3");
+    EXPECT_EQ(h.encrypt, 100);
+    EXPECT_EQ(h.stylenum, 1);
+    EXPECT_EQ(h.StyleDataPosition, 32);
+    EXPECT_EQ(h.StyleDataPositionEnd, 47);
+    EXPECT_EQ(h.StyleDataLOF, 300);
+    EXPECT_EQ(h.FXTDataPosition, 48);
+    EXPECT_EQ(h.FXTDataPositionEnd, 48 + 8);
+    EXPECT_EQ(h.FXTDataLOF, 2);
+}
+
+// ---- Applying --------------------------------------------------------------------------------
+
+TEST_F(Gc3Fixture, WriteThenApplyReproducesTheModifiedFiles) {
+    struct Case {
+        const char* name;
+        std::size_t origSize, modSize;
+        unsigned changes;
+    };
+    const std::vector<Case> cases = {{"same size", 20000, 20000, 40},
+                                     {"grown", 9000, 13000, 5},
+                                     {"shrunk", 13000, 9000, 5},
+                                     {"empty original", 0, 700, 0}};
+    for (const Case& c : cases) {
+        const auto orig = randomBytes(c.origSize, 7);
+        auto mod = randomBytes(c.modSize, 7); // shares the original's prefix
+        std::mt19937 rng(c.changes);
+        for (unsigned i = 0; i < c.changes && !mod.empty(); ++i) mod[rng() % mod.size()] ^= 0x81;
+        const std::vector<std::uint8_t> origText = {'[', 'c', 'a', 'r', '1', ']', 'A'};
+        const std::vector<std::uint8_t> modText = {'[', 'c', 'a', 'r', '1', ']', 'B', 'u', 's'};
+        files(mod, orig, modText, origText);
+        ASSERT_TRUE(write()) << c.name;
+
+        const auto target = dir / "target";
+        std::filesystem::create_directories(target);
+        tb::writeFile(target / "STYLE001.G24", orig);
+        tb::writeFile(target / "ENGLISH.FXT", origText);
+        ASSERT_TRUE(applyGC3(pack, target / "STYLE001.G24", target / "ENGLISH.FXT", platform))
+            << c.name;
+        EXPECT_EQ(tb::readFile(target / "STYLE001.G24"), mod) << c.name;
+        EXPECT_EQ(tb::readFile(target / "ENGLISH.FXT"), modText) << c.name;
+        EXPECT_FALSE(std::filesystem::exists(target / "STYLE001.G24~gc3")) << c.name;
+    }
+}
+
+TEST_F(Gc3Fixture, ApplyRefusesAndWritesNothing) {
+    const auto orig = randomBytes(3000, 8);
+    auto mod = orig;
+    mod[10] ^= 1;
+    mod.push_back(42);
+    files(mod, orig);
+    ASSERT_TRUE(write());
+    const auto good = tb::readFile(pack);
+
+    struct Case {
+        const char* name;
+        std::string styleName;
+        std::function<void(std::vector<std::uint8_t>& pack, std::vector<std::uint8_t>& style)> edit;
+        std::string message;
+    };
+    const auto level2 = "This GC3 car pack is for level 1, but STYLE002.G24 is level 2.";
+    const std::vector<Case> cases = {
+        {"another level", "STYLE002.G24", [](auto&, auto&) {}, level2},
+        {"style file too short for the run", "STYLE001.G24",
+         [](auto&, auto& style) { style.resize(2000); }, "too short"},
+        {"run past the recorded length", "STYLE001.G24",
+         [](auto& p, auto&) { tb::putI32(p, 15, 3000); }, "run past the recorded length"},
+        {"record running past the pack's end", "STYLE001.G24",
+         [](auto& p, auto&) { tb::putI32(p, 32 + 4, 5000); }, "Error reading GC3 file."},
+        {"pack shorter than its header", "STYLE001.G24", [](auto& p, auto&) { p.resize(20); },
+         "Error reading GC3 file."},
+        {"record range outside the pack", "STYLE001.G24",
+         [](auto& p, auto&) { tb::putI32(p, 11, 1 << 30); }, "Error reading GC3 file."},
+    };
+    for (const Case& c : cases) {
+        auto packBytes = good;
+        auto style = orig;
+        c.edit(packBytes, style);
+        tb::writeFile(pack, packBytes);
+        const auto target = dir / "refuse";
+        std::filesystem::remove_all(target);
+        std::filesystem::create_directories(target);
+        tb::writeFile(target / c.styleName, style);
+        tb::writeFile(target / "ENGLISH.FXT", {1, 2, 3});
+        platform.shownMessages.clear();
+        EXPECT_FALSE(applyGC3(pack, target / c.styleName, target / "ENGLISH.FXT", platform))
+            << c.name;
+        ASSERT_EQ(platform.messageTexts().size(), 1u) << c.name;
+        EXPECT_NE(platform.messageTexts()[0].find(c.message), std::string::npos)
+            << c.name << ": " << platform.messageTexts()[0];
+        EXPECT_EQ(tb::readFile(target / c.styleName), style) << c.name;
+        EXPECT_EQ(tb::readFile(target / "ENGLISH.FXT"), (std::vector<std::uint8_t>{1, 2, 3}))
+            << c.name;
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(target), {}), 2) << c.name;
+    }
+}
+
+} // namespace
