@@ -1,0 +1,175 @@
+#include "sound/sound_preview.h"
+
+#include "base/binary_file.h"
+#include "fake_platform.h"
+#include "session/load_sequence.h"
+#include "session/style_session.h"
+#include "style_builder.h"
+#include "test_dir.h"
+
+#include <gtest/gtest.h>
+
+using namespace torquil;
+namespace tb = torquil::testing;
+
+namespace {
+
+std::vector<std::uint8_t> sdt(const std::vector<SdtRecord>& records) {
+    std::vector<std::uint8_t> out(records.size() * 12);
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        tb::putI32(out, 12 * i, records[i].offset);
+        tb::putI32(out, 12 * i + 4, records[i].length);
+        tb::putI32(out, 12 * i + 8, records[i].rate);
+    }
+    return out;
+}
+
+std::vector<std::uint8_t> rawBytes(std::size_t n) {
+    std::vector<std::uint8_t> out(n);
+    for (std::size_t i = 0; i < n; ++i) out[i] = static_cast<std::uint8_t>(100 + i);
+    return out;
+}
+
+struct SoundFixture : ::testing::Test {
+    tb::TempDir dir;
+    tb::FakePlatform platform;
+    std::unique_ptr<StyleSession> session;
+
+    // Level 1 with a three-record bank: (1, 4, 22050), (5, 3, 11025), (8, 2, 22050) over a
+    // 20-byte RAW file. The names are in mixed case, as they come off a game CD.
+    void SetUp() override { useSession(false); }
+    void useSession(bool debug) {
+        AppOptions options;
+        options.debugMode = debug;
+        options.workDir = dir / "work";
+        std::filesystem::create_directories(options.workDir);
+        session = std::make_unique<StyleSession>(options);
+        prepareStyle(session->style, dir / "STYLE001.G24", kLoadSprites);
+    }
+    void bank(const std::vector<SdtRecord>& records, std::size_t rawSize = 20) {
+        std::filesystem::create_directories(dir / "Audio");
+        tb::writeFile(dir / "Audio" / "Level001.sdt", sdt(records));
+        tb::writeFile(dir / "Audio" / "LEVEL001.raw", rawBytes(rawSize));
+    }
+    void standardBank() { bank({{1, 4, 22050}, {5, 3, 11025}, {8, 2, 22050}}); }
+    std::vector<std::string> messages() const { return platform.messageTexts(); }
+};
+
+TEST_F(SoundFixture, TableHasAZeroRecordFirstAndOneEntryPerTwelveBytes) {
+    standardBank();
+    SoundTable table;
+    ASSERT_TRUE(loadSDT(*session, table));
+    ASSERT_EQ(table.lastIndex(), 3);
+    EXPECT_EQ(table.SDT[0].offset, 0);
+    EXPECT_EQ(table.SDT[0].length, 0);
+    EXPECT_EQ(table.SDT[2].offset, 5);
+    EXPECT_EQ(table.SDT[2].rate, 11025);
+    // A cut last record still counts, its missing bytes as zeros.
+    auto bytes = tb::readFile(dir / "Audio" / "Level001.sdt");
+    bytes.resize(bytes.size() + 5, 1);
+    tb::writeFile(dir / "Audio" / "Level001.sdt", bytes);
+    ASSERT_TRUE(loadSDT(*session, table));
+    ASSERT_EQ(table.lastIndex(), 4);
+    EXPECT_EQ(table.SDT[4].offset, 0x01010101);
+    EXPECT_EQ(table.SDT[4].length, 1);
+}
+
+TEST_F(SoundFixture, WavHeaderCountsTheRepeatsInTheDataSizeOnly) {
+    standardBank();
+    const auto wav = dir / "out.wav";
+    ASSERT_EQ(writeSoundWav(*session, platform, 1, 1.5, 2, wav), SoundOutcome::Done);
+    const auto f = tb::readFile(wav);
+    ASSERT_EQ(f.size(), 44u + 8u);
+    EXPECT_EQ(std::string(f.begin(), f.begin() + 4), "RIFF");
+    EXPECT_EQ(tb::getI32(f, 4), 4 + 36); // one copy of the sample, whatever the repeats
+    EXPECT_EQ(std::string(f.begin() + 8, f.begin() + 16), "WAVEfmt ");
+    EXPECT_EQ(tb::getI32(f, 16), 16);
+    EXPECT_EQ(tb::getI16(f, 20), 1);
+    EXPECT_EQ(tb::getI16(f, 22), 1);
+    EXPECT_EQ(tb::getI32(f, 24), 33075);
+    EXPECT_EQ(tb::getI32(f, 28), 33075);
+    EXPECT_EQ(tb::getI16(f, 32), 1);
+    EXPECT_EQ(tb::getI16(f, 34), 8);
+    EXPECT_EQ(std::string(f.begin() + 36, f.begin() + 40), "data");
+    EXPECT_EQ(tb::getI32(f, 40), 8);
+    // The copy starts one byte before the recorded offset: RAW bytes 0..3, twice.
+    const std::vector<std::uint8_t> data(f.begin() + 44, f.end());
+    EXPECT_EQ(data, (std::vector<std::uint8_t>{100, 101, 102, 103, 100, 101, 102, 103}));
+    EXPECT_TRUE(messages().empty());
+}
+
+TEST_F(SoundFixture, NumbersUpToTheLastIndexMinusOneAreInRange) {
+    standardBank();
+    const auto wav = dir / "out.wav";
+    EXPECT_EQ(writeSoundWav(*session, platform, 2, 1.0, 1, wav), SoundOutcome::Done);
+    const auto f = tb::readFile(wav);
+    EXPECT_EQ(std::vector<std::uint8_t>(f.begin() + 44, f.end()),
+              (std::vector<std::uint8_t>{104, 105, 106}));
+    for (std::int16_t n : {std::int16_t{3}, std::int16_t{-1}}) {
+        platform.shownMessages.clear();
+        EXPECT_EQ(writeSoundWav(*session, platform, n, 1.0, 1, wav), SoundOutcome::OutOfRange) << n;
+        EXPECT_EQ(messages(), std::vector<std::string>{"Sound is out of range."}) << n;
+    }
+    // Number 0 is in range but is the empty record at offset 0: positioning at 0 is a bad
+    // record number, reported as the general error.
+    platform.shownMessages.clear();
+    EXPECT_EQ(writeSoundWav(*session, platform, 0, 1.0, 1, wav), SoundOutcome::Failed);
+    EXPECT_EQ(messages(), std::vector<std::string>{"Run-time error '63':\rBad record number"});
+}
+
+TEST_F(SoundFixture, PlayingUsesATemporaryWavThatIsDeletedAfterwards) {
+    standardBank();
+    ASSERT_EQ(playSound(*session, platform, 1, 1.0, 1), SoundOutcome::Done);
+    ASSERT_EQ(platform.playedSounds.size(), 1u);
+    EXPECT_EQ(platform.playedSounds[0], dir / "work" / "~tmp1.wav");
+    EXPECT_EQ(platform.playedSoundBytes[0].size(), 48u);
+    EXPECT_EQ(tb::getI32(platform.playedSoundBytes[0], 24), 22050);
+    EXPECT_FALSE(std::filesystem::exists(dir / "work" / "~tmp1.wav"));
+    EXPECT_FALSE(platform.busy);
+}
+
+TEST_F(SoundFixture, MissingBankFilesPlayNothingAndSayNothing) {
+    standardBank();
+    std::filesystem::remove(dir / "Audio" / "LEVEL001.raw");
+    EXPECT_EQ(playSound(*session, platform, 1, 1.0, 1), SoundOutcome::NoBank);
+    EXPECT_TRUE(messages().empty());
+    EXPECT_TRUE(platform.playedSounds.empty());
+}
+
+TEST_F(SoundFixture, RecordsOutsideTheRawFileFailCleanly) {
+    struct Case {
+        SdtRecord bad;
+        std::string message;
+    };
+    const std::vector<Case> cases = {
+        {{18, 5, 11025}, "Run-time error '63':\rBad record number"},
+        {{-7, 2, 11025}, "Run-time error '63':\rBad record number"},
+        {{1, -4, 11025}, "Run-time error '63':\rBad record number"},
+        {{1, 4, 2000000000}, "Run-time error '6':\rOverflow"}, // x 1.5 does not fit
+    };
+    for (const Case& c : cases) {
+        bank({{1, 4, 22050}, c.bad, {8, 2, 22050}});
+        platform.shownMessages.clear();
+        EXPECT_EQ(playSound(*session, platform, 2, 1.5, 1), SoundOutcome::Failed) << c.message;
+        EXPECT_EQ(messages(), std::vector<std::string>{c.message});
+        EXPECT_TRUE(platform.playedSounds.empty());
+        EXPECT_FALSE(std::filesystem::exists(dir / "work" / "~tmp2.wav"));
+    }
+}
+
+TEST_F(SoundFixture, DataSizeThatDoesNotFitIsAnOverflowNotAHugeFile) {
+    bank({{1, 70000, 11025}, {1, 1, 11025}}, 70000);
+    const auto wav = dir / "big.wav";
+    EXPECT_EQ(writeSoundWav(*session, platform, 1, 1.0, 32767, wav), SoundOutcome::Failed);
+    EXPECT_EQ(messages(), std::vector<std::string>{"Run-time error '6':\rOverflow"});
+    EXPECT_FALSE(std::filesystem::exists(wav));
+}
+
+TEST_F(SoundFixture, DebugModeLetsTheErrorEscapeAndStillRemovesTheTemporaryFile) {
+    useSession(true);
+    standardBank();
+    EXPECT_THROW(playSound(*session, platform, 0, 1.0, 1), RuntimeError);
+    EXPECT_FALSE(std::filesystem::exists(dir / "work" / "~tmp0.wav"));
+}
+
+} // namespace
