@@ -57,6 +57,11 @@ void registerCarCommand(CLI::App& app, Context& ctx);
 void registerCarsCommand(CLI::App& app, Context& ctx);
 void registerCarSetCommand(CLI::App& app, Context& ctx);
 void registerFxtCommands(CLI::App& app, Context& ctx);
+void registerExportSpriteCommand(CLI::App& app, Context& ctx);
+void registerImportSpriteCommand(CLI::App& app, Context& ctx);
+void registerTransparencyCommand(CLI::App& app, Context& ctx);
+void registerGc3Command(CLI::App& app, Context& ctx);
+void registerSoundCommand(CLI::App& app, Context& ctx);
 
 // Parses and runs a whole command line; returns the exit status.
 int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err);

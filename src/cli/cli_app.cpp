@@ -83,6 +83,11 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
     registerCarsCommand(app, ctx);
     registerCarSetCommand(app, ctx);
     registerFxtCommands(app, ctx);
+    registerExportSpriteCommand(app, ctx);
+    registerImportSpriteCommand(app, ctx);
+    registerTransparencyCommand(app, ctx);
+    registerGc3Command(app, ctx);
+    registerSoundCommand(app, ctx);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& e) {

@@ -45,24 +45,34 @@ std::vector<std::uint8_t> spritePixels(const StyleSession& session, const Sprite
 std::filesystem::path exportSprite(StyleSession& session, Platform& platform) {
     const SpriteRec* sprite = session.selectedSprite();
     if (!sprite) return {};
-    const std::string name = bmpFileName(session, *sprite);
-    const std::filesystem::path file = session.workPath(name);
-    platform.progress().open("Exporting", name, std::max(0, sprite->H - 1));
+    const std::filesystem::path file = session.workPath(bmpFileName(session, *sprite));
+    return exportSpriteTo(session, platform, file) ? file : std::filesystem::path{};
+}
+
+bool exportSpriteTo(StyleSession& session, Platform& platform, const std::filesystem::path& file) {
+    const SpriteRec* sprite = session.selectedSprite();
+    if (!sprite) return false;
+    platform.progress().open("Exporting", file.filename().string(), std::max(0, sprite->H - 1));
     const bool written = writeBmp(session, platform, file, spritePixels(session, *sprite),
                                   sprite->clut, sprite->W, sprite->H);
     platform.progress().close();
-    return written ? file : std::filesystem::path{};
+    return written;
 }
 
 bool importSprite(StyleSession& session, Platform& platform) {
+    const SpriteRec* sprite = session.selectedSprite();
+    if (!sprite) return false;
+    return importSpriteFrom(session, platform, session.workPath(bmpFileName(session, *sprite)));
+}
+
+bool importSpriteFrom(StyleSession& session, Platform& platform,
+                      const std::filesystem::path& file) {
     SpriteRec* sprite = session.selectedSprite();
     if (!sprite) return false;
-    const std::string name = bmpFileName(session, *sprite);
     ProgressSink& progress = platform.progress();
-    progress.open("Importing", name, std::max(0, sprite->H - 1));
+    progress.open("Importing", file.filename().string(), std::max(0, sprite->H - 1));
     std::vector<std::uint8_t> pixels;
-    if (!readBmp(session, platform, session.workPath(name), sprite->clut, sprite->W, sprite->H,
-                 pixels)) {
+    if (!readBmp(session, platform, file, sprite->clut, sprite->W, sprite->H, pixels)) {
         progress.close();
         return false;
     }

@@ -394,3 +394,44 @@ TEST_F(BmpFixture, GreyStyleKeepsIndexesOfAForeignPaletteOnOk) {
 }
 
 } // namespace
+
+namespace {
+
+// ---- Command line ----------------------------------------------------------------------------
+
+TEST_F(BmpFixture, CommandLineExportsEditsImportsAndSaves) {
+    const std::string work = dir.path().string();
+    auto exported = tb::runCli({"export-sprite", "--workdir", work, stylePath.string(), "1"});
+    ASSERT_EQ(exported.status, 0) << exported.err;
+    EXPECT_EQ(exported.out, (dir / "KRBSPR1_1.bmp").string() + "\n");
+
+    auto file = tb::readFile(dir / "KRBSPR1_1.bmp");
+    setBmpPixel(file, 30, 20, 2, 1, 250);
+    file[54 + 4 * 250] ^= 0x0F; // a new colour for the new pixel
+    tb::writeFile(dir / "edited.bmp", file);
+
+    // Without an answer the palette question is cancelled and nothing is written.
+    const auto before = tb::readFile(stylePath);
+    auto cancelled = tb::runCli({"import-sprite", "--workdir", work, stylePath.string(), "1",
+                                 (dir / "edited.bmp").string()});
+    EXPECT_EQ(cancelled.status, 1);
+    EXPECT_NE(cancelled.err.find("answer: cancel"), std::string::npos) << cancelled.err;
+    EXPECT_EQ(tb::readFile(stylePath), before);
+
+    auto imported = tb::runCli({"import-sprite", "--workdir", work, "--answer", "ok",
+                                stylePath.string(), "1", (dir / "edited.bmp").string()});
+    ASSERT_EQ(imported.status, 0) << imported.err;
+    EXPECT_EQ(imported.out, "imported: " + (dir / "edited.bmp").string() + "\nclut changed\n");
+    reopen();
+    EXPECT_EQ(session->pages.pixel(0, 2, 1), 250);
+    auto again = tb::runCli({"export-sprite", "--workdir", work, stylePath.string(), "1", "-o",
+                             (dir / "again.bmp").string()});
+    ASSERT_EQ(again.status, 0) << again.err;
+    EXPECT_EQ(tb::readFile(dir / "again.bmp"), file);
+
+    auto missing = tb::runCli({"export-sprite", "--workdir", work, stylePath.string(), "99"});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_NE(missing.err.find("ASN:99 not found."), std::string::npos) << missing.err;
+}
+
+} // namespace

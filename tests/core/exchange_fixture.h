@@ -2,6 +2,7 @@
 // A style file made by the builder, written into a temporary folder and opened through the real
 // load sequence, with the work directory in the same folder.
 
+#include "cli/cli.h"
 #include "fake_platform.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
@@ -13,7 +14,9 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace torquil::testing {
 
@@ -35,6 +38,19 @@ inline std::vector<std::uint8_t> patternPixels(int w, int h, int seed = 0) {
             p[static_cast<std::size_t>(y) * w + x] =
                 static_cast<std::uint8_t>(1 + (x * 7 + y * 13 + seed) % 250);
     return p;
+}
+
+struct CliRun {
+    int status = 0;
+    std::string out, err;
+};
+
+// Runs torquil-cli in-process with the given arguments.
+inline CliRun runCli(std::vector<std::string> args) {
+    args.insert(args.begin(), "torquil-cli");
+    std::ostringstream out, err;
+    const int status = cli::run(args, out, err);
+    return {status, out.str(), err.str()};
 }
 
 struct StyleFixture : ::testing::Test {

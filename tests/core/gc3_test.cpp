@@ -1,5 +1,6 @@
 #include "exchange/gc3.h"
 
+#include "exchange_fixture.h"
 #include "fake_platform.h"
 #include "style_builder.h"
 #include "test_dir.h"
@@ -270,6 +271,38 @@ TEST_F(Gc3Fixture, ApplyRefusesAndWritesNothing) {
             << c.name;
         EXPECT_EQ(std::distance(std::filesystem::directory_iterator(target), {}), 2) << c.name;
     }
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(Gc3Fixture, CommandLineWritesReadsAndApplies) {
+    const auto orig = randomBytes(6000, 9);
+    auto mod = orig;
+    mod[4000] ^= 3;
+    files(mod, orig, {'n', 'e', 'w'}, {'o', 'l', 'd'});
+    auto written = tb::runCli({"gc3", "write", modStyle.string(), origStyle.string(),
+                               modFxt.string(), origFxt.string(), pack.string()});
+    ASSERT_EQ(written.status, 0) << written.err;
+
+    auto read = tb::runCli({"gc3", "read", pack.string()});
+    ASSERT_EQ(read.status, 0) << read.err;
+    const std::string tail = "stylenum:1\nStyleDataPosition:32\nStyleDataPositionEnd:47\n"
+                             "StyleDataLOF:6000\nFXTDataPosition:48\nFXTDataPositionEnd:58\n"
+                             "FXTDataLOF:3\n";
+    EXPECT_EQ(read.out.substr(0, 20), "File Type:GC3\nver:1\n");
+    EXPECT_EQ(read.out.substr(read.out.size() - tail.size()), tail);
+
+    auto applied =
+        tb::runCli({"gc3", "apply", pack.string(), origStyle.string(), origFxt.string()});
+    ASSERT_EQ(applied.status, 0) << applied.err;
+    EXPECT_EQ(tb::readFile(origStyle), mod);
+    EXPECT_EQ(tb::readFile(origFxt), (std::vector<std::uint8_t>{'n', 'e', 'w'}));
+
+    auto missing = tb::runCli({"gc3", "read", (dir / "none.gc3").string()});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.err, "message: Error reading GC3 file.\n");
 }
 
 } // namespace

@@ -169,3 +169,25 @@ TEST_F(TransparencyFixture, MaskShowsIndexZeroRedAndTheRestWhiteInsideARedFrame)
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(TransparencyFixture, CommandLineFixSavesTheExchangedColours) {
+    const std::string work = dir.path().string();
+    auto fixed = tb::runCli(
+        {"transparency-fix", "--workdir", work, "--answer", "ok", stylePath.string(), "2"});
+    ASSERT_EQ(fixed.status, 0) << fixed.err;
+    EXPECT_EQ(fixed.out, "corrected\n");
+    reopen();
+    select(2);
+    EXPECT_EQ(session->pages.pixel(0, 20, 0), 0);
+    const tb::Rgb old255 = tb::distinctClut(60)[255]; // ASN 2's CLUT as the builder wrote it
+    EXPECT_EQ(colour(0), (std::array<std::uint8_t, 3>{old255.r, old255.g, old255.b}));
+    EXPECT_EQ(transparencyCorrect(*session, platform), TransparencyOutcome::AlreadyCorrect);
+
+    auto refused = tb::runCli({"transparency-fix", "--workdir", work, stylePath.string(), "1"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.out, "undetermined\n");
+}
+
+} // namespace

@@ -1,0 +1,66 @@
+// torquil-cli sound: one sound of the level's bank as the WAV the editor's play buttons play.
+
+#include "cli/cli.h"
+
+#include "sound/sound_preview.h"
+
+#include <limits>
+#include <ostream>
+
+namespace torquil::cli {
+
+void registerSoundCommand(CLI::App& app, Context& ctx) {
+    struct Args {
+        CommonOptions common;
+        std::string style, output;
+        int number = 0;
+        double rate = 1.0;
+        int repeat = 1;
+        bool play = false;
+    };
+    auto args = std::make_shared<Args>();
+    CLI::App* cmd = app.add_subcommand(
+        "sound",
+        "Cut sound N out of the level's bank (audio/LEVEL00n.SDT and .RAW beside STYLE) and\n"
+        "write it as a WAV file (-o), play it (--play), or both. Numbers run from 0 to the\n"
+        "bank's record count - 1; the bank's last record cannot be played.\n"
+        "Exit status: 0 done, 1 no bank, out of range or failed, 2 usage error.");
+    args->common.addTo(*cmd);
+    constexpr int kMax16 = std::numeric_limits<std::int16_t>::max();
+    cmd->add_option("STYLE", args->style, "The style file (its name gives the level)")
+        ->required()
+        ->check(CLI::ExistingFile);
+    cmd->add_option("N", args->number, "Sound number")
+        ->required()
+        ->check(CLI::Range(-kMax16 - 1, kMax16));
+    cmd->add_option("--rate", args->rate, "Multiplier of the sample's rate (default 1)")
+        ->check(CLI::PositiveNumber);
+    cmd->add_option("--repeat", args->repeat, "How many times the sample plays (default 1)")
+        ->check(CLI::Range(1, kMax16));
+    cmd->add_option("-o,--output", args->output, "Write the WAV here");
+    cmd->add_flag("--play", args->play, "Play it through the system's sound player");
+    cmd->callback([args, &ctx] {
+        if (args->output.empty() && !args->play)
+            throw CLI::ValidationError("sound", "give -o WAV, --play, or both");
+        AppOptions options = makeAppOptions(ctx, args->common);
+        auto platform = makePlatform(ctx, args->common);
+        platform->setPlaybackEnabled(args->play);
+        StyleSession session(options);
+        prepareStyle(session.style, std::filesystem::absolute(args->style), kLoadSprites);
+        const auto number = static_cast<std::int16_t>(args->number);
+        const auto repeat = static_cast<std::int16_t>(args->repeat);
+
+        SoundOutcome outcome = SoundOutcome::Done;
+        if (!args->output.empty())
+            outcome = writeSoundWav(session, *platform, number, args->rate, repeat,
+                                    std::filesystem::absolute(args->output));
+        if (outcome == SoundOutcome::Done && args->play)
+            outcome = playSound(session, *platform, number, args->rate, repeat);
+        if (outcome == SoundOutcome::NoBank)
+            ctx.err << "sound: no sound bank: " << sdtFilePath(session).string() << " or "
+                    << rawFilePath(session).string() << " is missing\n";
+        ctx.exitCode = outcome == SoundOutcome::Done ? kExitOk : kExitFailed;
+    });
+}
+
+} // namespace torquil::cli

@@ -1,0 +1,73 @@
+// torquil-cli transparency-fix: move the sprite's background colour to index 0, then save.
+
+#include "cli/cli.h"
+#include "cli/sprite_pick.h"
+
+#include "exchange/transparency.h"
+#include "session/save_sequence.h"
+
+#include <ostream>
+
+namespace torquil::cli {
+
+namespace {
+
+const char* outcomeWord(TransparencyOutcome outcome) {
+    switch (outcome) {
+    case TransparencyOutcome::NoSprite:
+        return "no sprite";
+    case TransparencyOutcome::EightBit:
+        return "refused";
+    case TransparencyOutcome::Undetermined:
+        return "undetermined";
+    case TransparencyOutcome::AlreadyCorrect:
+        return "already correct";
+    case TransparencyOutcome::Cancelled:
+        return "cancelled";
+    case TransparencyOutcome::Corrected:
+        return "corrected";
+    }
+    return "?";
+}
+
+} // namespace
+
+void registerTransparencyCommand(CLI::App& app, Context& ctx) {
+    struct Args {
+        CommonOptions common;
+        std::string style;
+        int asn = 0;
+    };
+    auto args = std::make_shared<Args>();
+    CLI::App* cmd = app.add_subcommand(
+        "transparency-fix",
+        "Find the background colour of the sprite with absolute number ASN from its corners and\n"
+        "exchange it with index 0 in the sprite's pixels and CLUT, as \"Transparency > Fix\"\n"
+        "does, then save the style file. The CLUT question is answered by --answer (ok or yes\n"
+        "goes ahead; the default cancels).\n"
+        "Standard output: corrected, already correct, undetermined, refused or cancelled.\n"
+        "Exit status: 0 corrected and saved or already correct, 1 otherwise, 2 usage error.");
+    args->common.addTo(*cmd);
+    cmd->add_option("STYLE", args->style, "The style file (.G24)")->required();
+    cmd->add_option("ASN", args->asn, "Absolute sprite number")->required();
+    cmd->callback([args, &ctx] {
+        AppOptions options = makeAppOptions(ctx, args->common);
+        auto platform = makePlatform(ctx, args->common);
+        auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);
+        if (!session || !pickSprite(ctx, *session, *platform, args->asn, "transparency-fix"))
+            return;
+        const TransparencyOutcome outcome = transparencyCorrect(*session, *platform);
+        if (outcome == TransparencyOutcome::Corrected &&
+            saveChanges(*session, *platform).result != SaveResult::Saved) {
+            ctx.exitCode = kExitFailed;
+            return;
+        }
+        ctx.out << outcomeWord(outcome) << '\n';
+        ctx.exitCode = outcome == TransparencyOutcome::Corrected ||
+                               outcome == TransparencyOutcome::AlreadyCorrect
+                           ? kExitOk
+                           : kExitFailed;
+    });
+}
+
+} // namespace torquil::cli
