@@ -1,0 +1,190 @@
+#include "base/binary_file.h"
+#include "cars/car_names_io.h"
+#include "fake_platform.h"
+#include "sample_level.h"
+#include "session/load_sequence.h"
+#include "session/loaders.h"
+#include "session/style_session.h"
+#include "style_builder.h"
+#include "test_dir.h"
+
+#include <gtest/gtest.h>
+
+using namespace torquil;
+namespace tb = torquil::testing;
+
+namespace {
+
+// A style folder with the FXT file given (none when empty) and a separate work folder.
+struct NamesFixture {
+    tb::TempDir data, work;
+    StyleSession s;
+    tb::FakePlatform p;
+
+    explicit NamesFixture(const std::vector<std::string>& entries,
+                          const std::string& fxtName = "ENGLISH.FXT")
+        : s(AppOptions{false, {}, {}}) {
+        s.options.workDir = work.path();
+        s.style.path = data / "STYLE001.G24";
+        if (!entries.empty()) tb::writeFile(data / fxtName, tb::encodeFxt(entries));
+    }
+    bool load() {
+        BinaryFile unused(s.errors);
+        return loadCarNames(s, unused, p);
+    }
+};
+
+const std::vector<std::string> kEntries = {"[1001]Another day in Port Alder.",
+                                           "[car1]Bug",
+                                           "[car12]Tram",
+                                           "[car5]Ambulance",
+                                           "[2001]WASTED",
+                                           "[car12]Tram again",
+                                           "[car1x]Strange",
+                                           "[]"};
+
+} // namespace
+
+TEST(CarNamesLoad, NamesComeFromTheFxtFoundIgnoringCase) {
+    NamesFixture f(kEntries, "english.fxt");
+    EXPECT_TRUE(f.load());
+    EXPECT_TRUE(f.s.names.fromFxt);
+    EXPECT_EQ(f.s.names.names[1], "Strange"); // the later "[car1x]" entry takes model 1 over
+    EXPECT_EQ(f.s.names.keys[1], "[car1x]");
+    EXPECT_EQ(f.s.names.names[12], "Tram again");
+    EXPECT_EQ(f.s.names.names[5], "Ambulance");
+    EXPECT_EQ(f.s.names.names[0], "");
+    EXPECT_TRUE(std::filesystem::exists(f.work / "~TMP.TXT"));
+    EXPECT_TRUE(f.p.shownMessages.empty());
+}
+
+TEST(CarNamesLoad, WithoutTheFxtTheBuiltInNamesAndAWarning) {
+    NamesFixture f({});
+    tb::writeFile(f.work / "~TMP.TXT", {'x'}); // left over from another style
+    EXPECT_TRUE(f.load());
+    EXPECT_FALSE(f.s.names.fromFxt);
+    EXPECT_EQ(f.p.messageTexts(),
+              std::vector<std::string>{
+                  "Warning: ENGLISH.FXT was not with the style file in the\r" +
+                  f.data.path().string() +
+                  " directory.\rYou will not be able to load or save the real car names. "
+                  "(defaults names used)"});
+    EXPECT_EQ(f.s.names.names[77], "F - 19");
+    EXPECT_FALSE(std::filesystem::exists(f.work / "~TMP.TXT"));
+    // Without the decoded copy the names cannot be saved.
+    EXPECT_FALSE(saveCarNames(f.s, f.p));
+    EXPECT_FALSE(std::filesystem::exists(f.data / "ENGLISH.FXT"));
+}
+
+TEST(CarNamesLoad, BuiltInTableHasItsSixtySevenNamesAndNoKeys) {
+    CarNames names;
+    names.names[15] = "stale";
+    fillBuiltInNames(names);
+    int named = 0;
+    for (const auto& n : names.names) named += !n.empty();
+    EXPECT_EQ(named, 67);
+    for (const auto& k : names.keys) EXPECT_EQ(k, "");
+    const std::pair<int, const char*> spots[] = {
+        {0, "Beast GTS"},  {7, "Juggernaut"},   {8, "Juggernaut"},   {10, "Breakdown Truck"},
+        {19, "4 X 4"},     {28, "Porka Turbo"}, {33, "Juggernaut"},  {36, "APC"},
+        {53, "Beast GTS"}, {66, "Itali GTO"},   {79, "Stinger Z29"}, {81, "29 Special"},
+        {88, "Helicopter"}};
+    for (auto [index, name] : spots) EXPECT_EQ(names.names[index], name) << index;
+    for (int empty : {15, 16, 20, 23, 24, 30, 32, 38, 39, 40, 48, 49,
+                      52, 56, 57, 59, 60, 67, 68, 69, 84, 85, 89, 90})
+        EXPECT_EQ(names.names[empty], "") << empty;
+}
+
+TEST(CarNamesSave, RenamingChangesOnlyThatEntryAndSavingAgainGivesTheSameBytes) {
+    NamesFixture f(kEntries);
+    ASSERT_TRUE(f.load());
+    ASSERT_TRUE(renameCarModel(f.s, 12, "Streetcar"));
+    EXPECT_TRUE(f.s.style.gCarNamesChanged);
+    ASSERT_TRUE(saveCarNames(f.s, f.p));
+    EXPECT_EQ(f.p.messageTexts(),
+              std::vector<std::string>{
+                  "Note: Car name changes are not accepted by KRB until it is restarted."});
+    // Both "[car12]" lines take the table's name; "[car1]Bug" is matched by the "[car1x]" key?
+    // No: keys end with their bracket, so only lines beginning with "[car1x]" match it.
+    const std::vector<std::string> expected = {"[1001]Another day in Port Alder.",
+                                               "[car1]Bug",
+                                               "[car12]Streetcar",
+                                               "[car5]Ambulance",
+                                               "[2001]WASTED",
+                                               "[car12]Streetcar",
+                                               "[car1x]Strange",
+                                               "[]\x19",
+                                               "[]"};
+    const auto first = tb::readFile(f.data / "ENGLISH.FXT");
+    EXPECT_EQ(tb::decodeFxt(first), expected);
+
+    // A fresh load of the saved file and a save without a change: the same bytes.
+    NamesFixture again({});
+    tb::writeFile(again.data / "ENGLISH.FXT", first);
+    ASSERT_TRUE(again.load());
+    ASSERT_TRUE(saveCarNames(again.s, again.p));
+    EXPECT_EQ(tb::readFile(again.data / "ENGLISH.FXT"), first);
+}
+
+TEST(CarNamesSave, FirstMatchingKeyFromIndexZeroWins) {
+    NamesFixture f({"[1001]Another day", "[car12]Twelve", "[car1]One", "[car2]Two"});
+    ASSERT_TRUE(f.load());
+    // Model 3 is given the key "[car1" (no bracket), which every "[car1..." line begins with;
+    // model 2's key is shorter than 3 characters and never matches.
+    f.s.names.keys[0] = "[car1";
+    f.s.names.names[0] = "Zero";
+    f.s.names.keys[2] = "[c";
+    ASSERT_TRUE(saveCarNames(f.s, f.p));
+    EXPECT_EQ(tb::decodeFxt(tb::readFile(f.data / "ENGLISH.FXT")),
+              (std::vector<std::string>{"[1001]Another day", "[car1Zero", "[car1Zero", "[car2]Two",
+                                        "[]\x19", "[]"}));
+}
+
+TEST(CarNamesSave, ShortAndKeylessLinesAreDropped) {
+    NamesFixture f({"[1001]Another day", "[x]", "abc", "no brackets here", "only [ open",
+                    "close ] only", "[y]ok", "[car3]Bike"});
+    ASSERT_TRUE(f.load());
+    ASSERT_TRUE(saveCarNames(f.s, f.p));
+    EXPECT_EQ(
+        tb::decodeFxt(tb::readFile(f.data / "ENGLISH.FXT")),
+        (std::vector<std::string>{"[1001]Another day", "[y]ok", "[car3]Bike", "[]\x19", "[]"}));
+    EXPECT_TRUE(std::filesystem::exists(f.work / "~TMPN.TXT"));
+}
+
+TEST(CarNamesSave, MissingDecodedCopyStopsTheSave) {
+    NamesFixture f(kEntries);
+    ASSERT_TRUE(f.load());
+    const auto before = tb::readFile(f.data / "ENGLISH.FXT");
+    std::filesystem::remove(f.work / "~TMP.TXT");
+    EXPECT_FALSE(saveCarNames(f.s, f.p));
+    EXPECT_EQ(f.p.messageTexts(),
+              std::vector<std::string>{"Unable to reload:" + (f.work / "~TMP.TXT").string() +
+                                       "\rCan't save Car Names without it!"});
+    EXPECT_EQ(tb::readFile(f.data / "ENGLISH.FXT"), before);
+}
+
+TEST(CarNamesSave, SampleLevelKeepsItsEscapedNamesThroughARename) {
+    tb::TempDir dir, work;
+    tb::writeSampleLevel(dir.path());
+    StyleSession s(AppOptions{false, work.path(), {}});
+    tb::FakePlatform p;
+    prepareStyle(s.style, dir / "STYLE001.G24", kLoadSprites);
+    ASSERT_EQ(initHeader(s, p, standardLoaders()), LoadOutcome::Loaded) << s.stepText;
+    EXPECT_EQ(s.names.names[43], "City Bus");
+    ASSERT_TRUE(renameCarModel(s, 43, "Caf\xE9 Bus"));
+    // Every loaded car of model 43 shows the new name.
+    int renamed = 0;
+    for (const CarEntry& car : s.cars.slots)
+        if (car.inUse && car.info.model == 43) renamed += car.name == "Caf\xE9 Bus";
+    EXPECT_GT(renamed, 0);
+    ASSERT_TRUE(saveCarNames(s, p));
+
+    auto expected = tb::sampleFxtEntries();
+    expected.pop_back(); // the game's own "[]" is too short to be kept
+    for (auto& e : expected)
+        if (e == "[car43]City Bus") e = "[car43]Caf\xE9 Bus";
+    expected.push_back("[]\x19");
+    expected.push_back("[]");
+    EXPECT_EQ(tb::decodeFxt(tb::readFile(dir / "ENGLISH.FXT")), expected);
+    EXPECT_FALSE(renameCarModel(s, 91, "X"));
+}
