@@ -104,8 +104,8 @@ TEST(CarNamesSave, RenamingChangesOnlyThatEntryAndSavingAgainGivesTheSameBytes) 
     EXPECT_EQ(f.p.messageTexts(),
               std::vector<std::string>{
                   "Note: Car name changes are not accepted by KRB until it is restarted."});
-    // Both "[car12]" lines take the table's name; "[car1]Bug" is matched by the "[car1x]" key?
-    // No: keys end with their bracket, so only lines beginning with "[car1x]" match it.
+    // Both "[car12]" lines take the table's name. Model 1's key is now "[car1x]", which
+    // "[car1]Bug" does not begin with (keys end with their bracket): that line stays as it was.
     const std::vector<std::string> expected = {"[1001]Another day in Port Alder.",
                                                "[car1]Bug",
                                                "[car12]Streetcar",
@@ -129,8 +129,8 @@ TEST(CarNamesSave, RenamingChangesOnlyThatEntryAndSavingAgainGivesTheSameBytes) 
 TEST(CarNamesSave, FirstMatchingKeyFromIndexZeroWins) {
     NamesFixture f({"[1001]Another day", "[car12]Twelve", "[car1]One", "[car2]Two"});
     ASSERT_TRUE(f.load());
-    // Model 3 is given the key "[car1" (no bracket), which every "[car1..." line begins with;
-    // model 2's key is shorter than 3 characters and never matches.
+    // Model 0 is given the key "[car1" (no bracket), which both "[car12]" and "[car1]" lines
+    // begin with, so it wins over their own keys; model 2's key is too short to match anything.
     f.s.names.keys[0] = "[car1";
     f.s.names.names[0] = "Zero";
     f.s.names.keys[2] = "[c";
