@@ -1,0 +1,214 @@
+#include "cars/fixed_point.h"
+#include "cli/cli.h"
+#include "sample_level.h"
+#include "style_builder.h"
+#include "test_dir.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <sstream>
+
+using namespace torquil;
+namespace tb = torquil::testing;
+
+namespace {
+
+struct CliResult {
+    int status;
+    std::string out, err;
+};
+
+CliResult runCli(std::vector<std::string> args) {
+    args.insert(args.begin(), "torquil-cli");
+    std::ostringstream out, err;
+    int status = cli::run(args, out, err);
+    return {status, out.str(), err.str()};
+}
+
+std::vector<std::string> lines(const std::string& text) {
+    std::vector<std::string> result;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) result.push_back(line);
+    return result;
+}
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+// The sample level in a temporary folder, with what the builder knows about its cars.
+struct Sample {
+    tb::TempDir dir, work;
+    tb::StyleSpec spec = tb::sampleSpec24();
+    tb::SectionOffsets offsets = tb::sectionOffsets(spec);
+    std::string style = (dir / "STYLE001.G24").string();
+
+    Sample() { tb::writeSampleLevel(dir.path()); }
+    int asnOf(std::size_t car) const {
+        return tb::absoluteSpriteNumber(spec.spriteNumbers, spec.cars[car].vtype,
+                                        spec.cars[car].spr_num);
+    }
+    // The first car record with doors, of vtype 4, whose number no later record takes.
+    std::size_t carWithDoors() const {
+        for (std::size_t i = 0; i < spec.cars.size(); ++i)
+            if (!spec.cars[i].doors.empty() && spec.cars[i].vtype == 4) return i;
+        return 0;
+    }
+    CliResult run(std::vector<std::string> args) const {
+        args.insert(args.begin() + 1, {"--workdir", work.path().string()});
+        return runCli(std::move(args));
+    }
+};
+
+} // namespace
+
+TEST(CarCli, CarPrintsTheRecordDumpOfOneCar) {
+    Sample s;
+    const std::size_t k = s.carWithDoors();
+    auto r = s.run({"car", s.style, std::to_string(s.asnOf(k))});
+    ASSERT_EQ(r.status, 0) << r.err;
+    const auto out = lines(r.out);
+    ASSERT_EQ(out.size(), 78u);
+    EXPECT_EQ(out[0], "car_info fileSeek:" + std::to_string(s.offsets.carRecords[k] + 1));
+    EXPECT_EQ(out[2], " width:" + std::to_string(s.spec.cars[k].width));
+    EXPECT_EQ(out[77], " doors:" + std::to_string(s.spec.cars[k].doors.size()));
+
+    auto none = s.run({"car", s.style, "1"});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(none.out, "");
+    EXPECT_TRUE(contains(none.err, "no car record at absolute sprite number 1"));
+}
+
+TEST(CarCli, CarsListsEveryCarInEachFormat) {
+    Sample s;
+    auto json = s.run({"cars", s.style, "--format", "json"});
+    ASSERT_EQ(json.status, 0) << json.err;
+    const auto list = nlohmann::json::parse(json.out);
+    ASSERT_EQ(list.size(), 38u);
+    const std::size_t k = s.carWithDoors();
+    const tb::CarSpec& spec = s.spec.cars[k];
+    const auto car = std::find_if(list.begin(), list.end(),
+                                  [&](const auto& c) { return c["asn"] == s.asnOf(k); });
+    ASSERT_NE(car, list.end());
+    EXPECT_EQ((*car)["width"], spec.width);
+    EXPECT_EQ((*car)["moment"], spec.moment); // raw
+    EXPECT_NEAR((*car)["rbp_mass"].get<double>(), spec.rbp_mass / 65536.0, 0.0005);
+    EXPECT_EQ((*car)["rbp_mass"].get<double>(), *parseNumber(float32in(spec.rbp_mass)));
+    EXPECT_EQ((*car)["value"], spec.value);
+    EXPECT_EQ((*car)["remap24"][1]["H"], spec.remap24[1][0]);
+    ASSERT_EQ((*car)["door_records"].size(), spec.doors.size());
+    EXPECT_EQ((*car)["door_records"][0]["delta"], spec.doors[0].delta);
+
+    auto csv = s.run({"cars", s.style, "--format", "csv"});
+    ASSERT_EQ(csv.status, 0);
+    const auto rows = lines(csv.out);
+    ASSERT_EQ(rows.size(), 39u);
+    auto cells = [](const std::string& row) { return std::count(row.begin(), row.end(), ',') + 1; };
+    EXPECT_TRUE(rows[0].rfind("asn,name,fileSeek,width,height,", 0) == 0) << rows[0];
+    for (const auto& row : rows) EXPECT_EQ(cells(row), cells(rows[0])) << row;
+    EXPECT_TRUE(contains(rows[0], ",door[0].rpx,"));
+
+    auto text = s.run({"cars", s.style});
+    ASSERT_EQ(text.status, 0);
+    const auto textLines = lines(text.out);
+    EXPECT_EQ(std::count(textLines.begin(), textLines.end(), ""), 37);
+    EXPECT_TRUE(contains(text.out, "asn=" + std::to_string(s.asnOf(k)) + "\n"));
+    EXPECT_TRUE(contains(text.out, "rbp_mass=" + float32in(spec.rbp_mass) + "\n"));
+    EXPECT_EQ(s.run({"cars", s.style, "--format", "xml"}).status, 2);
+}
+
+TEST(CarCli, CarSetClampsWithTheEditorsWordsAndWritesOnlyThatRecord) {
+    Sample s;
+    const std::size_t k = s.carWithDoors();
+    const auto before = tb::readFile(s.style);
+    auto r = s.run({"car-set", s.style, std::to_string(s.asnOf(k)), "width=300", "rbp_mass=2.5",
+                    "door[0].object=7"});
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_TRUE(contains(r.err, "width=300: txtbox valve set to H val (255)"));
+    EXPECT_TRUE(contains(r.out, "width: " + std::to_string(s.spec.cars[k].width) + " -> 255\n"));
+    EXPECT_TRUE(contains(r.out, "rbp_mass: " + float32in(s.spec.cars[k].rbp_mass) + " -> 2.500\n"));
+
+    tb::CarSpec edited = s.spec.cars[k];
+    edited.width = 255;
+    edited.rbp_mass = 163840;
+    edited.doors[0].object = 7;
+    auto expected = before;
+    const auto record = tb::encodeCarInfo(edited);
+    std::copy(record.begin(), record.end(), expected.begin() + s.offsets.carRecords[k]);
+    EXPECT_EQ(tb::readFile(s.style), expected);
+
+    auto low = s.run({"car-set", s.style, std::to_string(s.asnOf(k)), "spr_num=-5"});
+    EXPECT_EQ(low.status, 0);
+    EXPECT_TRUE(contains(low.err, "spr_num=-5: txtbox valve set to L val (0)"));
+}
+
+TEST(CarCli, CarSetRefusesBadFieldsAndValuesWithoutWriting) {
+    Sample s;
+    const auto style = tb::readFile(s.style);
+    const auto fxt = tb::readFile(s.dir / "ENGLISH.FXT");
+    const std::string asn = std::to_string(s.asnOf(0));
+    const std::vector<std::vector<std::string>> refused = {
+        {"width=10", "wheels=4"}, // unknown field, even after a good one
+        {"width=abc"},
+        {"rbp_mass=-"},
+        {"width"},
+        {"cx=-5"},         // in the editor's range, but the record keeps cx in a byte
+        {"door[9].rpx=1"}, // no such door
+        {"remap24[12].H=1"}};
+    for (const auto& words : refused) {
+        std::vector<std::string> args = {"car-set", s.style, asn};
+        args.insert(args.end(), words.begin(), words.end());
+        auto r = s.run(args);
+        EXPECT_EQ(r.status, 2) << words.back() << ": " << r.err;
+        EXPECT_EQ(r.out, "");
+        EXPECT_TRUE(contains(r.err, "car-set: ")) << r.err;
+    }
+    EXPECT_EQ(tb::readFile(s.style), style);
+    EXPECT_EQ(tb::readFile(s.dir / "ENGLISH.FXT"), fxt);
+    EXPECT_FALSE(std::filesystem::exists(s.style + ".bak"));
+
+    auto missing = s.run({"car-set", s.style, "1", "width=3"});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(tb::readFile(s.style), style);
+}
+
+TEST(CarCli, CarSetRenamesThroughEnglishFxt) {
+    Sample s;
+    const std::size_t k = s.carWithDoors();
+    const int model = s.spec.cars[k].model;
+    const auto style = tb::readFile(s.style);
+    auto r = s.run({"car-set", s.style, std::to_string(s.asnOf(k)), "name=Zoomer"});
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_TRUE(contains(r.out, " -> Zoomer\n"));
+    EXPECT_TRUE(contains(r.err, "message: Note: Car name changes are not accepted by KRB"));
+    EXPECT_EQ(tb::readFile(s.style), style); // a name alone leaves the style file alone
+    const auto entries = tb::decodeFxt(tb::readFile(s.dir / "ENGLISH.FXT"));
+    const std::string key = "[car" + std::to_string(model) + "]";
+    EXPECT_NE(std::find(entries.begin(), entries.end(), key + "Zoomer"), entries.end());
+
+    auto same = s.run({"car-set", s.style, std::to_string(s.asnOf(k)), "name=Zoomer"});
+    EXPECT_EQ(same.status, 0);
+    EXPECT_EQ(same.out, "no change\n");
+}
+
+TEST(CarCli, FxtCommandsDecodeAndEncode) {
+    tb::TempDir dir;
+    const std::vector<std::string> entries = {"[1001]Another day", "[car3]Bike \xC0", "[]"};
+    tb::writeFile(dir / "ENGLISH.FXT", tb::encodeFxt(entries));
+    auto decode = runCli({"fxt2txt", (dir / "ENGLISH.FXT").string(), (dir / "out.txt").string()});
+    ASSERT_EQ(decode.status, 0) << decode.err;
+    const auto text = tb::readFile(dir / "out.txt");
+    EXPECT_EQ(std::string(text.begin(), text.end()),
+              "[1001]Another day\r\n[car3]Bike \xC0\r\n[]\r\n");
+    auto encode = runCli({"txt2fxt", (dir / "out.txt").string(), (dir / "NEW.FXT").string()});
+    ASSERT_EQ(encode.status, 0) << encode.err;
+    auto back = entries;
+    back.insert(back.end(), {"[]\x19", "[]"});
+    EXPECT_EQ(tb::decodeFxt(tb::readFile(dir / "NEW.FXT")), back);
+
+    auto missing = runCli({"fxt2txt", (dir / "NONE.FXT").string(), (dir / "x.txt").string()});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.err, "message: Unable to open :" + (dir / "NONE.FXT").string() + "\n");
+    EXPECT_EQ(runCli({"txt2fxt", (dir / "out.txt").string()}).status, 2);
+}
