@@ -1,0 +1,296 @@
+#include "app/load_form.h"
+
+#include "platform/platform.h"
+#include "style/style_file.h"
+
+#include <QComboBox>
+#include <QDir>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QStorageInfo>
+#include <QVBoxLayout>
+
+#include <filesystem>
+
+namespace torquil {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const QString kParent = QStringLiteral("..");
+
+bool isReadOnly(const fs::path& file) {
+    std::error_code ec;
+    const fs::perms perms = fs::status(file, ec).permissions();
+    return !ec && (perms & fs::perms::owner_write) == fs::perms::none;
+}
+
+// Roots offered by the drive list: the volumes a user keeps files on, and the home folder.
+QList<QPair<QString, QString>> driveRoots() {
+    QList<QPair<QString, QString>> roots; // (root path, shown text)
+    const QString home = QDir::homePath();
+    roots.append({home, QStringLiteral("Home  (%1)").arg(QDir::toNativeSeparators(home))});
+    for (const QStorageInfo& volume : QStorageInfo::mountedVolumes()) {
+        if (!volume.isValid() || !volume.isReady()) continue;
+        const QString root = volume.rootPath();
+        static const QStringList hidden = {"/proc", "/sys", "/dev", "/run", "/snap", "/boot"};
+        bool skip = false;
+        for (const QString& h : hidden)
+            if (root == h || root.startsWith(h + '/')) skip = true;
+        if (skip || root == home) continue;
+        const QString name = volume.displayName();
+        roots.append(
+            {root, name == root
+                       ? QDir::toNativeSeparators(root)
+                       : QStringLiteral("%1  [%2]").arg(QDir::toNativeSeparators(root), name)});
+    }
+    return roots;
+}
+
+bool isUnder(const QString& dir, const QString& root) {
+    if (root == QLatin1String("/")) return true;
+    return dir == root || dir.startsWith(root.endsWith('/') ? root : root + '/');
+}
+
+} // namespace
+
+LoadForm::LoadForm(DialogMode mode, const StyleFileState& style, Platform& platform,
+                   QWidget* parent)
+    : QDialog(parent), mode_(mode), style_(style), platform_(platform) {
+    setObjectName(QStringLiteral("loadfrm"));
+    // Form_Load: caption and pattern of the mode, then the remembered place.
+    setWindowTitle(dialogCaption(mode, style));
+    pattern_ = filePattern(mode, style);
+    buildWidgets();
+    fillDrives();
+    setDirectory(QDir::currentPath());
+    getRegSettings();
+}
+
+void LoadForm::buildWidgets() {
+    drives_ = new QComboBox(this);
+    drives_->setObjectName(QStringLiteral("Drive1"));
+    path_ = new QLabel(this);
+    path_->setObjectName(QStringLiteral("lblPath"));
+    path_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    path_->setWordWrap(true);
+    folders_ = new QListWidget(this);
+    folders_->setObjectName(QStringLiteral("Dir1"));
+    files_ = new QListWidget(this);
+    files_->setObjectName(QStringLiteral("File1"));
+
+    options_ = new QGroupBox(optionsFrameCaption({}), this);
+    options_->setObjectName(QStringLiteral("FrameG24Options"));
+    sprites_ = new QRadioButton(tr("Sprites"), options_);
+    sprites_->setObjectName(QStringLiteral("butt_loadOpts0"));
+    tiles_ = new QRadioButton(tr("Tiles"), options_);
+    tiles_->setObjectName(QStringLiteral("butt_loadOpts1"));
+    sprites_->setChecked(true);
+    auto* optionRow = new QHBoxLayout(options_);
+    optionRow->addWidget(sprites_);
+    optionRow->addWidget(tiles_);
+    optionRow->addStretch();
+    options_->setEnabled(false);
+    options_->setVisible(mode_ == DialogMode::Style);
+
+    ok_ = new QPushButton(tr("OK"), this);
+    ok_->setObjectName(QStringLiteral("cmdOK"));
+    ok_->setDefault(true);
+    auto* cancel = new QPushButton(tr("Cancel"), this);
+    cancel->setObjectName(QStringLiteral("cmdCancel"));
+
+    auto* grid = new QGridLayout;
+    grid->addWidget(new QLabel(tr("&Drive:"), this), 0, 0);
+    grid->addWidget(new QLabel(tr("F&iles (%1):").arg(pattern_), this), 0, 1);
+    grid->addWidget(drives_, 1, 0);
+    grid->addWidget(files_, 1, 1, 4, 1);
+    grid->addWidget(new QLabel(tr("F&olders:"), this), 2, 0);
+    grid->addWidget(path_, 3, 0);
+    grid->addWidget(folders_, 4, 0);
+    grid->setColumnStretch(0, 1);
+    grid->setColumnStretch(1, 1);
+    grid->setRowStretch(4, 1);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(ok_);
+    buttons->addWidget(cancel);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(grid, 1);
+    layout->addWidget(options_);
+    layout->addLayout(buttons);
+    resize(620, 420);
+
+    connect(drives_, &QComboBox::activated, this, &LoadForm::onDriveChosen);
+    connect(folders_, &QListWidget::itemActivated, this, &LoadForm::onFolderActivated);
+    connect(files_, &QListWidget::itemSelectionChanged, this, &LoadForm::onFileChosen);
+    connect(files_, &QListWidget::itemActivated, this, [this] { confirm(); });
+    connect(ok_, &QPushButton::clicked, this, &LoadForm::confirm);
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+void LoadForm::fillDrives() {
+    drives_->clear();
+    for (const auto& [root, text] : driveRoots()) drives_->addItem(text, root);
+}
+
+void LoadForm::syncDriveToDirectory() {
+    int best = -1, bestLength = -1;
+    for (int i = 0; i < drives_->count(); ++i) {
+        const QString root = drives_->itemData(i).toString();
+        if (isUnder(dir_, root) && root.size() > bestLength) {
+            best = i;
+            bestLength = static_cast<int>(root.size());
+        }
+    }
+    if (best < 0) {
+        const QString root = QStorageInfo(dir_).rootPath();
+        drives_->addItem(QDir::toNativeSeparators(root), root);
+        best = drives_->count() - 1;
+    }
+    drives_->setCurrentIndex(best);
+}
+
+QString LoadForm::drive() const {
+    return drives_->currentData().toString();
+}
+
+bool LoadForm::setDirectory(const QString& dir) {
+    const QDir d(dir);
+    if (dir.isEmpty() || !d.exists() || !d.isReadable()) return false;
+    dir_ = QDir::cleanPath(d.absolutePath());
+    path_->setText(QDir::toNativeSeparators(dir_));
+    syncDriveToDirectory();
+    fillLists();
+    return true;
+}
+
+void LoadForm::fillLists() {
+    const QDir d(dir_);
+    folders_->clear();
+    if (!d.isRoot()) folders_->addItem(kParent);
+    const QStringList subdirs =
+        d.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name | QDir::IgnoreCase);
+    for (const QString& name : subdirs) {
+        auto* item = new QListWidgetItem(name, folders_);
+        item->setIcon(style()->standardIcon(QStyle::SP_DirIcon));
+    }
+
+    files_->clear();
+    const QStringList names = d.entryList(QDir::Files, QDir::Name | QDir::IgnoreCase);
+    for (const QString& name : names)
+        if (matchesFilePattern(name, pattern_)) files_->addItem(name);
+    onFileChosen();
+}
+
+QStringList LoadForm::fileNames() const {
+    QStringList out;
+    for (int i = 0; i < files_->count(); ++i) out << files_->item(i)->text();
+    return out;
+}
+
+QStringList LoadForm::folderNames() const {
+    QStringList out;
+    for (int i = 0; i < folders_->count(); ++i) out << folders_->item(i)->text();
+    return out;
+}
+
+bool LoadForm::selectFile(const QString& name) {
+    const QList<QListWidgetItem*> found = files_->findItems(name, Qt::MatchFixedString);
+    if (found.isEmpty()) return false;
+    files_->setCurrentItem(found.first());
+    return true;
+}
+
+QString LoadForm::selectedFile() const {
+    const QListWidgetItem* item = files_->currentItem();
+    return item && item->isSelected() ? item->text() : QString();
+}
+
+int LoadForm::loadOption() const {
+    return tiles_->isChecked() ? kLoadTiles : kLoadSprites;
+}
+
+void LoadForm::setLoadOption(int option) {
+    (option == kLoadTiles ? tiles_ : sprites_)->setChecked(true);
+}
+
+QString LoadForm::optionsCaption() const {
+    return options_->title();
+}
+bool LoadForm::optionsEnabled() const {
+    return options_->isEnabled();
+}
+
+void LoadForm::onDriveChosen(int index) {
+    const QString root = drives_->itemData(index).toString();
+    if (!setDirectory(root)) syncDriveToDirectory(); // unreadable: stay where we are
+}
+
+void LoadForm::onFolderActivated(QListWidgetItem* item) {
+    if (!item) return;
+    const QString target =
+        item->text() == kParent ? QDir(dir_).filePath(kParent) : QDir(dir_).filePath(item->text());
+    setDirectory(target);
+}
+
+void LoadForm::onFileChosen() {
+    const QString name = selectedFile();
+    if (mode_ != DialogMode::Style) return;
+    options_->setTitle(optionsFrameCaption(name));
+    options_->setEnabled(!name.isEmpty());
+}
+
+void LoadForm::getRegSettings() {
+    const std::string section = settingsSection(mode_).toStdString();
+    const QString drive = QString::fromStdString(platform_.settings().get(section, "Drive"));
+    const QString dir = QString::fromStdString(platform_.settings().get(section, "Dir"));
+    const QString file = QString::fromStdString(platform_.settings().get(section, "File"));
+    if (!drive.isEmpty() && dir.isEmpty()) setDirectory(drive);
+    if (!dir.isEmpty() && !setDirectory(dir)) {
+        platform_.message("Unable to access previously used directory:" + dir.toStdString());
+        return;
+    }
+    if (!file.isEmpty()) selectFile(file);
+}
+
+void LoadForm::saveRegSettings() {
+    const std::string section = settingsSection(mode_).toStdString();
+    platform_.settings().set(section, "Drive", drive().toStdString());
+    platform_.settings().set(section, "Dir", dir_.toStdString());
+    platform_.settings().set(section, "File", selectedFile().toStdString());
+}
+
+void LoadForm::confirm() {
+    const QString name = selectedFile();
+    if (!name.isEmpty()) {
+        const QString full = QDir(dir_).filePath(name);
+        if (mode_ == DialogMode::Style) {
+            const fs::path file(full.toStdString());
+            if (isReadOnly(file)) {
+                platform_.message("This file is set to be Read Only, this will be removed so you "
+                                  "can save changes.",
+                                  Buttons::Ok, Icon::Information);
+                std::error_code ec;
+                fs::permissions(file, fs::perms::owner_write, fs::perm_options::add, ec);
+            }
+            chosenPath_ = full;
+        } else if (mode_ == DialogMode::Bitmap) {
+            chosenPath_ = full;
+        } else {
+            platform_.message("TODO: loadGC3Proc");
+        }
+    }
+    saveRegSettings();
+    accept();
+}
+
+} // namespace torquil

@@ -1,0 +1,355 @@
+#include "app/main_form.h"
+
+#include "app/details_form.h"
+#include "app/main_menus.h"
+#include "app/main_tool_bar.h"
+#include "app/page_board.h"
+#include "base/runtime_error.h"
+#include "base/work_dir.h"
+#include "platform/qt/qt_platform.h"
+#include "sprites/board_lookup.h"
+
+#include <QAction>
+#include <QActionGroup>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QDialog>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QScreen>
+#include <QSettings>
+#include <QStatusBar>
+
+namespace torquil {
+
+namespace {
+
+const QStringList kNeedSprite = {"mnuExportSprite",  "mnuImportSprite", "mnuTranspCheck",
+                                 "mnuTranspCorrect", "exportsprite",    "importsprite"};
+const QStringList kNeedCar = {"mnuEditCar", "carinfo"};
+const QStringList kDeltaSetControls = {"mnuExportDeltas0",  "mnuExportDeltas1", "mnuImportDeltas",
+                                       "mnuViewDeltas0",    "mnuViewDeltas1",   "exportdeltasdirty",
+                                       "exportdeltasclean", "importdeltas"};
+
+} // namespace
+
+MainForm::MainForm(AppOptions options, QtPlatform& platform, QWidget* parent)
+    : QMainWindow(parent), options_(std::move(options)), platform_(platform),
+      session_(std::make_unique<StyleSession>(options_)) {
+    setObjectName(QStringLiteral("mainFrm"));
+    setWindowTitle(QString::fromLatin1(kProgramTitle));
+    runDialog = [](QDialog& dialog) { return dialog.exec(); };
+    buildWindow();
+    connectCommands();
+    platform_.setParentWindow(this);
+    platform_.qtDesktop().onRefreshBoard = [this] { board_->refresh(); };
+    // Nothing is open yet: only the open command and what needs no file.
+    setCommandGroup(0, false);
+    setCommandGroup(1, true);
+    restoreWindowSettings();
+}
+
+MainForm::~MainForm() {
+    platform_.qtDesktop().onRefreshBoard = nullptr;
+}
+
+void MainForm::buildWindow() {
+    menus_ = std::make_unique<MainMenus>(menuBar());
+    for (const char* name : {"mnuSprite", "mnuImport", "mnuExport", "mnuView", "mnuTransp",
+                             "mnuCarInfo", "mnuFile", "mnuFileLoad", "mnuFileBuild"})
+        menus_->menu(QString::fromLatin1(name))->setToolTipsVisible(true);
+
+    // Zoom lives in the Window menu after its two entries.
+    QMenu* window = menus_->menu(QStringLiteral("mnuWindow"));
+    window->addSeparator();
+    QMenu* zoomMenu = window->addMenu(tr("&Zoom"));
+    zoomMenu->setObjectName(QStringLiteral("mnuZoom"));
+    auto* zoomGroup = new QActionGroup(this);
+    for (int z = 1; z <= 4; ++z) {
+        QAction* a = zoomMenu->addAction(tr("%1x").arg(z));
+        a->setObjectName(QStringLiteral("mnuZoom%1").arg(z));
+        a->setCheckable(true);
+        a->setShortcut(QKeySequence(QStringLiteral("Ctrl+%1").arg(z)));
+        zoomGroup->addAction(a);
+        connect(a, &QAction::triggered, this, [this, z] { setZoom(z); });
+    }
+
+    toolBar_ = new MainToolBar(this);
+    addToolBar(Qt::TopToolBarArea, toolBar_);
+
+    board_ = new PageBoard(this);
+    board_->setSession(session_.get());
+    setCentralWidget(board_);
+
+    status_ = new QLabel(this);
+    status_->setObjectName(QStringLiteral("lblStatus"));
+    status_->setMinimumWidth(200);
+    selectionLabel_ = new QLabel(this);
+    selectionLabel_->setObjectName(QStringLiteral("lblSelection"));
+    zoomBox_ = new QComboBox(this);
+    zoomBox_->setObjectName(QStringLiteral("cboZoom"));
+    zoomBox_->setToolTip(tr("Zoom (Ctrl+wheel on the board)"));
+    for (int z = 1; z <= 4; ++z) zoomBox_->addItem(tr("%1x").arg(z), z);
+    statusBar()->addWidget(status_, 1);
+    statusBar()->addPermanentWidget(selectionLabel_);
+    statusBar()->addPermanentWidget(zoomBox_);
+    connect(zoomBox_, &QComboBox::activated, this,
+            [this](int index) { setZoom(zoomBox_->itemData(index).toInt()); });
+    connect(board_, &PageBoard::zoomChanged, this, [this, zoomMenu](int z) {
+        zoomBox_->setCurrentIndex(z - 1);
+        zoomMenu->actions().at(z - 1)->setChecked(true);
+    });
+    zoomMenu->actions().at(0)->setChecked(true);
+
+    details_ = new DetailsForm(platform_.detailsLog(), this);
+    details_->hide();
+}
+
+void MainForm::connectMenu(const char* name, void (MainForm::*handler)()) {
+    QAction* action = menus_->action(QString::fromLatin1(name));
+    connect(action, &QAction::triggered, this,
+            [this, handler] { guarded([=, this] { (this->*handler)(); }); });
+}
+
+void MainForm::connectCommands() {
+    connectMenu("mnuOpen", &MainForm::mnuOpen_Click);
+    connectMenu("mnuLoadGC3", &MainForm::mnuLoadGC3_Click);
+    connectMenu("mnuLoadBMP", &MainForm::mnuLoadBMP_Click);
+    connectMenu("mnuBuildGC3", &MainForm::mnuBuildGC3_Click);
+    connectMenu("mnuSaveBlock", &MainForm::mnuSaveBlock_Click);
+    connectMenu("mnuExit", &MainForm::mnuExit_Click);
+    connectMenu("mnuImportSprite", &MainForm::mnuImportSprite_Click);
+    connectMenu("mnuImportDeltas", &MainForm::mnuImportDeltas_Click);
+    connectMenu("mnuExportSprite", &MainForm::mnuExportSprite_Click);
+    connectMenu("mnuTranspCheck", &MainForm::mnuTranspCheck_Click);
+    connectMenu("mnuTranspCorrect", &MainForm::mnuTranspCorrect_Click);
+    connectMenu("mnuFindCar", &MainForm::mnuFindCar_Click);
+    connectMenu("mnuEditCar", &MainForm::mnuEditCar_Click);
+    connectMenu("mnuFormExpand", &MainForm::mnuFormExpand_Click);
+    connectMenu("mnuFormShrink", &MainForm::mnuFormShrink_Click);
+    connectMenu("mnuDbgReadGC3", &MainForm::mnuDbgReadGC3_Click);
+    connectMenu("mnudbgfxttxt", &MainForm::mnudbgfxttxt_Click);
+    connectMenu("mnuWinDetails", &MainForm::mnuWinDetails_Click);
+    connectMenu("mnuHelpContents", &MainForm::mnuHelpContents_Click);
+    connectMenu("mnuHelpSearch", &MainForm::mnuHelpSearch_Click);
+    connectMenu("mnuReadMe", &MainForm::mnuReadMe_Click);
+    connectMenu("mnuAbout", &MainForm::mnuAbout_Click);
+    for (int i = 0; i < 2; ++i) {
+        connect(menus_->action(QStringLiteral("mnuExportDeltas%1").arg(i)), &QAction::triggered,
+                this, [this, i] { guarded([=, this] { mnuExportDeltas_Click(i); }); });
+        connect(menus_->action(QStringLiteral("mnuViewDeltas%1").arg(i)), &QAction::triggered, this,
+                [this, i] { guarded([=, this] { mnuViewDeltas_Click(i); }); });
+    }
+    for (const char* name :
+         {"mnuGenCarInfoFiles", "mnuGenSpriteInfoFiles", "mnuGenCLUTFiles", "mnuGenDeltaDump"}) {
+        const QString control = QString::fromLatin1(name);
+        connect(menus_->action(control), &QAction::toggled, this,
+                [this, control](bool on) { setDumpFlag(control, on); });
+    }
+    connect(toolBar_, &MainToolBar::keyPressed, this, &MainForm::runKey);
+    connect(board_, &PageBoard::pixelClicked, this, &MainForm::selectAt);
+    connect(board_, &PageBoard::pixelDoubleClicked, this, [this](int page, int x, int y) {
+        selectAt(page, x, y);
+        if (commandEnabled(QStringLiteral("mnuEditCar"))) guarded([this] { mnuEditCar_Click(); });
+    });
+    connect(board_, &PageBoard::hovered, this, [this](int page, int x, int y) {
+        if (page < 0) {
+            status_->clear();
+            return;
+        }
+        const std::string what = describeAt(*session_, page, x, y);
+        status_->setText(
+            tr("BLK:%1  x:%2 y:%3").arg(page).arg(x).arg(y) +
+            (what.empty() ? QString() : QStringLiteral("    ") + QString::fromStdString(what)));
+    });
+}
+
+void MainForm::runKey(const QString& key) {
+    if (!commandEnabled(key) && key != QLatin1String("buildgc3")) return;
+    if (key == QLatin1String("open"))
+        guarded([this] { mnuOpen_Click(); });
+    else if (key == QLatin1String("save"))
+        guarded([this] { mnuSaveBlock_Click(); });
+    else if (key == QLatin1String("carinfo"))
+        guarded([this] { mnuEditCar_Click(); });
+    else if (key == QLatin1String("find"))
+        guarded([this] { mnuFindCar_Click(); });
+    else if (key == QLatin1String("exportsprite"))
+        guarded([this] { mnuExportSprite_Click(); });
+    else if (key == QLatin1String("importsprite"))
+        guarded([this] { mnuImportSprite_Click(); });
+    else if (key == QLatin1String("exportdeltasdirty"))
+        guarded([this] { mnuExportDeltas_Click(0); });
+    else if (key == QLatin1String("exportdeltasclean"))
+        guarded([this] { mnuExportDeltas_Click(1); });
+    else if (key == QLatin1String("importdeltas"))
+        guarded([this] { mnuImportDeltas_Click(); });
+    else if (key == QLatin1String("loadgc3"))
+        guarded([this] { mnuLoadGC3_Click(); });
+    else if (key == QLatin1String("buildgc3"))
+        guarded([this] { mnuBuildGC3_Click(); });
+    else if (key == QLatin1String("loadbmp"))
+        guarded([this] { mnuLoadBMP_Click(); });
+}
+
+void MainForm::setCommandGroup(int group, bool enabled) {
+    groups_.set(group, enabled);
+    refreshCommands();
+}
+
+QString MainForm::unavailableReason(const QString& control) const {
+    if (kDeltaSetControls.contains(control))
+        return tr("Delta set export, import and viewing are not part of this version.");
+    return {};
+}
+
+bool MainForm::selectionAllows(const QString& control) const {
+    if (kNeedSprite.contains(control)) return session_->selectedSprite() != nullptr;
+    if (kNeedCar.contains(control)) {
+        const SpriteRec* sprite = session_->selectedSprite();
+        return sprite && sprite->kind.empty() && session_->cars.find(sprite->ASN) != nullptr;
+    }
+    return true;
+}
+
+bool MainForm::commandEnabled(const QString& control) const {
+    return groups_.isOn(control) && unavailableReason(control).isEmpty() &&
+           selectionAllows(control);
+}
+
+void MainForm::refreshCommands() {
+    for (auto it = menus_->actions().cbegin(); it != menus_->actions().cend(); ++it) {
+        if (it.value()->isSeparator()) continue;
+        it.value()->setEnabled(commandEnabled(it.key()));
+        const QString reason = unavailableReason(it.key());
+        if (!reason.isEmpty()) it.value()->setToolTip(reason);
+    }
+    for (const QString& key : MainToolBar::keys()) {
+        QAction* button = toolBar_->button(key);
+        button->setEnabled(commandEnabled(key));
+        const QString reason = unavailableReason(key);
+        if (!reason.isEmpty())
+            button->setToolTip(button->text() + QStringLiteral(" \u2014 ") + reason);
+    }
+}
+
+void MainForm::selectAt(int page, int x, int y) {
+    if (busy_) return;
+    const auto hit = hitTest(*session_, page, x, y);
+    if (hit) {
+        session_->selection.page = hit->first;
+        session_->selection.sib = hit->second;
+    } else {
+        session_->selection.clear();
+    }
+    updateStatusForSelection();
+    refreshCommands();
+    board_->refresh();
+}
+
+void MainForm::updateStatusForSelection() {
+    const SpriteRec* sprite = session_->selectedSprite();
+    if (!sprite) {
+        selectionLabel_->clear();
+        return;
+    }
+    const int page = session_->selection.page;
+    selectionLabel_->setText(tr("Selected: ") + QString::fromStdString(describeAt(
+                                                    *session_, page, sprite->xo, sprite->yo)));
+}
+
+void MainForm::setZoom(int zoom) {
+    board_->setZoom(zoom);
+}
+
+void MainForm::guarded(const std::function<void()>& command) {
+    if (busy_) return;
+    busy_ = true;
+    try {
+        command();
+    } catch (const RuntimeError& e) {
+        // Debug mode: the error stopped the command and reaches the top here.
+        platform_.message(e.what(), Buttons::Ok, Icon::Critical);
+    } catch (const std::exception& e) {
+        platform_.message(std::string("Unexpected error: ") + e.what(), Buttons::Ok,
+                          Icon::Critical);
+    }
+    busy_ = false;
+    refreshCommands();
+}
+
+int MainForm::execDialog(QDialog& dialog) {
+    return runDialog ? runDialog(dialog) : dialog.exec();
+}
+
+bool MainForm::askToSaveChanges() {
+    if (!commandEnabled(QStringLiteral("mnuSaveBlock"))) return true;
+    switch (platform_.message("Save your changes?", Buttons::YesNoCancel, Icon::Question)) {
+    case Answer::Yes:
+        mnuSaveBlock_Click();
+        return true;
+    case Answer::No:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void MainForm::closeEvent(QCloseEvent* event) {
+    // Form_QueryUnload: Cancel keeps the program running.
+    bool keepRunning = false;
+    if (!busy_) {
+        busy_ = true;
+        try {
+            keepRunning = !askToSaveChanges();
+        } catch (const std::exception& e) {
+            platform_.message(e.what(), Buttons::Ok, Icon::Critical);
+        }
+        busy_ = false;
+    } else {
+        keepRunning = true; // a load or save is still running
+    }
+    if (keepRunning) {
+        event->ignore();
+        refreshCommands();
+        return;
+    }
+    saveWindowSettings();
+    formUnload();
+    event->accept();
+}
+
+void MainForm::formUnload() {
+    // The temporary files ("~*.*") of this run, in the program's directory.
+    deleteTemporaryFiles(options_.workDir);
+    details_->hide();
+    platform_.workingForm().hide();
+    for (QWidget* w : findChildren<QWidget*>())
+        if (w->isWindow() && w->isVisible()) w->close();
+}
+
+void MainForm::restoreWindowSettings() {
+    QSettings& s = platform_.settingsStore().qsettings();
+    s.beginGroup(QStringLiteral("Window"));
+    const QSize size = s.value(QStringLiteral("Size"), QSize(1100, 520)).toSize();
+    const int zoom = s.value(QStringLiteral("Zoom"), 1).toInt();
+    const bool maximized = s.value(QStringLiteral("Maximized"), false).toBool();
+    s.endGroup();
+    resize(size.boundedTo(QSize(10000, 10000)).expandedTo(QSize(480, 360)));
+    setZoom(zoom);
+    if (maximized) setWindowState(windowState() | Qt::WindowMaximized);
+}
+
+void MainForm::saveWindowSettings() {
+    QSettings& s = platform_.settingsStore().qsettings();
+    s.beginGroup(QStringLiteral("Window"));
+    s.setValue(QStringLiteral("Maximized"), isMaximized());
+    if (!isMaximized()) s.setValue(QStringLiteral("Size"), size());
+    s.setValue(QStringLiteral("Zoom"), board_->zoom());
+    s.endGroup();
+    s.sync();
+}
+
+} // namespace torquil

@@ -1,0 +1,130 @@
+#pragma once
+// mainFrm: the page board with the menus and toolbar of every command. The form coordinates:
+// the work is done by the core on the session, which is replaced whole on every load.
+
+#include "app/command_groups.h"
+#include "session/style_session.h"
+
+#include <QMainWindow>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+class QComboBox;
+class QDialog;
+class QLabel;
+
+namespace torquil {
+
+class DetailsForm;
+class MainMenus;
+class MainToolBar;
+class PageBoard;
+class QtPlatform;
+
+class MainForm : public QMainWindow {
+    Q_OBJECT
+public:
+    MainForm(AppOptions options, QtPlatform& platform, QWidget* parent = nullptr);
+    ~MainForm() override;
+
+    StyleSession& session() { return *session_; }
+    const AppOptions& options() const { return options_; }
+    PageBoard* board() const { return board_; }
+    DetailsForm* detailsForm() const { return details_; }
+    const MainMenus& menus() const { return *menus_; }
+    MainToolBar* toolBar() const { return toolBar_; }
+    QLabel* statusLabel() const { return status_; }
+
+    // Switches a command group (0: groups 1 to 9; above 9: nothing).
+    void setCommandGroup(int group, bool enabled);
+    // Whether a menu control or toolbar key is enabled right now.
+    bool commandEnabled(const QString& control) const;
+
+    // Runs the command of a toolbar key ("open", "save", ..., also "buildgc3").
+    void runKey(const QString& key);
+    // Loads a style file into a new session (what the open dialog starts); errors that escape
+    // the core are shown, never thrown.
+    void openStyle(const QString& path, int loadOption);
+    // Selects the sprite under a page pixel (none: clears the selection).
+    void selectAt(int page, int x, int y);
+    // "Save your changes?" when the save command is enabled; false when the user cancelled.
+    bool askToSaveChanges();
+    void setZoom(int zoom);
+
+    // How modal dialogs run: exec() unless replaced (tests drive the dialog instead).
+    std::function<int(QDialog&)> runDialog;
+    // Asks for an absolute sprite number; nothing when cancelled.
+    std::function<std::optional<int>()> askSpriteNumber;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    // Building the window (main_form.cpp).
+    void buildWindow();
+    void connectCommands();
+    void connectMenu(const char* name, void (MainForm::*handler)());
+    void refreshCommands();
+    QString unavailableReason(const QString& control) const;
+    bool selectionAllows(const QString& control) const;
+    void updateStatusForSelection();
+    void restoreWindowSettings();
+    void saveWindowSettings();
+    void formUnload();
+    // Runs a command; a run-time error that escaped the core (debug mode) is shown here.
+    void guarded(const std::function<void()>& command);
+    int execDialog(QDialog& dialog);
+
+    // File commands (main_form_file.cpp).
+    void mnuOpen_Click();
+    void mnuLoadBMP_Click();
+    void mnuLoadGC3_Click();
+    void mnuBuildGC3_Click();
+    void mnuSaveBlock_Click();
+    void mnuExit_Click();
+    void loadStyle(const QString& path, int loadOption);
+    void afterLoad(bool loaded);
+    void markChanged();
+
+    // Sprite and car commands (main_form_sprite.cpp).
+    void mnuExportSprite_Click();
+    void mnuImportSprite_Click();
+    void mnuExportDeltas_Click(int index);
+    void mnuImportDeltas_Click();
+    void mnuViewDeltas_Click(int index);
+    void mnuTranspCheck_Click();
+    void mnuTranspCorrect_Click();
+    void mnuFindCar_Click();
+    void mnuEditCar_Click();
+    void mnuFormExpand_Click();
+    void mnuFormShrink_Click();
+    void importBitmapFile(const QString& path);
+
+    // Help and debug commands (main_form_help.cpp).
+    void mnuHelpContents_Click();
+    void mnuHelpSearch_Click();
+    void mnuReadMe_Click();
+    void mnuAbout_Click();
+    void mnuWinDetails_Click();
+    void mnuDbgReadGC3_Click();
+    void mnudbgfxttxt_Click();
+    void setDumpFlag(const QString& control, bool on);
+
+    AppOptions options_;
+    QtPlatform& platform_;
+    std::unique_ptr<StyleSession> session_;
+    CommandGroups groups_;
+    bool busy_ = false; // a command is running (its events must not start another)
+
+    std::unique_ptr<MainMenus> menus_;
+    MainToolBar* toolBar_ = nullptr;
+    PageBoard* board_ = nullptr;
+    DetailsForm* details_ = nullptr;
+    QLabel* status_ = nullptr;
+    QLabel* selectionLabel_ = nullptr;
+    QComboBox* zoomBox_ = nullptr;
+};
+
+} // namespace torquil

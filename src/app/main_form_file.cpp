@@ -1,0 +1,162 @@
+// The File menu: open, load a bitmap, the car pack entries, save and exit.
+
+#include "app/bitmap_names.h"
+#include "app/load_form.h"
+#include "app/main_form.h"
+#include "app/main_tool_bar.h"
+#include "app/page_board.h"
+#include "base/runtime_error.h"
+#include "exchange/bmp.h"
+#include "exchange/sprite_exchange.h"
+#include "platform/qt/qt_platform.h"
+#include "session/load_sequence.h"
+#include "session/loaders.h"
+#include "session/save_sequence.h"
+#include "sprites/sprite_info.h"
+
+#include <QFileInfo>
+#include <QMenuBar>
+#include <QToolBar>
+
+#include <filesystem>
+
+namespace torquil {
+
+namespace fs = std::filesystem;
+
+void MainForm::mnuOpen_Click() {
+    if (!askToSaveChanges()) return;
+    LoadForm dialog(DialogMode::Style, session_->style, platform_, this);
+    if (execDialog(dialog) != QDialog::Accepted || dialog.chosenPath().isEmpty()) return;
+    loadStyle(dialog.chosenPath(), dialog.loadOption());
+}
+
+void MainForm::openStyle(const QString& path, int loadOption) {
+    guarded([&] { loadStyle(path, loadOption); });
+}
+
+void MainForm::loadStyle(const QString& path, int loadOption) {
+    auto fresh = std::make_unique<StyleSession>(options_);
+    prepareStyle(fresh->style, fs::path(path.toStdString()), loadOption);
+
+    // The board shows the new pages as they arrive; the menus wait for the load to end.
+    const bool wasBusy = busy_;
+    busy_ = true;
+    board_->setSession(fresh.get());
+    board_->setLoading(true);
+    menuBar()->setEnabled(false);
+    toolBar()->setEnabled(false);
+    auto restore = [this, wasBusy] {
+        board_->setLoading(false);
+        menuBar()->setEnabled(true);
+        toolBar()->setEnabled(true);
+        busy_ = wasBusy;
+    };
+
+    LoadOutcome outcome = LoadOutcome::Failed;
+    try {
+        outcome = initHeader(*fresh, platform_, standardLoaders());
+    } catch (...) {
+        // Debug mode: the load stopped where the error was raised; the file is not open.
+        session_ = std::move(fresh);
+        session_->style.loaded = false;
+        restore();
+        afterLoad(false);
+        throw;
+    }
+    restore();
+    if (outcome == LoadOutcome::FileMissing) {
+        board_->setSession(session_.get()); // nothing changed
+        return;
+    }
+    session_ = std::move(fresh);
+    afterLoad(outcome == LoadOutcome::Loaded);
+}
+
+void MainForm::afterLoad(bool loaded) {
+    board_->setSession(session_.get());
+    setCommandGroup(0, false);
+    setCommandGroup(1, true);
+    if (loaded) {
+        const bool sprites = session_->style.loadOption == kLoadSprites;
+        setCommandGroup(3, sprites); // the car commands need the car info
+        setCommandGroup(4, true);
+        setCommandGroup(5, sprites);
+        setCommandGroup(6, true);
+        setCommandGroup(8, true);
+        setWindowTitle(QString::fromStdString(session_->caption));
+    }
+    updateStatusForSelection();
+    board_->refresh();
+}
+
+void MainForm::markChanged() {
+    if (session_->style.anyChange()) setCommandGroup(2, true);
+    board_->refresh();
+}
+
+void MainForm::mnuLoadBMP_Click() {
+    LoadForm dialog(DialogMode::Bitmap, session_->style, platform_, this);
+    if (execDialog(dialog) != QDialog::Accepted || dialog.chosenPath().isEmpty()) return;
+    importBitmapFile(dialog.chosenPath());
+}
+
+void MainForm::importBitmapFile(const QString& path) {
+    const QString name = QFileInfo(path).fileName();
+    const std::optional<BitmapTarget> target = bitmapTarget(name, session_->style.gMapNumber);
+    int asn = target ? target->number : 0;
+    if (target && target->kind == BitmapTarget::Car) {
+        asn = 0;
+        for (int i = 1; i <= session_->cars.highest && asn == 0; ++i)
+            if (const CarEntry* car = session_->cars.find(i);
+                car && car->info.model == target->number)
+                asn = i;
+    }
+    if (!target || asn <= 0) {
+        platform_.message(
+            "The file " + name.toStdString() +
+                " is not named after a sprite of this style.\r"
+                "Exported sprites are named KRBSPR, KRBTIL or CAR + level + \"_\" + number.",
+            Buttons::Ok, Icon::Warning);
+        return;
+    }
+    if (searchNSelect(*session_, platform_, asn) != SearchResult::Selected) return;
+    board_->refresh();
+    updateStatusForSelection();
+
+    // The import reads the sprite's own name in the program's directory.
+    const fs::path expected = session_->workPath(bmpFileName(*session_));
+    const fs::path chosen(path.toStdString());
+    std::error_code ec;
+    if (!fs::equivalent(chosen, expected, ec)) {
+        fs::copy_file(chosen, expected, fs::copy_options::overwrite_existing, ec);
+        if (ec) {
+            platform_.message("Unable to copy " + chosen.string() + " to " + expected.string(),
+                              Buttons::Ok, Icon::Warning);
+            return;
+        }
+    }
+    if (importSprite(*session_, platform_)) markChanged();
+}
+
+void MainForm::mnuLoadGC3_Click() {
+    LoadForm dialog(DialogMode::CarPack, session_->style, platform_, this);
+    execDialog(dialog);
+}
+
+void MainForm::mnuBuildGC3_Click() {
+    platform_.message("TODO: BuildGC3");
+}
+
+void MainForm::mnuSaveBlock_Click() {
+    const SaveOutcome outcome = saveChanges(*session_, platform_);
+    if (outcome.disableSaveCommand()) setCommandGroup(2, false);
+    board_->refresh();
+}
+
+void MainForm::mnuExit_Click() {
+    // Through the main form's unload, once this command has returned.
+    QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+}
+
+} // namespace torquil

@@ -1,0 +1,100 @@
+#include "app/startup.h"
+
+#include "app/main_form.h"
+#include "app/splash_form.h"
+#include "base/work_dir.h"
+#include "platform/qt/qt_platform.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QImage>
+#include <QPixmap>
+#include <QTimer>
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace torquil {
+
+StartupArgs parseStartupArgs(const QStringList& arguments) {
+    StartupArgs args;
+    for (int i = 0; i < arguments.size(); ++i) {
+        const QString& a = arguments[i];
+        const bool hasValue = i + 1 < arguments.size();
+        if (a == QLatin1String("--screenshot") && hasValue)
+            args.screenshot = arguments[++i];
+        else if (a == QLatin1String("--workdir") && hasValue)
+            args.workDir = arguments[++i];
+        else if (a == QLatin1String("--settings") && hasValue)
+            args.settings = arguments[++i];
+        else if (a == QLatin1String("--no-splash"))
+            args.splash = false;
+        else if (!a.startsWith(QLatin1Char('-')) && args.style.isEmpty())
+            args.style = a;
+    }
+    return args;
+}
+
+namespace {
+
+int saveScreenshot(MainForm& form, const QString& file) {
+    for (int i = 0; i < 5; ++i) QApplication::processEvents();
+    const QImage picture = form.grab().toImage().convertToFormat(QImage::Format_RGB32);
+    if (!picture.save(file, "PNG")) {
+        std::fprintf(stderr, "Could not write the screenshot %s\n", qPrintable(file));
+        return 1;
+    }
+    std::printf("%s\n", qPrintable(QFileInfo(file).absoluteFilePath()));
+    return 0;
+}
+
+} // namespace
+
+int runTorquil(int argc, char** argv) {
+    QApplication app(argc, argv);
+    QApplication::setOrganizationName(QStringLiteral("Torquil"));
+    QApplication::setApplicationName(QStringLiteral("Torquil"));
+    QApplication::setApplicationVersion(QStringLiteral("0.1.0"));
+
+    std::vector<std::string> raw;
+    for (int i = 1; i < argc; ++i) raw.emplace_back(argv[i]);
+    const StartupArgs args = parseStartupArgs(QApplication::arguments().mid(1));
+    // Relative names on the command line are taken before the current directory moves.
+    const QString style =
+        args.style.isEmpty() ? QString() : QFileInfo(args.style).absoluteFilePath();
+    const QString screenshot =
+        args.screenshot.isEmpty() ? QString() : QFileInfo(args.screenshot).absoluteFilePath();
+
+    AppOptions options;
+    options.debugMode = commandLineHasDebugSwitch(raw);
+    options.workDir = args.workDir.isEmpty()
+                          ? defaultWorkDir(QApplication::applicationFilePath().toStdString())
+                          : std::filesystem::absolute(args.workDir.toStdString());
+    std::error_code ec;
+    std::filesystem::create_directories(options.workDir, ec);
+    std::filesystem::current_path(options.workDir, ec);
+
+    QtPlatform platform(args.settings);
+    SplashForm* splash = nullptr;
+    if (args.splash && screenshot.isEmpty()) {
+        splash = new SplashForm;
+        QObject::connect(splash, &QDialog::finished, splash, &QObject::deleteLater);
+        splash->show();
+    }
+    MainForm form(options, platform);
+    form.show();
+    if (splash) splash->raise();
+
+    if (!screenshot.isEmpty()) {
+        if (!style.isEmpty()) form.openStyle(style, kLoadSprites);
+        return saveScreenshot(form, screenshot);
+    }
+    if (!style.isEmpty())
+        QTimer::singleShot(0, &form, [&form, style] { form.openStyle(style, kLoadSprites); });
+    return app.exec();
+}
+
+} // namespace torquil

@@ -1,0 +1,24 @@
+#pragma once
+// Start-up: the command line, the program's directory, the splash, the main form.
+
+#include <QString>
+#include <QStringList>
+
+namespace torquil {
+
+struct StartupArgs {
+    QString style;      // a style file to open with the sprites option
+    QString screenshot; // save a picture of the main window after the load, then quit
+    QString workDir;    // overrides the program's directory
+    QString settings;   // an INI settings file instead of the user's store
+    bool splash = true;
+};
+
+// Reads the arguments after the program name; unknown options are ignored, as the game tools
+// did. Debug mode is not an option here: "-d" anywhere in the command line turns it on.
+StartupArgs parseStartupArgs(const QStringList& arguments);
+
+// The whole program: returns the exit status.
+int runTorquil(int argc, char** argv);
+
+} // namespace torquil

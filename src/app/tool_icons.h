@@ -1,0 +1,11 @@
+#pragma once
+// Flat toolbar icons drawn with QPainter, one per toolbar key.
+
+#include <QIcon>
+#include <QString>
+
+namespace torquil {
+
+QIcon toolIcon(const QString& key);
+
+} // namespace torquil

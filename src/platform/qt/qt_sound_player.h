@@ -1,0 +1,14 @@
+#pragma once
+// Plays a WAV file to its end before returning, as the game tools did; without an audio output
+// it plays nothing and returns at once.
+
+#include "platform/platform.h"
+
+namespace torquil {
+
+class QtSoundPlayer : public SoundPlayer {
+public:
+    bool playWavSync(const std::filesystem::path& wav) override;
+};
+
+} // namespace torquil
