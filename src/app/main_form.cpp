@@ -66,6 +66,7 @@ void MainForm::buildWindow() {
     window->addSeparator();
     QMenu* zoomMenu = window->addMenu(tr("&Zoom"));
     zoomMenu->setObjectName(QStringLiteral("mnuZoom"));
+    zoomMenu->menuAction()->setObjectName(QStringLiteral("mnuZoom"));
     auto* zoomGroup = new QActionGroup(this);
     for (int z = 1; z <= 4; ++z) {
         QAction* a = zoomMenu->addAction(tr("%1x").arg(z));

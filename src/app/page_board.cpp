@@ -238,6 +238,8 @@ void PageBoard::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
     if (const std::optional<PagePoint> at = pagePointAt(event->position().toPoint()))
         emit pixelClicked(at->page, at->x, at->y);
+    else
+        emit pixelClicked(-1, 0, 0);
 }
 
 void PageBoard::mouseDoubleClickEvent(QMouseEvent* event) {

@@ -40,8 +40,8 @@ public:
     QSize viewportSizeFor(int pages) const;
 
 signals:
-    void hovered(int page, int x, int y); // page -1: the mouse is over no page
-    void pixelClicked(int page, int x, int y);
+    void hovered(int page, int x, int y);      // page -1: the mouse is over no page
+    void pixelClicked(int page, int x, int y); // page -1: a click beside the pages
     void pixelDoubleClicked(int page, int x, int y);
     void zoomChanged(int zoom);
 

@@ -1,0 +1,534 @@
+// The main window on the sample level: menus, toolbar and command groups, opening files through
+// the real dialog, the board, finding and editing cars, saving, and the questions on the way.
+
+#include "gui_fixture.h"
+
+#include "app/car_info_form.h"
+#include "app/command_groups.h"
+#include "app/load_form.h"
+#include "app/main_form.h"
+#include "app/main_menus.h"
+#include "app/main_tool_bar.h"
+#include "app/page_board.h"
+#include "style_builder.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QScrollBar>
+#include <QSettings>
+#include <QtTest>
+
+#include <fstream>
+#include <iterator>
+
+using namespace torquil;
+using torquil::testing::SampleFolder;
+using torquil::testing::ScriptedQtPlatform;
+
+namespace {
+
+const char* kCaption24 = "Torquil: STYLE001.G24 (Port Alder 24bit) [Sprites]";
+
+std::vector<std::uint8_t> bytesOf(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// One window on the sample level with its own platform and settings.
+struct Harness {
+    SampleFolder sample;
+    ScriptedQtPlatform platform{sample.settingsFile};
+    std::unique_ptr<MainForm> form;
+
+    explicit Harness(bool debugMode = false) {
+        AppOptions options;
+        options.workDir = sample.work;
+        options.debugMode = debugMode;
+        form = std::make_unique<MainForm>(options, platform);
+        form->show();
+    }
+    QAction* action(const char* name) const { return form->menus().action(name); }
+    bool enabled(const char* control) const { return form->commandEnabled(control); }
+
+    // File > Open, the dialog worked as a user would: folder, file, option, OK.
+    void openThroughDialog(const char* file, int option = kLoadSprites) {
+        const QString dir = sample.gameDir();
+        form->runDialog = [dir, file, option](QDialog& dialog) {
+            auto* load = qobject_cast<LoadForm*>(&dialog);
+            if (!load) return int(QDialog::Rejected);
+            load->setDirectory(dir);
+            load->selectFile(QString::fromLatin1(file));
+            load->setLoadOption(option);
+            load->confirm();
+            return load->result();
+        };
+        action("mnuOpen")->trigger();
+    }
+    // The first sprite of a page (that has a car record, when asked).
+    const SpriteRec* spriteOn(int page, bool car = false) {
+        StyleSession& s = form->session();
+        for (int sib = 1; sib <= s.sprites.pageCount(page); ++sib) {
+            const SpriteRec& r = s.sprites.pageSprites[page][sib];
+            if (!car || s.cars.find(r.ASN)) return &r;
+        }
+        return nullptr;
+    }
+    void click(int page, const SpriteRec& r) {
+        PageBoard* board = form->board();
+        board->showPage(page);
+        QTest::mouseClick(board->viewport(), Qt::LeftButton, {},
+                          board->viewportPoint(page, r.xo + r.W / 2, r.yo + r.H / 2));
+    }
+};
+
+} // namespace
+
+class MainFormTest : public QObject {
+    Q_OBJECT
+private slots:
+    void menuTreeAndToolbarAreTheGameToolsOnes();
+    void commandGroupsSwitchTheirMembers();
+    void beforeAnyFileOnlyOpenIsOnAndClosingAsksNothing();
+    void openingTheSampleThroughTheDialogSetsCaptionCommandsAndBoard();
+    void tilesAndEightBitFilesGetTheirCaptionAndCommands();
+    void failedAndMissingLoadsLeaveTheRightState();
+    void debugModeErrorIsShownNotThrown();
+    void clickingTheBoardSelectsAndFindCarScrollsToTheSprite();
+    void importedSpriteIsSavedIntoTheStyleFile();
+    void carEditorChangesEnableSaveAndReachTheFile();
+    void saveQuestionGuardsOpenAndClose();
+    void readMeHelpAboutAndDebugEntries();
+    void windowRemembersZoomAndShrinksToOnePage();
+};
+
+void MainFormTest::menuTreeAndToolbarAreTheGameToolsOnes() {
+    Harness h;
+    QStringList tree;
+    std::function<void(QMenu*, int)> walk = [&](QMenu* menu, int depth) {
+        for (QAction* a : menu->actions()) {
+            tree << QString(depth, '-') + a->objectName() + "=" +
+                        (a->isSeparator() ? "|" : a->text()) + (a->isCheckable() ? "[x]" : "");
+            if (a->menu()) walk(a->menu(), depth + 1);
+        }
+    };
+    for (QAction* top : h.form->menuBar()->actions()) {
+        tree << top->objectName() + "=" + top->text();
+        walk(top->menu(), 1);
+    }
+    const QStringList expected = {"mnuFile=&File",
+                                  "-mnuOpen=&Open KRB Data File",
+                                  "-void3=|",
+                                  "-mnuFileLoad=&Load",
+                                  "--mnuLoadGC3=GC3 Car Pack",
+                                  "--mnuLoadBMP=BMP Car",
+                                  "-mnuFileBuild=&Build",
+                                  "--mnuBuildGC3=GC3 Car Pack",
+                                  "-void1=|",
+                                  "-mnuSaveBlock=&Save Changes",
+                                  "-void2=|",
+                                  "-mnuExit=E&xit",
+                                  "mnuSprite=&Sprite",
+                                  "-mnuImport=&Import",
+                                  "--mnuImportSprite=&Sprite",
+                                  "--mnuImportDeltas=&Delta Set",
+                                  "-mnuExport=&Export",
+                                  "--mnuExportSprite=&Sprite",
+                                  "--mnuExportDeltas0=&Delta Set",
+                                  "--mnuExportDeltas1=Delta Set (&Clean)",
+                                  "-mnuView=&View",
+                                  "--mnuViewDeltas0=Deltas (&plain)",
+                                  "--mnuViewDeltas1=&Deltas (with car)",
+                                  "-mnuTransp=&Transparency",
+                                  "--mnuTranspCheck=&View",
+                                  "--mnuTranspCorrect=&Fix",
+                                  "mnuCarInfo=&Car Info",
+                                  "-mnuFindCar=&Find Car",
+                                  "-mnuEditCar=&Edit Car",
+                                  "mnuWindow=&Window",
+                                  "-mnuFormExpand=&Expand to Screen",
+                                  "-mnuFormShrink=&Shrink to Page",
+                                  "-=|",
+                                  "-mnuZoom=&Zoom",
+                                  "--mnuZoom1=1x[x]",
+                                  "--mnuZoom2=2x[x]",
+                                  "--mnuZoom3=3x[x]",
+                                  "--mnuZoom4=4x[x]",
+                                  "mnuDebug=&Debug",
+                                  "-mnuDbgReadGC3=ReadGC3",
+                                  "-mnudbgfxttxt=WriteGC3",
+                                  "-mnuWinDetails=Show &Details Window",
+                                  "-mnuGenCarInfoFiles=Generate CarInfo Files[x]",
+                                  "-mnuGenSpriteInfoFiles=Generate SpriteInfo Files[x]",
+                                  "-mnuGenCLUTFiles=Generate PalIndex/CLUTData Files[x]",
+                                  "-mnuGenDeltaDump=Generate Delta Dump Files[x]",
+                                  "mnuHelp=&Help",
+                                  "-mnuHelpContents=&Contents",
+                                  "-mnuHelpSearch=&Search For Help On...",
+                                  "-mnuReadMe=&Read Me File",
+                                  "-void4=|",
+                                  "-mnuAbout=&About Torquil..."};
+    QCOMPARE(tree, expected);
+
+    QStringList buttons;
+    for (QAction* a : h.form->toolBar()->actions())
+        buttons << (a->isSeparator() ? QStringLiteral("|") : a->objectName() + "=" + a->toolTip());
+    const QStringList expectedButtons = {
+        "open=Open Style File:",
+        "save=Save Style File",
+        "|",
+        "loadbmp=Quickload a BMP file",
+        "loadgc3=Load GC3 Car Pack",
+        "|",
+        "carinfo=Edit Car Info Settings",
+        "find=Find Car",
+        "|",
+        "exportsprite=Export Sprite",
+        "importsprite=Import Sprite",
+        "|",
+        "exportdeltasdirty=Export Delta Set Dirty for reference \u2014 Delta set export, import "
+        "and viewing are not part of this version.",
+        "|",
+        "exportdeltasclean=Export Delta Set Clean for self build \u2014 Delta set export, import "
+        "and viewing are not part of this version.",
+        "importdeltas=Import Delta Set \u2014 Delta set export, import and viewing are not part of "
+        "this version."};
+    QCOMPARE(buttons, expectedButtons);
+    for (QAction* a : h.form->toolBar()->actions())
+        if (!a->isSeparator()) QVERIFY(!a->icon().isNull());
+}
+
+void MainFormTest::commandGroupsSwitchTheirMembers() {
+    CommandGroups groups;
+    groups.set(0, true);
+    QVERIFY(groups.isOn("mnuOpen") && groups.isOn("save") && groups.isOn("mnuSprite"));
+    QVERIFY(groups.isOn("mnuLoadBMP") && groups.isOn("loadbmp"));
+    // The car pack commands stay off whatever the flag.
+    QVERIFY(!groups.isOn("mnuBuildGC3") && !groups.isOn("mnuLoadGC3") && !groups.isOn("loadgc3"));
+    groups.set(3, false);
+    QVERIFY(!groups.isOn("mnuFindCar") && !groups.isOn("mnuCarInfo") && !groups.isOn("find"));
+    QVERIFY(groups.isOn("mnuEditCar")); // group 5
+    groups.set(10, false);
+    groups.set(-1, false);
+    QVERIFY(groups.isOn("mnuOpen") && groups.isOn("mnuEditCar"));
+    groups.set(0, false);
+    QVERIFY(!groups.isOn("open") && !groups.isOn("importsprite") && !groups.isOn("mnuViewDeltas1"));
+    QVERIFY(groups.isOn("mnuExit") && groups.isOn("mnuAbout")); // in no group
+
+    // The window applies the same switches to its menu entries and buttons.
+    Harness h;
+    h.form->setCommandGroup(2, true);
+    QVERIFY(h.action("mnuSaveBlock")->isEnabled());
+    QVERIFY(h.form->toolBar()->button("save")->isEnabled());
+    h.form->setCommandGroup(2, false);
+    QVERIFY(!h.action("mnuSaveBlock")->isEnabled());
+    QVERIFY(!h.form->toolBar()->button("save")->isEnabled());
+}
+
+void MainFormTest::beforeAnyFileOnlyOpenIsOnAndClosingAsksNothing() {
+    Harness h;
+    QCOMPARE(h.form->windowTitle(), QStringLiteral("Torquil"));
+    QVERIFY(h.action("mnuOpen")->isEnabled() && h.form->toolBar()->button("open")->isEnabled());
+    for (const char* off : {"mnuSaveBlock", "mnuSprite", "mnuCarInfo", "mnuFindCar", "mnuEditCar",
+                            "mnuLoadBMP", "mnuLoadGC3", "mnuBuildGC3"})
+        QVERIFY2(!h.action(off)->isEnabled(), off);
+    QVERIFY(h.action("mnuExit")->isEnabled() && h.action("mnuWinDetails")->isEnabled());
+    QCOMPARE(h.form->board()->pagesShown(), 0);
+    QVERIFY(h.form->close());
+    QVERIFY(h.platform.shown.empty());
+}
+
+void MainFormTest::openingTheSampleThroughTheDialogSetsCaptionCommandsAndBoard() {
+    Harness h;
+    h.openThroughDialog("STYLE001.G24");
+    QCOMPARE(h.form->windowTitle(), QString::fromLatin1(kCaption24));
+    QVERIFY2(h.platform.shown.empty(),
+             h.platform.shown.empty() ? "" : h.platform.shown[0].text.c_str());
+    for (const char* on :
+         {"mnuOpen", "mnuSprite", "mnuCarInfo", "mnuFindCar", "mnuLoadBMP", "find", "loadbmp"})
+        QVERIFY2(h.enabled(on), on);
+    // Nothing changed yet, nothing selected, and no car pack or delta set commands.
+    for (const char* off : {"mnuSaveBlock", "save", "mnuEditCar", "carinfo", "mnuExportSprite",
+                            "exportsprite", "mnuLoadGC3", "loadgc3", "mnuBuildGC3",
+                            "mnuExportDeltas0", "mnuViewDeltas1", "importdeltas"})
+        QVERIFY2(!h.enabled(off), off);
+    QVERIFY(h.platform.detailsLog().lines().contains("gNumBlockLoaded:3"));
+
+    // The sprites are drawn in their colours, on the board as on the page image.
+    PageBoard* board = h.form->board();
+    QCOMPARE(board->pagesShown(), 4);
+    const SpriteRec* sprite = h.spriteOn(0);
+    QVERIFY(sprite);
+    const QPoint at =
+        board->viewportPoint(0, sprite->xo + sprite->W / 2, sprite->yo + sprite->H / 2);
+    const QImage shown = board->viewport()->grab().toImage();
+    const QRgb onBoard = shown.pixel(at) & 0xFFFFFF;
+    const std::uint32_t inImage =
+        h.form->session().image.at(sprite->xo + sprite->W / 2, sprite->yo + sprite->H / 2);
+    QCOMPARE(onBoard, QRgb(inImage));
+    int coloured = 0;
+    for (std::uint32_t px : h.form->session().image.rgb)
+        if (px != kDarkGrey && px != 0) ++coloured;
+    QVERIFY(coloured > 5000);
+}
+
+void MainFormTest::tilesAndEightBitFilesGetTheirCaptionAndCommands() {
+    Harness h;
+    h.openThroughDialog("STYLE001.G24", kLoadTiles);
+    QCOMPARE(h.form->windowTitle(),
+             QStringLiteral("Torquil: STYLE001.G24 (Port Alder 24bit) [Tiles]"));
+    QVERIFY(h.enabled("mnuSprite") && h.enabled("mnuLoadBMP"));
+    QVERIFY(!h.enabled("mnuCarInfo") && !h.enabled("mnuFindCar") && !h.enabled("find"));
+    QCOMPARE(h.form->session().style.gSeekCarInfo, std::int64_t(0));
+    QVERIFY(h.form->board()->pagesShown() >= 1);
+
+    h.openThroughDialog("STYLE002.GRY");
+    QCOMPARE(h.form->windowTitle(),
+             QStringLiteral("Torquil: STYLE002.GRY (Sierra Bay 8bit) [Sprites]"));
+    QVERIFY(h.enabled("mnuCarInfo") && h.enabled("mnuFindCar"));
+}
+
+void MainFormTest::failedAndMissingLoadsLeaveTheRightState() {
+    Harness h;
+    h.openThroughDialog("STYLE001.G24");
+    StyleSession* loaded = &h.form->session();
+
+    // A file that vanished: the message, and the open file stays open.
+    const QString gone = h.sample.file("STYLE003.G24");
+    h.form->openStyle(gone, kLoadSprites);
+    QCOMPARE(h.platform.texts().back(),
+             "Error: " + gone.toStdString() + " file error or not found.");
+    QCOMPARE(&h.form->session(), loaded);
+    QVERIFY(h.enabled("mnuFindCar"));
+
+    // A truncated file: the load error names the step; only the open command stays on.
+    std::vector<std::uint8_t> bytes = bytesOf(h.sample.dir / "STYLE001.G24");
+    torquil::testing::truncate(bytes, 2000);
+    torquil::testing::writeFile(h.sample.dir / "STYLE009.G24", bytes);
+    h.form->openStyle(h.sample.file("STYLE009.G24"), kLoadSprites);
+    QVERIFY(h.platform.texts().back().rfind("ERROR: Load ", 0) == 0);
+    QVERIFY(h.platform.texts().back().find("\rThere was a problem during the loading of the KRB "
+                                           "STYLE file.\r") != std::string::npos);
+    QVERIFY(&h.form->session() != loaded);
+    QVERIFY(h.enabled("mnuOpen"));
+    QVERIFY(!h.enabled("mnuSprite") && !h.enabled("mnuFindCar") && !h.enabled("mnuLoadBMP"));
+    QCOMPARE(h.form->board()->pagesShown(), 0);
+    QVERIFY(h.form->menuBar()->isEnabled() && h.form->toolBar()->isEnabled());
+}
+
+void MainFormTest::debugModeErrorIsShownNotThrown() {
+    Harness h(/*debugMode=*/true);
+    torquil::testing::StyleSpec spec = torquil::testing::sampleSpec24();
+    spec.sprites.back().page = 26; // a page number the 26 page lists cannot hold
+    torquil::testing::writeFile(h.sample.dir / "STYLE001.G24", torquil::testing::buildStyle(spec));
+    h.form->openStyle(h.sample.file("STYLE001.G24"), kLoadSprites);
+    QVERIFY(!h.platform.shown.empty());
+    const Message& m = h.platform.shown.back();
+    QCOMPARE(m.icon, Icon::Critical);
+    QVERIFY2(m.text.rfind("Run-time error '", 0) == 0, m.text.c_str());
+    QVERIFY(h.enabled("mnuOpen") && !h.enabled("mnuSprite"));
+    QVERIFY(h.form->menuBar()->isEnabled());
+}
+
+void MainFormTest::clickingTheBoardSelectsAndFindCarScrollsToTheSprite() {
+    Harness h;
+    h.openThroughDialog("STYLE001.G24");
+    StyleSession& s = h.form->session();
+    const SpriteRec* car = h.spriteOn(0, /*car=*/true);
+    QVERIFY(car);
+    h.click(0, *car);
+    QCOMPARE(s.selection.page, 0);
+    QVERIFY(s.selectedSprite() && s.selectedSprite()->ASN == car->ASN);
+    QVERIFY(h.enabled("mnuEditCar") && h.enabled("carinfo"));
+    QVERIFY(h.enabled("mnuExportSprite") && h.enabled("importsprite") &&
+            h.enabled("mnuTranspCheck"));
+    QVERIFY(h.form->statusLabel()->text().contains(QStringLiteral("ASN:%1").arg(car->ASN)) ||
+            h.form->findChild<QLabel*>("lblSelection")
+                ->text()
+                .contains(QStringLiteral("ASN:%1").arg(car->ASN)));
+
+    // A sprite without a car record: sprite commands yes, car editor no.
+    const SpriteRec* plain = h.spriteOn(2);
+    QVERIFY(plain && !s.cars.find(plain->ASN));
+    h.click(2, *plain);
+    QCOMPARE(s.selection.page, 2);
+    QVERIFY(h.enabled("mnuExportSprite") && !h.enabled("mnuEditCar"));
+
+    // The gap between pages holds nothing: the selection goes.
+    h.form->board()->showPage(0);
+    QTest::mouseClick(h.form->board()->viewport(), Qt::LeftButton, {},
+                      h.form->board()->viewportPoint(0, 0, 0) - QPoint(4, 0));
+    QVERIFY(!s.selection.any());
+    QVERIFY(!h.enabled("mnuExportSprite"));
+
+    // Find Car: selects by number and brings the page to the left edge.
+    h.form->askSpriteNumber = [asn = plain->ASN] { return std::optional<int>(asn); };
+    h.form->setZoom(2); // wider than the window: the board must scroll
+    h.form->board()->showPage(0);
+    h.action("mnuFindCar")->trigger();
+    QCOMPARE(s.selection.page, 2);
+    QCOMPARE(int(s.pages.gBoardOffset), 512);
+    QVERIFY(h.form->board()->horizontalScrollBar()->value() > 0);
+    const int missing = s.sprites.spriteCount + 7;
+    h.form->askSpriteNumber = [missing] { return std::optional<int>(missing); };
+    h.form->runKey("find");
+    QCOMPARE(h.platform.texts().back(), "ASN:" + std::to_string(missing) + " not found.");
+    QCOMPARE(s.selection.page, 2);
+}
+
+void MainFormTest::importedSpriteIsSavedIntoTheStyleFile() {
+    Harness h;
+    h.openThroughDialog("STYLE001.G24");
+    const SpriteRec* sprite = h.spriteOn(2);
+    QVERIFY(sprite);
+    const SpriteRec r = *sprite;
+    h.click(2, r);
+    h.form->runKey("exportsprite");
+    const std::string shown = h.platform.texts().back();
+    QVERIFY(shown.rfind("Sprite exported to:\r", 0) == 0);
+    const std::filesystem::path bmp = shown.substr(std::string("Sprite exported to:\r").size());
+    QCOMPARE(bmp.parent_path(), h.sample.work);
+
+    // Paint the sprite's bottom-left pixel in the BMP (rows are stored bottom-up).
+    std::vector<std::uint8_t> file = bytesOf(bmp);
+    const std::uint8_t old = file[1078];
+    const std::uint8_t painted = static_cast<std::uint8_t>(old == 77 ? 78 : 77);
+    file[1078] = painted;
+    torquil::testing::writeFile(bmp, file);
+    QVERIFY(!h.enabled("mnuSaveBlock"));
+    h.action("mnuImportSprite")->trigger();
+    QVERIFY(h.enabled("mnuSaveBlock") && h.enabled("save"));
+
+    const auto style = h.sample.dir / "STYLE001.G24";
+    const std::int64_t at =
+        h.form->session().style.gSeekGraphicsStart - 1 + 2 * 65536 + (r.yo + r.H - 1) * 256 + r.xo;
+    QCOMPARE(bytesOf(style)[at], old);
+    h.form->runKey("save");
+    QCOMPARE(bytesOf(style)[at], painted);
+    QVERIFY(!h.enabled("mnuSaveBlock"));
+
+    // Reopened, the page holds the new pixel.
+    h.openThroughDialog("STYLE001.G24");
+    QCOMPARE(h.form->session().pages.pixel(2, r.xo, r.yo + r.H - 1), painted);
+}
+
+void MainFormTest::carEditorChangesEnableSaveAndReachTheFile() {
+    Harness h;
+    h.openThroughDialog("STYLE001.G24");
+    const SpriteRec* car = h.spriteOn(0, true);
+    QVERIFY(car);
+    const int asn = car->ASN;
+    h.click(0, *car);
+    const std::int32_t record = h.form->session().cars.find(asn)->fileSeek;
+    h.form->runDialog = [](QDialog& dialog) {
+        auto* form = qobject_cast<CarInfoForm*>(&dialog);
+        if (!form) return int(QDialog::Rejected);
+        form->box(0)->setText("31"); // width
+        form->done(QDialog::Accepted);
+        return int(QDialog::Accepted);
+    };
+    h.action("mnuEditCar")->trigger();
+    QVERIFY(h.enabled("mnuSaveBlock"));
+    h.action("mnuSaveBlock")->trigger();
+    const auto bytes = bytesOf(h.sample.dir / "STYLE001.G24");
+    QCOMPARE(int(bytes[record - 1]), 31); // width: the record's first field, low byte
+    QVERIFY(!h.enabled("mnuSaveBlock"));
+}
+
+void MainFormTest::saveQuestionGuardsOpenAndClose() {
+    Harness h;
+    h.openThroughDialog("STYLE001.G24");
+    h.form->setCommandGroup(2, true); // as after any change
+    int dialogs = 0;
+    h.form->runDialog = [&dialogs](QDialog&) {
+        ++dialogs;
+        return int(QDialog::Rejected);
+    };
+
+    h.platform.answers = {Answer::Cancel};
+    h.action("mnuOpen")->trigger();
+    QCOMPARE(dialogs, 0);
+    const Message& asked = h.platform.shown.back();
+    QCOMPARE(asked.text, std::string("Save your changes?"));
+    QCOMPARE(asked.buttons, Buttons::YesNoCancel);
+    QCOMPARE(asked.icon, Icon::Question);
+
+    h.platform.answers = {Answer::No};
+    h.action("mnuOpen")->trigger();
+    QCOMPARE(dialogs, 1);
+
+    // Closing: Cancel keeps the window, No closes it and removes the temporary files.
+    torquil::testing::writeFile(h.sample.work / "~TMP.TXT", {1, 2});
+    h.platform.answers = {Answer::Cancel};
+    QVERIFY(!h.form->close());
+    QVERIFY(h.form->isVisible());
+    QVERIFY(std::filesystem::exists(h.sample.work / "~TMP.TXT"));
+    h.platform.answers = {Answer::No};
+    QVERIFY(h.form->close());
+    QVERIFY(!std::filesystem::exists(h.sample.work / "~TMP.TXT"));
+}
+
+void MainFormTest::readMeHelpAboutAndDebugEntries() {
+    Harness h;
+    torquil::testing::writeFile(h.sample.work / "readme.txt", {'h', 'i'});
+    h.action("mnuReadMe")->trigger();
+    QCOMPARE(h.platform.openedFiles.back(), h.sample.work / "readme.txt");
+    QVERIFY(h.platform.shown.empty());
+    h.platform.textFilesOpen = false;
+    h.action("mnuReadMe")->trigger();
+    QCOMPARE(h.platform.texts().back(),
+             std::string("Sorry, ") + textEditorName() +
+                 " not found.\rPlease manually view the readme.doc file in the TORQUIL directory.");
+
+    h.action("mnuHelpContents")->trigger();
+    QCOMPARE(h.platform.texts().back(), std::string("Unable to display Help Contents. There is no "
+                                                    "Help associated with this project."));
+    QCOMPARE(h.platform.shown.back().icon, Icon::Information);
+    h.action("mnuAbout")->trigger();
+    QCOMPARE(h.platform.shown.back().title, std::string("About Torquil"));
+    h.form->runKey("buildgc3");
+    QCOMPARE(h.platform.texts().back(), std::string("TODO: BuildGC3"));
+    h.action("mnuDbgReadGC3")->trigger(); // no test pack in the work directory yet
+    QCOMPARE(h.platform.texts().back(), std::string("Error reading GC3 file."));
+
+    // The dump check marks belong to the program: the next session has them too.
+    h.action("mnuGenSpriteInfoFiles")->setChecked(true);
+    h.action("mnuGenCarInfoFiles")->setChecked(true);
+    h.action("mnuGenCarInfoFiles")->setChecked(false);
+    h.openThroughDialog("STYLE001.G24");
+    QVERIFY(h.form->session().options.dumps.spriteInfo);
+    QVERIFY(!h.form->session().options.dumps.carInfo);
+
+    h.action("mnuWinDetails")->trigger();
+    QVERIFY(h.form->findChild<QWidget*>("detailsFrm")->isVisible());
+}
+
+void MainFormTest::windowRemembersZoomAndShrinksToOnePage() {
+    SampleFolder sample;
+    {
+        ScriptedQtPlatform platform(sample.settingsFile);
+        AppOptions options;
+        options.workDir = sample.work;
+        MainForm form(options, platform);
+        form.show();
+        QCOMPARE(form.board()->zoom(), 1);
+        form.findChild<QAction*>("mnuZoom3")->trigger();
+        QCOMPARE(form.board()->zoom(), 3);
+        form.openStyle(sample.file("STYLE001.G24"), kLoadSprites);
+        form.menus().action("mnuFormShrink")->trigger();
+        QTRY_COMPARE(form.board()->viewport()->size(), form.board()->viewportSizeFor(1));
+        QVERIFY(form.close());
+    }
+    QSettings stored(sample.settingsFile, QSettings::IniFormat);
+    QCOMPARE(stored.value("Window/Zoom").toInt(), 3);
+    ScriptedQtPlatform platform(sample.settingsFile);
+    AppOptions options;
+    options.workDir = sample.work;
+    MainForm again(options, platform);
+    QCOMPARE(again.board()->zoom(), 3);
+}
+
+QTEST_MAIN(MainFormTest)
+#include "main_form_test.moc"
