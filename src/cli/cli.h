@@ -53,6 +53,7 @@ std::unique_ptr<StyleSession> loadStyle(Context& ctx, ConsolePlatform& platform,
 // Each command file provides one of these; cli_app.cpp calls them all.
 void registerOpenCommand(CLI::App& app, Context& ctx);
 void registerSpriteCommand(CLI::App& app, Context& ctx);
+void registerSaveTestCommand(CLI::App& app, Context& ctx);
 void registerCarCommand(CLI::App& app, Context& ctx);
 void registerCarsCommand(CLI::App& app, Context& ctx);
 void registerCarSetCommand(CLI::App& app, Context& ctx);

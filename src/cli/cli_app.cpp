@@ -79,6 +79,7 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
     app.require_subcommand(1);
     registerOpenCommand(app, ctx);
     registerSpriteCommand(app, ctx);
+    registerSaveTestCommand(app, ctx);
     registerCarCommand(app, ctx);
     registerCarsCommand(app, ctx);
     registerCarSetCommand(app, ctx);

@@ -64,6 +64,10 @@ struct SaveOutcome {
 SaveOutcome saveChanges(StyleSession& session, Platform& platform);
 SaveOutcome saveChanges(StyleSession& session, Platform& platform, const SaveOptions& options);
 
+// Marks every part of a loaded style as changed (pages, the CLUTs of a .G24 file, deltas, every
+// loaded car, the car names), so the next save rewrites all of it.
+void markAllChanged(StyleSession& session);
+
 // The message of a failed save, lines joined with "\r", ending with where the backup is.
 std::string saveFailureMessage(const std::string& step, const std::filesystem::path& path,
                                const std::filesystem::path& backup);

@@ -1,5 +1,7 @@
 #include "session/save_sequence.h"
 
+#include "cars/car_info_io.h"
+#include "cars/car_names_io.h"
 #include "exchange/delta_io.h"
 #include "sprites/clut.h"
 #include "style/page_io.h"
@@ -8,9 +10,11 @@ namespace torquil {
 
 SaverSet standardSavers() {
     SaverSet set;
+    set.carInfo = saveCarInfo;
     set.pages = savePages;
     set.clut = saveCLUT;
     set.deltas = saveDeltas;
+    set.carNames = saveCarNames;
     return set;
 }
 
