@@ -168,25 +168,6 @@ TEST_F(Gc3Fixture, MissingInputOrPackIsAnError) {
     EXPECT_EQ(platform.messageTexts().size(), 3u);
 }
 
-TEST_F(Gc3Fixture, ReadGivesBackTheHeaderAsWritten) {
-    const auto orig = randomBytes(300, 6);
-    auto mod = orig;
-    mod[5] ^= 1;
-    files(mod, orig, {'a', 'b'}, {'a'});
-    ASSERT_TRUE(write(100.0));
-    Gc3Header h;
-    ASSERT_TRUE(readGC3(pack, h, platform));
-    EXPECT_EQ(h.fileType, "GC3");
-    EXPECT_EQ(h.encrypt, 100);
-    EXPECT_EQ(h.stylenum, 1);
-    EXPECT_EQ(h.StyleDataPosition, 32);
-    EXPECT_EQ(h.StyleDataPositionEnd, 47);
-    EXPECT_EQ(h.StyleDataLOF, 300);
-    EXPECT_EQ(h.FXTDataPosition, 48);
-    EXPECT_EQ(h.FXTDataPositionEnd, 48 + 8);
-    EXPECT_EQ(h.FXTDataLOF, 2);
-}
-
 // ---- Applying --------------------------------------------------------------------------------
 
 TEST_F(Gc3Fixture, WriteThenApplyReproducesTheModifiedFiles) {
