@@ -49,6 +49,8 @@ public:
     void openStyle(const QString& path, int loadOption);
     // Selects the sprite under a page pixel (none: clears the selection).
     void selectAt(int page, int x, int y);
+    // Selects a sprite by its absolute number and scrolls to it (Find Car without the question).
+    bool selectSprite(int asn);
     // "Save your changes?" when the save command is enabled; false when the user cancelled.
     bool askToSaveChanges();
     void setZoom(int zoom);

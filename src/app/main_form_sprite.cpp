@@ -62,12 +62,15 @@ void MainForm::mnuFindCar_Click() {
             current ? current->ASN : session_->sprites.firstCarSprite(), 0, 32767, 1, &ok);
         if (ok) asn = value;
     }
-    if (!asn) return;
-    if (searchNSelect(*session_, platform_, *asn) == SearchResult::Selected) {
-        updateStatusForSelection();
-        refreshCommands();
-    }
+    if (asn) selectSprite(*asn);
+}
+
+bool MainForm::selectSprite(int asn) {
+    const bool selected = searchNSelect(*session_, platform_, asn) == SearchResult::Selected;
+    updateStatusForSelection();
+    refreshCommands();
     board_->refresh();
+    return selected;
 }
 
 void MainForm::mnuEditCar_Click() {

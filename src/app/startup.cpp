@@ -30,6 +30,10 @@ StartupArgs parseStartupArgs(const QStringList& arguments) {
             args.workDir = arguments[++i];
         else if (a == QLatin1String("--settings") && hasValue)
             args.settings = arguments[++i];
+        else if (a == QLatin1String("--zoom") && hasValue)
+            args.zoom = arguments[++i].toInt();
+        else if (a == QLatin1String("--select") && hasValue)
+            args.select = arguments[++i].toInt();
         else if (a == QLatin1String("--no-splash"))
             args.splash = false;
         else if (!a.startsWith(QLatin1Char('-')) && args.style.isEmpty())
@@ -78,6 +82,13 @@ int runTorquil(int argc, char** argv) {
     std::filesystem::current_path(options.workDir, ec);
 
     QtPlatform platform(args.settings);
+    if (!screenshot.isEmpty()) {
+        // Nobody is there to answer: messages go to standard error and take the safe answer.
+        platform.messageSink().setHook([](const Message& m) -> std::optional<Answer> {
+            std::fprintf(stderr, "message: %s\n", qPrintable(displayText(m.text)));
+            return safeAnswer(m.buttons);
+        });
+    }
     SplashForm* splash = nullptr;
     if (args.splash && screenshot.isEmpty()) {
         splash = new SplashForm;
@@ -88,12 +99,17 @@ int runTorquil(int argc, char** argv) {
     form.show();
     if (splash) splash->raise();
 
+    if (args.zoom >= 1) form.setZoom(args.zoom);
+    auto load = [&form, &args, style] {
+        if (style.isEmpty()) return;
+        form.openStyle(style, kLoadSprites);
+        if (args.select > 0) form.selectSprite(args.select);
+    };
     if (!screenshot.isEmpty()) {
-        if (!style.isEmpty()) form.openStyle(style, kLoadSprites);
+        load();
         return saveScreenshot(form, screenshot);
     }
-    if (!style.isEmpty())
-        QTimer::singleShot(0, &form, [&form, style] { form.openStyle(style, kLoadSprites); });
+    QTimer::singleShot(0, &form, load);
     return app.exec();
 }
 

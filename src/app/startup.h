@@ -11,6 +11,8 @@ struct StartupArgs {
     QString screenshot; // save a picture of the main window after the load, then quit
     QString workDir;    // overrides the program's directory
     QString settings;   // an INI settings file instead of the user's store
+    int zoom = 0;       // 1..4 overrides the remembered zoom
+    int select = 0;     // an absolute sprite number to select after the load
     bool splash = true;
 };
 
