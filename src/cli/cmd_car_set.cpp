@@ -6,6 +6,7 @@
 #include "cars/car_info_io.h"
 #include "cars/car_listing.h"
 #include "cars/car_names_io.h"
+#include "cars/car_record.h"
 #include "session/save_sequence.h"
 
 #include <ostream>
@@ -75,25 +76,13 @@ bool applyAssignment(CarEntry& car, const Assignment& a, std::ostream& err) {
     return false;
 }
 
+// Compared as the bytes the save would write: a 16.16 text can stay while the value changes.
 bool sameRecord(const CarEntry& a, const CarEntry& b) {
-    const auto va = carRecordValues(a.info), vb = carRecordValues(b.info);
-    const auto da = carDoorValues(a.doorList), db = carDoorValues(b.doorList);
-    auto equal = [](const std::vector<NamedValue>& x, const std::vector<NamedValue>& y) {
-        if (x.size() != y.size()) return false;
-        for (std::size_t i = 0; i < x.size(); ++i)
-            if (x[i].text != y[i].text) return false;
-        return true;
-    };
-    // The raw values decide: a 16.16 text can stay the same while the stored value changes.
-    return equal(va, vb) && equal(da, db) && a.info.moment == b.info.moment &&
-           a.info.rbp_mass == b.info.rbp_mass && a.info.g1_thrust == b.info.g1_thrust &&
-           a.info.tyre_adhesion_x == b.info.tyre_adhesion_x &&
-           a.info.tyre_adhesion_y == b.info.tyre_adhesion_y &&
-           a.info.handbrake_friction == b.info.handbrake_friction &&
-           a.info.footbrake_friction == b.info.footbrake_friction &&
-           a.info.front_brake_bias == b.info.front_brake_bias &&
-           a.info.back_end_slide_value == b.info.back_end_slide_value &&
-           a.info.handbrake_slide_value == b.info.handbrake_slide_value;
+    if (encodeCarFixed(a.info) != encodeCarFixed(b.info) || a.doorList.size() != b.doorList.size())
+        return false;
+    for (std::size_t i = 0; i < a.doorList.size(); ++i)
+        if (encodeDoor(a.doorList[i]) != encodeDoor(b.doorList[i])) return false;
+    return true;
 }
 
 // "field: old -> new" for every value of the listing that changed.
