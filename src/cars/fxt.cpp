@@ -62,7 +62,9 @@ std::vector<std::uint8_t> decodeFxtBytes(std::span<const std::uint8_t> coded, Ca
                                          const FxtProgress& progress) {
     std::vector<std::uint8_t> text;
     text.reserve(coded.size() + coded.size() / 16);
-    // A file shorter than the key decodes its missing bytes as zeros, as reading past the end did.
+    // The key covers the first eight bytes whatever they hold, so a first entry of eight bytes or
+    // less runs into the next line, as in the game's own tools. A file shorter than the key
+    // decodes its missing bytes as zeros, as reading past the end did.
     for (std::size_t i = 0; i < kFxtKey.size(); ++i)
         text.push_back(static_cast<std::uint8_t>((i < coded.size() ? coded[i] : 0) + kFxtKey[i]));
 

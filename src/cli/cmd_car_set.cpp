@@ -3,7 +3,6 @@
 
 #include "cli/cli.h"
 
-#include "cars/car_info_io.h"
 #include "cars/car_listing.h"
 #include "cars/car_names_io.h"
 #include "cars/car_record.h"
@@ -178,10 +177,8 @@ void registerCarSetCommand(CLI::App& app, Context& ctx) {
         }
         if (nameChanged) renameCarModel(*session, edited.info.model, edited.name);
 
-        SaveOptions save;
-        if (!save.savers.carInfo) save.savers.carInfo = saveCarInfo;
-        if (!save.savers.carNames) save.savers.carNames = saveCarNames;
-        const SaveOutcome outcome = saveChanges(*session, *platform, save);
+        // The editor's "Save Changes": backups first, then the record in place and the names.
+        const SaveOutcome outcome = saveChanges(*session, *platform);
         if (outcome.result != SaveResult::Saved || (nameChanged && !outcome.namesSaved)) {
             ctx.exitCode = kExitFailed;
             return;
