@@ -334,8 +334,8 @@ void MainForm::formUnload() {
 void MainForm::restoreWindowSettings() {
     QSettings& s = platform_.settingsStore().qsettings();
     s.beginGroup(QStringLiteral("Window"));
-    const QSize size = s.value(QStringLiteral("Size"), QSize(1100, 520)).toSize();
-    const int zoom = s.value(QStringLiteral("Zoom"), 1).toInt();
+    const QSize size = s.value(QStringLiteral("Size"), QSize(1120, 660)).toSize();
+    const int zoom = s.value(QStringLiteral("Zoom"), 2).toInt();
     const bool maximized = s.value(QStringLiteral("Maximized"), false).toBool();
     s.endGroup();
     resize(size.boundedTo(QSize(10000, 10000)).expandedTo(QSize(480, 360)));

@@ -513,7 +513,7 @@ void MainFormTest::windowRemembersZoomAndShrinksToOnePage() {
         options.workDir = sample.work;
         MainForm form(options, platform);
         form.show();
-        QCOMPARE(form.board()->zoom(), 1);
+        QCOMPARE(form.board()->zoom(), 2); // the first start
         form.findChild<QAction*>("mnuZoom3")->trigger();
         QCOMPARE(form.board()->zoom(), 3);
         form.openStyle(sample.file("STYLE001.G24"), kLoadSprites);
