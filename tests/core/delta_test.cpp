@@ -140,80 +140,82 @@ TEST_P(DeltaBothKinds, LoadsEveryRunOfEveryDelta) {
 INSTANTIATE_TEST_SUITE_P(G24AndGry, DeltaBothKinds, ::testing::Values(true, false),
                          [](const auto& info) { return info.param ? "G24" : "GRY"; });
 
-TEST_F(DeltaFixture, SizeZeroDeltaKeepsOneEmptyRunLine) {
+TEST_F(DeltaFixture, OddSizesAndPointersReadWholeRecordsFromEachDeltasOwnPtr) {
     auto spec = deltaSpec(true);
-    spec.sprites[0].deltas[1] = tb::DeltaSpec{};
-    build(spec);
-    ASSERT_TRUE(load());
-    EXPECT_EQ(delta(1).size, 0);
-    ASSERT_EQ(delta(1).runLine.size(), 1u);
-    EXPECT_EQ(delta(1).runLine[0].offset, 0);
-    EXPECT_EQ(delta(1).runLine[0].length, 0);
-    EXPECT_TRUE(delta(1).runLine[0].data.empty());
-    EXPECT_EQ(delta(2).runLine[0].offset, 300);
-}
-
-TEST_F(DeltaFixture, RecordStraddlingTheSizeIsReadWholeAndNextDeltaUsesItsOwnPtr) {
-    auto spec = deltaSpec(true);
-    // Four bytes cover only part of the first (six-byte) record.
-    spec.sprites[0].deltas[0].sizeOverride = 4;
+    spec.sprites[0].deltas[0].sizeOverride = 4;    // covers part of the first six-byte record
+    spec.sprites[0].deltas[1] = tb::DeltaSpec{};   // size 0
+    spec.sprites[2].deltas[0].ptrOverride = 65536; // the third delta overlaps the first
+    spec.sprites[2].deltas[0].sizeOverride = 10;
     build(spec);
     ASSERT_TRUE(load());
     ASSERT_EQ(delta(0).runLine.size(), 1u);
     EXPECT_EQ(delta(0).runLine[0].data, (std::vector<std::uint8_t>{1, 2, 3}));
-    EXPECT_EQ(delta(1).runLine[0].data, (std::vector<std::uint8_t>{9, 9}));
-}
-
-TEST_F(DeltaFixture, OverlappingPointersReadTheSameBytesTwice) {
-    auto spec = deltaSpec(true);
-    spec.sprites[2].deltas[0].ptrOverride = 65536; // the third delta points at the first one
-    spec.sprites[2].deltas[0].sizeOverride = 10;
-    build(spec);
-    ASSERT_TRUE(load());
+    ASSERT_EQ(delta(1).runLine.size(), 1u);
+    EXPECT_EQ(delta(1).runLine[0].offset, 0);
+    EXPECT_EQ(delta(1).runLine[0].length, 0);
+    EXPECT_TRUE(delta(1).runLine[0].data.empty());
     ASSERT_EQ(delta(2).runLine.size(), 2u);
     EXPECT_EQ(delta(2).runLine[0].offset, 517);
     EXPECT_EQ(delta(2).runLine[1].offset, 250);
+
+    // Saved one after another: 6 bytes, nothing, then the 10 bytes the third delta read.
+    EXPECT_EQ(save(), 0);
+    const auto after = readBytes(path);
+    const std::int32_t first = offsets.deltaPtrs[0];
+    EXPECT_EQ(tb::getI16(after, offsets.deltaEntries[0]), 6);
+    EXPECT_EQ(tb::getI16(after, offsets.deltaEntries[1]), 0);
+    EXPECT_EQ(tb::getI32(after, offsets.deltaEntries[1] + 2), first + 6);
+    EXPECT_EQ(tb::getI16(after, offsets.deltaEntries[2]), 10);
+    EXPECT_EQ(tb::getI32(after, offsets.deltaEntries[2] + 2), first + 6);
+    EXPECT_EQ(tb::getI16(after, offsets.pages.offset + first + 6), 517);
 }
 
-TEST_F(DeltaFixture, DeltaPastTheEndOfTheFileIsAnUnexpectedEof) {
-    auto spec = deltaSpec(true);
-    spec.sprites[2].deltas[0].ptrOverride = 70'000'000;
-    spec.sprites[2].deltas[0].sizeOverride = 32767;
-    build(spec);
-    EXPECT_FALSE(load());
-    EXPECT_EQ(platform.messageTexts(),
-              std::vector<std::string>{"Unexpected EOF during load of Delta Graphics"});
-    // Nothing but zeros lies there: no run is stored for them.
-    EXPECT_EQ(delta(2).runLine.size(), 1u);
-    EXPECT_EQ(platform.progressCloseCount, platform.progressOpenCount);
-}
-
-TEST_F(DeltaFixture, DeltaPastTheEndIsForgivenWhenALaterDeltaReadsInsideTheFile) {
-    auto spec = deltaSpec(true);
-    spec.sprites[0].deltas[1].ptrOverride = 70'000'000;
-    build(spec);
-    EXPECT_TRUE(load());
+TEST_F(DeltaFixture, EndOfFileAfterTheLastDeltaFailsTheLoad) {
+    struct Case {
+        const char* what;
+        std::function<void(tb::StyleSpec&)> editSpec;
+        std::function<void(std::vector<std::uint8_t>&)> editBytes;
+        bool loads;
+    };
+    const Case cases[] = {
+        {"last delta past the end of the file",
+         [](auto& spec) {
+             spec.sprites[2].deltas[0].ptrOverride = 70'000'000;
+             spec.sprites[2].deltas[0].sizeOverride = 32767;
+         },
+         {},
+         false},
+        {"last delta running through the sprite numbers",
+         [](auto& spec) { spec.sprites[2].deltas[0].sizeOverride = 100; },
+         {},
+         false},
+        {"store ending exactly at the end of the file", [](auto&) {},
+         [](auto& bytes) {
+             tb::truncate(bytes, bytes.size() - 42);
+             tb::setHeaderField(bytes, tb::header24::sprite_numbers_size, 0);
+         },
+         false},
+        {"middle delta past the end, a later one inside the file",
+         [](auto& spec) { spec.sprites[0].deltas[1].ptrOverride = 70'000'000; },
+         {},
+         true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        auto spec = deltaSpec(true);
+        c.editSpec(spec);
+        build(spec, c.editBytes);
+        platform = tb::FakePlatform{};
+        EXPECT_EQ(load(), c.loads);
+        EXPECT_EQ(platform.messageTexts(),
+                  c.loads
+                      ? std::vector<std::string>{}
+                      : std::vector<std::string>{"Unexpected EOF during load of Delta Graphics"});
+        EXPECT_EQ(platform.progressCloseCount, platform.progressOpenCount);
+    }
+    // Past the end there are only zeros: no run is stored for them.
     EXPECT_EQ(delta(1).runLine.size(), 1u);
     EXPECT_EQ(delta(2).runLine[0].offset, 300);
-}
-
-TEST_F(DeltaFixture, DeltaReadingIntoTheSpriteNumbersAndPastTheEndFails) {
-    auto spec = deltaSpec(true);
-    spec.sprites[2].deltas[0].sizeOverride = 100; // runs on through the 42-byte record
-    build(spec);
-    EXPECT_FALSE(load());
-    EXPECT_EQ(platform.messageTexts(),
-              std::vector<std::string>{"Unexpected EOF during load of Delta Graphics"});
-}
-
-TEST_F(DeltaFixture, StoreEndingExactlyAtTheEndOfTheFileFails) {
-    build(deltaSpec(true), [](std::vector<std::uint8_t>& bytes) {
-        tb::truncate(bytes, bytes.size() - 42);
-        tb::setHeaderField(bytes, tb::header24::sprite_numbers_size, 0);
-    });
-    EXPECT_FALSE(load());
-    EXPECT_EQ(platform.messageTexts(),
-              std::vector<std::string>{"Unexpected EOF during load of Delta Graphics"});
 }
 
 TEST_F(DeltaFixture, NegativePointerIsABadRecordNumberNotARead) {
@@ -296,20 +298,6 @@ TEST_F(DeltaFixture, RunWithOffsetZeroEndsTheDeltaOnSave) {
     EXPECT_EQ(tb::getI32(after, offsets.deltaEntries[1] + 2), offsets.deltaPtrs[1] - 4);
     EXPECT_EQ(tb::getI32(after, tb::header24::sprite_graphics_size),
               static_cast<std::int32_t>(offsets.spriteGraphics.size - 4));
-}
-
-TEST_F(DeltaFixture, OverlappingDeltasAreStoredOneAfterAnotherOnSave) {
-    auto spec = deltaSpec(true);
-    spec.sprites[2].deltas[0].ptrOverride = 65536;
-    spec.sprites[2].deltas[0].sizeOverride = 10;
-    build(spec);
-    ASSERT_TRUE(load());
-    EXPECT_EQ(save(), 0);
-    const auto after = readBytes(path);
-    const std::int32_t third = offsets.deltaPtrs[1] + offsets.deltaSizes[1];
-    EXPECT_EQ(tb::getI32(after, offsets.deltaEntries[2] + 2), third);
-    EXPECT_EQ(tb::getI16(after, offsets.deltaEntries[2]), 10);
-    EXPECT_EQ(tb::getI16(after, offsets.pages.offset + third), 517);
 }
 
 TEST_F(DeltaFixture, SaveRefusesAStartOutsideTheFileAndWritesNothing) {
