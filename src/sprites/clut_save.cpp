@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
 
 namespace torquil {
 
@@ -26,6 +27,15 @@ int saveCLUT(StyleSession& s, BinaryFile& file, Platform& platform) {
         ProgressScope progress(platform.progress(), "Saving CLUT",
                                "Saving 24bit Color Look Up Table", std::max(0, avail));
         const std::int64_t start = clutSectionStart(s.style);
+        const std::int64_t pages =
+            std::max<std::int64_t>(1, (avail + kClutsPerPage - 1) / kClutsPerPage);
+        // The section is rewritten in place: a header that puts it outside the file would
+        // make the file grow by the gap instead.
+        if (start < 1 || start - 1 + pages * kPageBytes > file.length()) {
+            errors.raise(err::BadRecordNumber, "CLUT section at " + std::to_string(start));
+            s.style.gClutChanged = false;
+            return errors.pending();
+        }
         std::int64_t base = 0;
         std::array<std::uint8_t, 256> row{};
         do {

@@ -4,13 +4,14 @@
 
 #include "sprites/sprite_tables.h"
 
-#include <algorithm>
+#include <cstring>
 
 namespace torquil {
 
 inline void resetSpriteTables(SpriteTables& t) {
     for (auto& list : t.pageSprites) list.assign(1, SpriteRec{});
-    t.mouseOver.assign(26 * 256 * 256, 0);
+    t.mouseOver.resize(26 * 256 * 256);
+    std::memset(t.mouseOver.data(), 0, t.mouseOver.size() * sizeof(t.mouseOver[0]));
     t.spriteCount = 0;
     t.highestRawClut = 0;
 }

@@ -339,3 +339,13 @@ TEST(ColourLookup, SpritesUseTheirPhysicalClutOr8BitPalette) {
     t.s().colours.red[7] = 0x11, t.s().colours.green[7] = 0x22, t.s().colours.blue[7] = 0x33;
     EXPECT_EQ(spriteColour(t.s(), rec, 7), 0x112233u);
 }
+
+TEST(ClutSave, SectionOutsideTheFileIsRefusedWithoutGrowingIt) {
+    auto bytes = tb::buildStyle(tb::StyleSpec{});
+    tb::setHeaderField(bytes, tb::header24::side_size, 0x70000000);
+    SaveRun run(bytes);
+    const auto after = run.save();
+    EXPECT_EQ(run.result, err::BadRecordNumber);
+    EXPECT_EQ(after, run.before);
+    EXPECT_FALSE(run.t.s().style.gClutChanged);
+}

@@ -1,0 +1,105 @@
+// Opening a full-size 24-bit level (26 pages, thousands of sprites, about 950 CLUTs) with every
+// loader of the program, next to a floor measured in the same run: reading the same file's bytes
+// and mapping 26 x 65,536 pixels through one colour table. docs/performance.md keeps the figures.
+
+#include "base/binary_file.h"
+#include "fake_platform.h"
+#include "sample_level.h"
+#include "session/load_sequence.h"
+#include "session/loaders.h"
+#include "session/style_session.h"
+#include "sprites/sprite_painter.h"
+#include "style/page_io.h"
+
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <filesystem>
+#include <memory>
+#include <unistd.h>
+
+namespace {
+
+using namespace torquil;
+
+// The full-size level, written once per run into a temporary folder.
+struct FullSizeLevel {
+    std::filesystem::path dir;
+    std::filesystem::path style;
+    FullSizeLevel() {
+        dir = std::filesystem::temp_directory_path() /
+              ("torquil-bench-" + std::to_string(static_cast<long>(::getpid())));
+        std::filesystem::create_directories(dir);
+        style = dir / "STYLE001.G24";
+        testing::writeFile(style, testing::buildStyle(testing::fullSizeSpec24()));
+    }
+    ~FullSizeLevel() {
+        std::error_code ec;
+        std::filesystem::remove_all(dir, ec);
+    }
+};
+
+const FullSizeLevel& level() {
+    static const FullSizeLevel instance;
+    return instance;
+}
+
+std::unique_ptr<StyleSession> loadLevel(testing::FakePlatform& platform) {
+    AppOptions options;
+    options.workDir = level().dir;
+    auto session = std::make_unique<StyleSession>(options);
+    prepareStyle(session->style, level().style, kLoadSprites);
+    if (initHeader(*session, platform, standardLoaders()) != LoadOutcome::Loaded) return nullptr;
+    return session;
+}
+
+// The whole open: new session, header, every loader, pages read and painted.
+void BM_FullLoad(benchmark::State& state) {
+    for (auto _ : state) {
+        testing::FakePlatform platform;
+        auto session = loadLevel(platform);
+        if (!session) {
+            state.SkipWithError("the full-size level did not load");
+            return;
+        }
+        benchmark::DoNotOptimize(session->image.rgb.data());
+    }
+    state.SetBytesProcessed(state.iterations() *
+                            static_cast<std::int64_t>(std::filesystem::file_size(level().style)));
+}
+BENCHMARK(BM_FullLoad)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+
+// The floor: the file's bytes into memory, and every page pixel through one colour table.
+void BM_Floor(benchmark::State& state) {
+    std::array<std::uint32_t, 256> table{};
+    for (std::uint32_t v = 0; v < 256; ++v) table[v] = v * 0x010101u;
+    std::vector<std::uint32_t> image(static_cast<std::size_t>(kMaxPages) * kPageBytes);
+    for (auto _ : state) {
+        std::vector<std::uint8_t> bytes;
+        readWholeFile(level().style, bytes);
+        const std::size_t pixels = std::min(bytes.size(), image.size());
+        for (std::size_t i = 0; i < pixels; ++i) image[i] = table[bytes[i]];
+        benchmark::DoNotOptimize(image.data());
+    }
+    state.SetBytesProcessed(state.iterations() *
+                            static_cast<std::int64_t>(std::filesystem::file_size(level().style)));
+}
+BENCHMARK(BM_Floor)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+
+// Painting alone: every loaded page repainted from the session's tables.
+void BM_RepaintPages(benchmark::State& state) {
+    testing::FakePlatform platform;
+    auto session = loadLevel(platform);
+    if (!session) {
+        state.SkipWithError("the full-size level did not load");
+        return;
+    }
+    for (auto _ : state) {
+        SpritePagePainter painter(*session);
+        repaintPages(*session, painter);
+        benchmark::DoNotOptimize(session->image.rgb.data());
+    }
+}
+BENCHMARK(BM_RepaintPages)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+
+} // namespace

@@ -1,0 +1,63 @@
+// Fuzzes the colour table readers and the CLUT writer: the palette index, the CLUT section, the
+// 8-bit palette and the save back, on a style file whose header and body are the input.
+
+#include "base/binary_file.h"
+#include "fake_platform.h"
+#include "fuzz_support.h"
+#include "session/load_sequence.h"
+#include "session/style_session.h"
+#include "sprites/clut.h"
+#include "style/style_header.h"
+
+#include <cstdint>
+
+namespace {
+// One session for all runs (its page buffers are large), emptied of the previous run's tables.
+torquil::StyleSession& reusedSession() {
+    using namespace torquil;
+    static StyleSession session([] {
+        AppOptions options;
+        options.workDir = fuzz::scratchDir();
+        return options;
+    }());
+    session.errors.clear();
+    session.style = StyleFileState{};
+    session.colours = ColourTables{};
+    session.deltas = DeltaTable{};
+    session.sprites.spriteNumbers = {};
+    session.pages.highestPage = 0;
+    session.pages.gNumBlockLoaded = -1;
+    session.selection.clear();
+    return session;
+}
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace torquil;
+    if (size < 2) return 0;
+    // The first byte picks the kind of file and whether the CLUTs are saved back.
+    const bool is24 = (data[0] & 1) == 0;
+    const bool save = (data[0] & 2) != 0;
+    auto path = fuzz::writeScratch(is24 ? "STYLE001.G24" : "STYLE001.GRY", data + 1, size - 1);
+
+    StyleSession& session = reusedSession();
+    torquil::testing::FakePlatform platform;
+    prepareStyle(session.style, path, kLoadSprites);
+    BinaryFile file(session.errors);
+    if (!file.open(path, save ? BinaryFile::Mode::ReadWrite : BinaryFile::Mode::Read)) return 0;
+    session.style.fileLength = file.length();
+    session.style.header = readStyleHeader(file, is24);
+    locateSpriteSections(session.style);
+
+    const bool loaded =
+        is24 ? loadCLUT(session, file, platform) : load8bitPal(session, file, platform);
+    if (loaded) {
+        SpriteRec sprite;
+        for (int clut = -1; clut <= session.colours.gClutsAvail + 1; clut += 17) {
+            sprite.clut = static_cast<std::int16_t>(clut);
+            (void)spriteColour(session, sprite, static_cast<std::uint8_t>(clut));
+        }
+    }
+    if (save) (void)saveCLUT(session, file, platform);
+    return 0;
+}

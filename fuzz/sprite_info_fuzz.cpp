@@ -1,0 +1,85 @@
+// Fuzzes the sprite info, sprite numbers and tile region readers and everything that reads their
+// tables afterwards (painter, hover lookup, search), on a style file that is the input.
+
+#include "base/binary_file.h"
+#include "fake_platform.h"
+#include "fuzz_support.h"
+#include "session/load_sequence.h"
+#include "session/style_session.h"
+#include "sprites/board_lookup.h"
+#include "sprites/clut.h"
+#include "sprites/sprite_info.h"
+#include "sprites/sprite_painter.h"
+#include "style/style_header.h"
+
+#include <array>
+#include <cstdint>
+
+namespace {
+// One session for all runs (its page buffers are large), emptied of the previous run's tables.
+torquil::StyleSession& reusedSession() {
+    using namespace torquil;
+    static StyleSession session([] {
+        AppOptions options;
+        options.workDir = fuzz::scratchDir();
+        return options;
+    }());
+    session.errors.clear();
+    session.style = StyleFileState{};
+    session.colours = ColourTables{};
+    session.deltas = DeltaTable{};
+    session.sprites.spriteNumbers = {};
+    session.pages.highestPage = 0;
+    session.pages.gNumBlockLoaded = -1;
+    session.selection.clear();
+    return session;
+}
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace torquil;
+    if (size < 2) return 0;
+    // The first byte picks the kind of file and the load option.
+    const bool is24 = (data[0] & 1) == 0;
+    const int option = (data[0] & 2) ? kLoadTiles : kLoadSprites;
+    auto path = fuzz::writeScratch(is24 ? "STYLE001.G24" : "STYLE001.GRY", data + 1, size - 1);
+
+    StyleSession& session = reusedSession();
+    torquil::testing::FakePlatform platform;
+    prepareStyle(session.style, path, option);
+    BinaryFile file(session.errors);
+    if (!file.open(path, BinaryFile::Mode::Read)) return 0;
+    session.style.fileLength = file.length();
+    session.style.header = readStyleHeader(file, is24);
+    if (option == kLoadTiles)
+        locateTileSections(session.style);
+    else
+        locateSpriteSections(session.style);
+
+    if (is24 && !loadCLUT(session, file, platform)) {
+        // Go on with an empty palette so that the sprite info is read all the same.
+        session.errors.clear();
+        session.colours.gClutsAvail = 64;
+        session.colours.pal24.assign(65 * 256, {0, 0, 0});
+        session.colours.used.assign(65, 0);
+    }
+    if (option == kLoadTiles) {
+        calcTileSpriteInfo(session, file, platform);
+    } else {
+        loadSpriteInfo(session, file, platform);
+        session.errors.clear();
+        loadSpriteNumbers(session, file, platform);
+    }
+    session.errors.clear();
+
+    SpritePagePainter painter(session);
+    std::array<std::uint32_t, 256> row{};
+    for (int page = 0; page <= std::min(session.pages.highestPage, 25); ++page)
+        for (int y = 0; y < 256; y += 15)
+            painter.paintRow(page, y, session.pages.row(page, y), row.data());
+    for (int page = -1; page <= 26; page += 3)
+        for (int xy = -1; xy <= 256; xy += 37) (void)describeAt(session, page, xy, 255 - xy);
+    for (int asn = 0; asn <= session.sprites.spriteCount + 1; asn += 7)
+        (void)findSprite(session.sprites, session.pages.highestPage, asn);
+    return 0;
+}
