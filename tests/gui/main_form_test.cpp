@@ -100,6 +100,7 @@ private slots:
     void importedSpriteIsSavedIntoTheStyleFile();
     void carEditorChangesEnableSaveAndReachTheFile();
     void saveQuestionGuardsOpenAndClose();
+    void transparencyCommandsShowTheMaskAndFix();
     void readMeHelpAboutAndDebugEntries();
     void windowRemembersZoomAndShrinksToOnePage();
 };
@@ -349,6 +350,15 @@ void MainFormTest::clickingTheBoardSelectsAndFindCarScrollsToTheSprite() {
                 ->text()
                 .contains(QStringLiteral("ASN:%1").arg(car->ASN)));
 
+    // The status bar tells what lies under the mouse.
+    QTest::mouseMove(h.form->board()->viewport(),
+                     h.form->board()->viewportPoint(0, car->xo + 1, car->yo + 1));
+    QVERIFY2(h.form->statusLabel()->text().startsWith(QStringLiteral("BLK:0  x:%1 y:%2    ASN:%3 ")
+                                                          .arg(car->xo + 1)
+                                                          .arg(car->yo + 1)
+                                                          .arg(car->ASN)),
+             qPrintable(h.form->statusLabel()->text()));
+
     // A sprite without a car record: sprite commands yes, car editor no.
     const SpriteRec* plain = h.spriteOn(2);
     QVERIFY(plain && !s.cars.find(plain->ASN));
@@ -468,6 +478,39 @@ void MainFormTest::saveQuestionGuardsOpenAndClose() {
     h.platform.answers = {Answer::No};
     QVERIFY(h.form->close());
     QVERIFY(!std::filesystem::exists(h.sample.work / "~TMP.TXT"));
+}
+
+void MainFormTest::transparencyCommandsShowTheMaskAndFix() {
+    Harness h;
+    h.openThroughDialog("STYLE001.G24");
+    const SpriteRec* car = h.spriteOn(0, true);
+    QVERIFY(car);
+    const SpriteRec r = *car;
+    h.click(0, r);
+    h.action("mnuTranspCheck")->trigger();
+    QWidget* mask = h.form->findChild<QWidget*>("DeltaPicFrm");
+    QVERIFY(mask && mask->isVisible());
+    QCOMPARE(mask->windowTitle(), QStringLiteral("Transparency test..."));
+
+    // Give the sprite's corners the background index 255: Fix moves it to 0 and lights Save.
+    StyleSession& s = h.form->session();
+    for (int y = 0; y < r.H; ++y)
+        for (int x = 0; x < r.W; ++x)
+            if (s.pages.pixel(0, r.xo + x, r.yo + y) == 0)
+                s.pages.pixel(0, r.xo + x, r.yo + y) = 255;
+    h.platform.answers = {Answer::Ok}; // overwrite the CLUT with the exchanged colours
+    h.action("mnuTranspCorrect")->trigger();
+    QCOMPARE(int(s.pages.pixel(0, r.xo + 2, r.yo + 2)), 0);
+    QVERIFY(h.enabled("mnuSaveBlock"));
+
+    h.platform.answers = {Answer::No}; // leave the 24-bit file's change unsaved
+    h.openThroughDialog("STYLE002.GRY");
+    QCOMPARE(h.platform.texts().back(), std::string("Save your changes?"));
+    QVERIFY(!h.form->session().style.gIs24Bit);
+    h.click(0, *h.spriteOn(0));
+    h.action("mnuTranspCorrect")->trigger();
+    QCOMPARE(h.platform.texts().back(),
+             std::string("Sorry , Transparency Correction not supported on 8bit style files."));
 }
 
 void MainFormTest::readMeHelpAboutAndDebugEntries() {
