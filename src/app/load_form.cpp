@@ -106,12 +106,17 @@ void LoadForm::buildWidgets() {
     auto* cancel = new QPushButton(tr("Cancel"), this);
     cancel->setObjectName(QStringLiteral("cmdCancel"));
 
+    auto buddyLabel = [this](const QString& text, QWidget* buddy) {
+        auto* label = new QLabel(text, this);
+        label->setBuddy(buddy);
+        return label;
+    };
     auto* grid = new QGridLayout;
-    grid->addWidget(new QLabel(tr("&Drive:"), this), 0, 0);
-    grid->addWidget(new QLabel(tr("F&iles (%1):").arg(pattern_), this), 0, 1);
+    grid->addWidget(buddyLabel(tr("&Drive:"), drives_), 0, 0);
+    grid->addWidget(buddyLabel(tr("F&iles (%1):").arg(pattern_), files_), 0, 1);
     grid->addWidget(drives_, 1, 0);
     grid->addWidget(files_, 1, 1, 4, 1);
-    grid->addWidget(new QLabel(tr("F&olders:"), this), 2, 0);
+    grid->addWidget(buddyLabel(tr("F&olders:"), folders_), 2, 0);
     grid->addWidget(path_, 3, 0);
     grid->addWidget(folders_, 4, 0);
     grid->setColumnStretch(0, 1);
@@ -176,7 +181,9 @@ bool LoadForm::setDirectory(const QString& dir) {
 void LoadForm::fillLists() {
     const QDir d(dir_);
     folders_->clear();
-    if (!d.isRoot()) folders_->addItem(kParent);
+    if (!d.isRoot())
+        new QListWidgetItem(style()->standardIcon(QStyle::SP_FileDialogToParent), kParent,
+                            folders_);
     const QStringList subdirs =
         d.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name | QDir::IgnoreCase);
     for (const QString& name : subdirs) {
