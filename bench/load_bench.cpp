@@ -8,8 +8,11 @@
 #include "session/load_sequence.h"
 #include "session/loaders.h"
 #include "session/style_session.h"
+#include "sprites/clut.h"
+#include "sprites/sprite_info.h"
 #include "sprites/sprite_painter.h"
 #include "style/page_io.h"
+#include "style/style_header.h"
 
 #include <benchmark/benchmark.h>
 
@@ -101,5 +104,62 @@ void BM_RepaintPages(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_RepaintPages)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+
+// The same load into a session kept from the previous load (its buffers already allocated):
+// what reusing the session's page buffers across loads would give.
+void BM_LoadIntoKeptSession(benchmark::State& state) {
+    AppOptions options;
+    options.workDir = level().dir;
+    StyleSession session(options);
+    for (auto _ : state) {
+        testing::FakePlatform platform;
+        session.errors.clear();
+        session.style = StyleFileState{};
+        prepareStyle(session.style, level().style, kLoadSprites);
+        if (initHeader(session, platform, standardLoaders()) != LoadOutcome::Loaded) {
+            state.SkipWithError("the full-size level did not load");
+            return;
+        }
+        benchmark::DoNotOptimize(session.image.rgb.data());
+    }
+}
+BENCHMARK(BM_LoadIntoKeptSession)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+
+// What every load pays before reading a byte: a new session with its page bytes, page image
+// and mouse-over map (about 12 MB, zeroed).
+void BM_NewSession(benchmark::State& state) {
+    for (auto _ : state) {
+        auto session = std::make_unique<StyleSession>(AppOptions{});
+        benchmark::DoNotOptimize(session->image.rgb.data());
+    }
+}
+BENCHMARK(BM_NewSession)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+
+// The colour and sprite tables alone (CLUTs, palette index, sprite info, sprite numbers) on a
+// session that already exists.
+void BM_ColourAndSpriteTables(benchmark::State& state) {
+    AppOptions options;
+    options.workDir = level().dir;
+    StyleSession session(options);
+    prepareStyle(session.style, level().style, kLoadSprites);
+    BinaryFile file(session.errors);
+    file.open(level().style, BinaryFile::Mode::Read);
+    session.style.fileLength = file.length();
+    session.style.header = readStyleHeader(file, true);
+    locateSpriteSections(session.style);
+    testing::FakePlatform platform;
+    for (auto _ : state) {
+        const bool ok = loadCLUT(session, file, platform) &&
+                        loadSpriteInfo(session, file, platform) &&
+                        loadSpriteNumbers(session, file, platform);
+        if (!ok) {
+            state.SkipWithError("the tables did not load");
+            return;
+        }
+        platform.detailLines.clear();
+        platform.progressValues.clear();
+    }
+}
+BENCHMARK(BM_ColourAndSpriteTables)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
 } // namespace

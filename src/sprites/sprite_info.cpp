@@ -25,26 +25,24 @@ namespace {
 
 constexpr int kMaxCounter = std::numeric_limits<std::int16_t>::max();
 
-// Writes the SIB over the sprite's rectangle, column by column (x outer). A rectangle reaching
-// past x or y 255 stops with "Subscript out of range" at its first cell outside the page, the
-// cells before it written.
+// Writes the SIB over the sprite's rectangle as the format tools did, column by column (x
+// outer): a rectangle reaching past x or y 255 stops with "Subscript out of range" at its first
+// cell outside the page, the cells before it written. Past y 255 that is within the first
+// column already.
 void markMouseOver(SpriteTables& t, int page, int xo, int yo, int w, int h, std::int16_t sib,
                    ErrorState& errors) {
     if (w == 0 || h == 0) return;
-    const int yLast = yo + h - 1;
+    const int xLast = xo + w - 1, yLast = yo + h - 1;
+    const int xStop = yLast >= kPageSize ? xo : std::min(xLast, kPageSize - 1);
     const int yStop = std::min(yLast, kPageSize - 1);
-    for (int x = xo; x <= xo + w - 1; ++x) {
-        if (x >= kPageSize) {
-            errors.raise(err::SubscriptOutOfRange, "mouseOver x " + std::to_string(x));
-            return;
-        }
-        std::int16_t* column = &t.over(page, x, 0);
-        std::fill(column + yo, column + yStop + 1, sib);
-        if (yLast >= kPageSize) {
-            errors.raise(err::SubscriptOutOfRange, "mouseOver y " + std::to_string(yLast));
-            return;
-        }
+    for (int y = yo; y <= yStop; ++y) {
+        std::int16_t* row = &t.over(page, 0, y);
+        std::fill(row + xo, row + xStop + 1, sib);
     }
+    if (yLast >= kPageSize)
+        errors.raise(err::SubscriptOutOfRange, "mouseOver y " + std::to_string(yLast));
+    else if (xLast >= kPageSize)
+        errors.raise(err::SubscriptOutOfRange, "mouseOver x " + std::to_string(xLast));
 }
 
 struct Reader {

@@ -53,13 +53,13 @@ void SpritePagePainter::paintRow(int page, int y, const std::uint8_t* bytes,
     const auto& tables = bySib_[static_cast<std::size_t>(page)];
     const std::uint32_t* background = colours_[0].data();
     const std::size_t count = tables.size();
-    // mouseOver is stored x-major: the owners of one row lie 256 cells apart.
+    // mouseOver keeps each page row by row: the row's owners are contiguous.
     const std::int16_t* owner =
-        sprites_.mouseOver.data() + static_cast<std::size_t>(page) * kPageBytes + y;
-    for (int x = 0; x < kPageSize; ++x, owner += kPageSize) {
-        const auto sib = static_cast<std::size_t>(static_cast<std::uint16_t>(*owner));
-        const std::uint32_t* colours = sib < count ? tables[sib] : background;
-        out[x] = colours[bytes[x]];
+        sprites_.mouseOver.data() + (static_cast<std::size_t>(page) * kPageSize + y) * kPageSize;
+    // One owner lookup and one colour lookup per pixel; SIB 0 leads to the background table.
+    for (int x = 0; x < kPageSize; ++x) {
+        const auto sib = static_cast<std::size_t>(static_cast<std::uint16_t>(owner[x]));
+        out[x] = (sib < count ? tables[sib] : background)[bytes[x]];
     }
 }
 

@@ -30,7 +30,8 @@ extern const std::array<const char*, kSpriteTypes> kSpriteTypeNames; // "SPR_ARR
 struct SpriteTables {
     // pageSprites[page][SIB], SIB 1..count; element 0 exists and holds nothing.
     std::array<std::vector<SpriteRec>, 26> pageSprites;
-    // mouseOver(page, x, y): SIB of the sprite covering the pixel, 0 where none does.
+    // mouseOver(page, x, y): SIB of the sprite covering the pixel, 0 where none does. Kept row
+    // by row (page, y, x) so that a page row is contiguous for painting; use over().
     std::vector<std::int16_t> mouseOver = std::vector<std::int16_t>(26 * 256 * 256, 0);
     std::int16_t spriteCount = 0;
     std::int32_t highestRawClut = 0;
@@ -40,10 +41,10 @@ struct SpriteTables {
         return static_cast<int>(pageSprites[static_cast<std::size_t>(page)].size()) - 1;
     }
     std::int16_t& over(int page, int x, int y) {
-        return mouseOver[(static_cast<std::size_t>(page) * 256 + x) * 256 + y];
+        return mouseOver[(static_cast<std::size_t>(page) * 256 + y) * 256 + x];
     }
     std::int16_t over(int page, int x, int y) const {
-        return mouseOver[(static_cast<std::size_t>(page) * 256 + x) * 256 + y];
+        return mouseOver[(static_cast<std::size_t>(page) * 256 + y) * 256 + x];
     }
     // Sum of the counts of sprite types 0 .. k-1.
     int countBefore(int k) const;

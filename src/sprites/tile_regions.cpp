@@ -78,9 +78,9 @@ bool calcTileSpriteInfo(StyleSession& s, BinaryFile&, Platform& platform) {
                     ++checkedAt(s.colours.used, rec.clut, errors, "CLUT use count");
                     if (errors.hasPending()) return false;
                 }
-                for (int cx = x; cx < x + kTileSize; ++cx) {
-                    std::int16_t* column = &t.over(static_cast<int>(page), cx, 0);
-                    std::fill(column + y, column + y + kTileSize, static_cast<std::int16_t>(i));
+                for (int cy = y; cy < y + kTileSize; ++cy) {
+                    std::int16_t* row = &t.over(static_cast<int>(page), 0, cy);
+                    std::fill(row + x, row + x + kTileSize, static_cast<std::int16_t>(i));
                 }
             }
         }
