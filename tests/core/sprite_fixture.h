@@ -11,6 +11,8 @@
 #include "style_builder.h"
 #include "test_dir.h"
 
+#include <algorithm>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -65,6 +67,20 @@ struct OpenStyle {
         return session->sprites.pageSprites.at(page).at(sib);
     }
 };
+
+inline std::vector<std::string> readLines(const std::filesystem::path& path) {
+    std::vector<std::string> lines;
+    std::ifstream in(path);
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
+}
+
+// The details lines from the first one that starts with `first` on.
+inline std::vector<std::string> detailsFrom(const FakePlatform& p, const std::string& first) {
+    auto it = std::find_if(p.detailLines.begin(), p.detailLines.end(),
+                           [&](const std::string& l) { return l.starts_with(first); });
+    return {it, p.detailLines.end()};
+}
 
 // One CLUT whose colour c is (r0 + c, g0 + c, b0 + c), wrapping at 256.
 inline Clut rampClut(uint8_t r0, uint8_t g0, uint8_t b0) {
