@@ -19,12 +19,12 @@ tb::SpriteSpec filled(int page, int x, int y, int w, int h, int clut, uint8_t va
 
 // Two overlapping sprites on page 0 (CLUTs 1 and 2) and one on page 1 (CLUT 0).
 std::vector<uint8_t> painted(bool is24) {
-    tb::StyleSpec spec;
-    spec.is24 = is24;
-    spec.cluts = {tb::rampClut(0, 0, 0), tb::rampClut(100, 0, 0), tb::rampClut(0, 100, 0)};
-    spec.sprites = {filled(0, 10, 10, 8, 8, 1, 5), filled(0, 14, 14, 8, 8, 2, 7),
+    tb::StyleSpec layout;
+    layout.is24 = is24;
+    layout.cluts = {tb::rampClut(0, 0, 0), tb::rampClut(100, 0, 0), tb::rampClut(0, 100, 0)};
+    layout.sprites = {filled(0, 10, 10, 8, 8, 1, 5), filled(0, 14, 14, 8, 8, 2, 7),
                     filled(1, 0, 0, 4, 4, 0, 9)};
-    return tb::buildStyle(spec);
+    return tb::buildStyle(layout);
 }
 
 std::uint32_t pixel(const StyleSession& s, int page, int x, int y) {

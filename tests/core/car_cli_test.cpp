@@ -40,19 +40,19 @@ bool contains(const std::string& text, const std::string& part) {
 // The sample level in a temporary folder, with what the builder knows about its cars.
 struct Sample {
     tb::TempDir dir, work;
-    tb::StyleSpec spec = tb::sampleSpec24();
-    tb::SectionOffsets offsets = tb::sectionOffsets(spec);
+    tb::StyleSpec layout = tb::sampleSpec24();
+    tb::SectionOffsets offsets = tb::sectionOffsets(layout);
     std::string style = (dir / "STYLE001.G24").string();
 
     Sample() { tb::writeSampleLevel(dir.path()); }
     int asnOf(std::size_t car) const {
-        return tb::absoluteSpriteNumber(spec.spriteNumbers, spec.cars[car].vtype,
-                                        spec.cars[car].spr_num);
+        return tb::absoluteSpriteNumber(layout.spriteNumbers, layout.cars[car].vtype,
+                                        layout.cars[car].spr_num);
     }
     // The first car record with doors, of vtype 4, whose number no later record takes.
     std::size_t carWithDoors() const {
-        for (std::size_t i = 0; i < spec.cars.size(); ++i)
-            if (!spec.cars[i].doors.empty() && spec.cars[i].vtype == 4) return i;
+        for (std::size_t i = 0; i < layout.cars.size(); ++i)
+            if (!layout.cars[i].doors.empty() && layout.cars[i].vtype == 4) return i;
         return 0;
     }
     CliResult run(std::vector<std::string> args) const {
@@ -71,8 +71,8 @@ TEST(CarCli, CarPrintsTheRecordDumpOfOneCar) {
     const auto out = lines(r.out);
     ASSERT_EQ(out.size(), 78u);
     EXPECT_EQ(out[0], "car_info fileSeek:" + std::to_string(s.offsets.carRecords[k] + 1));
-    EXPECT_EQ(out[2], " width:" + std::to_string(s.spec.cars[k].width));
-    EXPECT_EQ(out[77], " doors:" + std::to_string(s.spec.cars[k].doors.size()));
+    EXPECT_EQ(out[2], " width:" + std::to_string(s.layout.cars[k].width));
+    EXPECT_EQ(out[77], " doors:" + std::to_string(s.layout.cars[k].doors.size()));
 
     auto none = s.run({"car", s.style, "1"});
     EXPECT_EQ(none.status, 1);
@@ -87,16 +87,16 @@ TEST(CarCli, CarsListsEveryCarInEachFormat) {
     const auto list = nlohmann::json::parse(json.out);
     ASSERT_EQ(list.size(), 38u);
     const std::size_t k = s.carWithDoors();
-    const tb::CarSpec& spec = s.spec.cars[k];
+    const tb::CarSpec& layout = s.layout.cars[k];
     const auto car = std::find_if(list.begin(), list.end(),
                                   [&](const auto& c) { return c["asn"] == s.asnOf(k); });
     ASSERT_NE(car, list.end());
-    EXPECT_EQ((*car)["width"], spec.width);
-    EXPECT_EQ((*car)["moment"], spec.moment); // raw
-    EXPECT_EQ((*car)["rbp_mass"].get<double>(), *parseNumber(float32in(spec.rbp_mass)));
-    EXPECT_EQ((*car)["value"], spec.value);
-    ASSERT_EQ((*car)["door_records"].size(), spec.doors.size());
-    EXPECT_EQ((*car)["door_records"][0]["delta"], spec.doors[0].delta);
+    EXPECT_EQ((*car)["width"], layout.width);
+    EXPECT_EQ((*car)["moment"], layout.moment); // raw
+    EXPECT_EQ((*car)["rbp_mass"].get<double>(), *parseNumber(float32in(layout.rbp_mass)));
+    EXPECT_EQ((*car)["value"], layout.value);
+    ASSERT_EQ((*car)["door_records"].size(), layout.doors.size());
+    EXPECT_EQ((*car)["door_records"][0]["delta"], layout.doors[0].delta);
 
     auto csv = s.run({"cars", s.style, "--format", "csv"});
     ASSERT_EQ(csv.status, 0);
@@ -111,7 +111,7 @@ TEST(CarCli, CarsListsEveryCarInEachFormat) {
     const auto textLines = lines(text.out);
     EXPECT_EQ(std::count(textLines.begin(), textLines.end(), ""), 37);
     EXPECT_TRUE(contains(text.out, "asn=" + std::to_string(s.asnOf(k)) + "\n"));
-    EXPECT_TRUE(contains(text.out, "rbp_mass=" + float32in(spec.rbp_mass) + "\n"));
+    EXPECT_TRUE(contains(text.out, "rbp_mass=" + float32in(layout.rbp_mass) + "\n"));
     EXPECT_EQ(s.run({"cars", s.style, "--format", "xml"}).status, 2);
 }
 
@@ -123,10 +123,10 @@ TEST(CarCli, CarSetClampsWithTheEditorsWordsAndWritesOnlyThatRecord) {
                     "door[0].object=7"});
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_TRUE(contains(r.err, "width=300: txtbox valve set to H val (255)"));
-    EXPECT_TRUE(contains(r.out, "width: " + std::to_string(s.spec.cars[k].width) + " -> 255\n"));
-    EXPECT_TRUE(contains(r.out, "rbp_mass: " + float32in(s.spec.cars[k].rbp_mass) + " -> 2.500\n"));
+    EXPECT_TRUE(contains(r.out, "width: " + std::to_string(s.layout.cars[k].width) + " -> 255\n"));
+    EXPECT_TRUE(contains(r.out, "rbp_mass: " + float32in(s.layout.cars[k].rbp_mass) + " -> 2.500\n"));
 
-    tb::CarSpec edited = s.spec.cars[k];
+    tb::CarSpec edited = s.layout.cars[k];
     edited.width = 255;
     edited.rbp_mass = 163840;
     edited.doors[0].object = 7;
@@ -173,7 +173,7 @@ TEST(CarCli, CarSetRefusesBadFieldsAndValuesWithoutWriting) {
 TEST(CarCli, CarSetRenamesThroughEnglishFxt) {
     Sample s;
     const std::size_t k = s.carWithDoors();
-    const int model = s.spec.cars[k].model;
+    const int model = s.layout.cars[k].model;
     const auto style = tb::readFile(s.style);
     auto r = s.run({"car-set", s.style, std::to_string(s.asnOf(k)), "name=Zoomer"});
     ASSERT_EQ(r.status, 0) << r.err;

@@ -79,7 +79,7 @@ const std::vector<std::string> kEofMessage = {"Unexpected EOF during loadCarInfo
 TEST(CarInfoLoad, EveryVehicleTypeGetsItsAbsoluteNumberThroughTheWholeLoad) {
     // Sprite counts: arrow 2, digits 3, boat 1, box 1, bus 2, car 4, object 2, ped 1, speedo 1,
     // tank 2, traffic lights 1, train 2, train doors 1, bike 2, tram 1.
-    tb::StyleSpec spec;
+    tb::StyleSpec layout;
     const int counts[] = {2, 3, 1, 1, 2, 4, 2, 1, 1, 2, 1, 2, 1, 2, 1};
     for (int type = 0, x = 0; type < 15; ++type)
         for (int i = 0; i < counts[type]; ++i, x += 4) {
@@ -87,13 +87,13 @@ TEST(CarInfoLoad, EveryVehicleTypeGetsItsAbsoluteNumberThroughTheWholeLoad) {
             sprite.type = static_cast<tb::SpriteType>(type);
             sprite.x = x;
             sprite.w = sprite.h = 2;
-            spec.sprites.push_back(sprite);
+            layout.sprites.push_back(sprite);
         }
-    tb::sortAndCountSprites(spec);
-    spec.cars = {car(0, 1, 9),  car(4, 0, 1),  car(1, 2, 4),   car(2, 3, 5),   car(3, 1, 3),
+    tb::sortAndCountSprites(layout);
+    layout.cars = {car(0, 1, 9),  car(4, 0, 1),  car(1, 2, 4),   car(2, 3, 5),   car(3, 1, 3),
                  car(8, 0, 11), car(9, 0, 12), car(13, 0, 13), car(14, 1, 37), car(7, 5, 2)};
     tb::TempDir dir;
-    tb::writeFile(dir / "STYLE001.G24", tb::buildStyle(spec));
+    tb::writeFile(dir / "STYLE001.G24", tb::buildStyle(layout));
     tb::writeFile(dir / "ENGLISH.FXT", tb::encodeFxt({"[1001]Hello there", "[car1]Bug", "[]"}));
 
     StyleSession s(AppOptions{false, dir.path(), {}});
@@ -101,7 +101,7 @@ TEST(CarInfoLoad, EveryVehicleTypeGetsItsAbsoluteNumberThroughTheWholeLoad) {
     prepareStyle(s.style, dir / "STYLE001.G24", kLoadSprites);
     ASSERT_EQ(initHeader(s, p, standardLoaders()), LoadOutcome::Loaded) << s.stepText;
 
-    const auto offsets = tb::sectionOffsets(spec);
+    const auto offsets = tb::sectionOffsets(layout);
     const std::vector<std::string> expected = {"loadCarInfoSeek:" +
                                                    std::to_string(offsets.carInfo.offset + 1),
                                                "ABSN(9) RSN:1  vtype:0 model:9",

@@ -34,8 +34,8 @@ std::vector<std::string> lines(const std::string& text) {
 
 TEST(CliOpen, PrintsDetailsOnStdoutAndTheCaptionOnStderr) {
     tb::TempDir dir;
-    tb::StyleSpec spec;
-    tb::writeFile(dir / "STYLE001.G24", tb::buildStyle(spec));
+    tb::StyleSpec layout;
+    tb::writeFile(dir / "STYLE001.G24", tb::buildStyle(layout));
     auto r = runCli({"open", "--workdir", dir.path().string(), (dir / "STYLE001.G24").string()});
     EXPECT_EQ(r.status, 0) << r.err;
     auto out = lines(r.out);

@@ -37,18 +37,18 @@ std::vector<std::string> block(const std::string& text, const std::string& first
 }
 
 tb::StyleSpec threeSprites(bool is24) {
-    tb::StyleSpec spec;
-    spec.is24 = is24;
-    spec.cluts = {tb::rampClut(0, 0, 0), tb::rampClut(1, 1, 1), tb::rampClut(2, 2, 2)};
+    tb::StyleSpec layout;
+    layout.is24 = is24;
+    layout.cluts = {tb::rampClut(0, 0, 0), tb::rampClut(1, 1, 1), tb::rampClut(2, 2, 2)};
     tb::DeltaSpec d;
     d.runs = {{1, {3, 3}}};
     auto a = tb::spriteAt(0, 10, 20, 4, 3, 2);
     a.deltas = {d, d};
     auto b = tb::spriteAt(1, 30, 40, 2, 2, 1);
     b.deltas = {d};
-    spec.sprites = {a, tb::spriteAt(0, 0, 0, 1, 1), b};
-    spec.spriteNumbers[tb::SPR_CAR] = 3;
-    return spec;
+    layout.sprites = {a, tb::spriteAt(0, 0, 0, 1, 1), b};
+    layout.spriteNumbers[tb::SPR_CAR] = 3;
+    return layout;
 }
 
 } // namespace
@@ -56,10 +56,10 @@ tb::StyleSpec threeSprites(bool is24) {
 TEST(CliOpenSprites, DetailsOfColourTablesSpriteInfoAndSpriteNumbers) {
     tb::TempDir dir;
     for (bool is24 : {true, false}) {
-        const auto spec = threeSprites(is24);
-        const auto o = tb::sectionOffsets(spec);
+        const auto layout = threeSprites(is24);
+        const auto o = tb::sectionOffsets(layout);
         const auto path = dir / (is24 ? "STYLE001.G24" : "STYLE002.GRY");
-        tb::writeFile(path, tb::buildStyle(spec));
+        tb::writeFile(path, tb::buildStyle(layout));
         auto r = runCli({"open", "--workdir", dir.path().string(), path.string()});
         ASSERT_EQ(r.status, 0) << r.err;
         const std::string seek = "loadSpriteInfoSeek:" + std::to_string(o.spriteInfo.offset + 1);

@@ -12,11 +12,11 @@ namespace {
 using Entry = std::array<std::uint8_t, 3>;
 
 tb::StyleSpec specWithCluts(int count) {
-    tb::StyleSpec spec;
+    tb::StyleSpec layout;
     for (int k = 0; k < count; ++k)
-        spec.cluts.push_back(tb::rampClut(static_cast<uint8_t>(k), static_cast<uint8_t>(k + 10),
+        layout.cluts.push_back(tb::rampClut(static_cast<uint8_t>(k), static_cast<uint8_t>(k + 10),
                                           static_cast<uint8_t>(k + 20)));
-    return spec;
+    return layout;
 }
 
 // Loads the CLUTs of bytes, then saves them back through a read-write handle.
@@ -46,12 +46,12 @@ struct SaveRun {
 } // namespace
 
 TEST(ClutLoad, StoresColoursInReverseFileOrderAndReadsThePaletteIndex) {
-    tb::StyleSpec spec;
-    spec.cluts = {tb::rampClut(10, 20, 30), tb::rampClut(100, 110, 120)};
-    for (int i = 0; i < 40; ++i) spec.paletteIndex.push_back(static_cast<int16_t>(i % 3 - 1));
-    auto bytes = tb::buildStyle(spec);
+    tb::StyleSpec layout;
+    layout.cluts = {tb::rampClut(10, 20, 30), tb::rampClut(100, 110, 120)};
+    for (int i = 0; i < 40; ++i) layout.paletteIndex.push_back(static_cast<int16_t>(i % 3 - 1));
+    auto bytes = tb::buildStyle(layout);
     // Colour 5 of CLUT 0 as the file holds it: 0x10 0x20 0x30 0x00.
-    const std::size_t at = tb::sectionOffsets(spec).clut.offset + 5 * 256;
+    const std::size_t at = tb::sectionOffsets(layout).clut.offset + 5 * 256;
     bytes[at] = 0x10, bytes[at + 1] = 0x20, bytes[at + 2] = 0x30;
 
     tb::OpenStyle t;
@@ -98,8 +98,8 @@ TEST(ClutLoad, SectionStartsAfterTilesRoundedTo16384AndTheAnimData) {
 }
 
 TEST(ClutLoad, PaletteIndexReadsAtLeastOneAndAtMost3001Entries) {
-    tb::StyleSpec spec;
-    auto bytes = tb::buildStyle(spec);
+    tb::StyleSpec layout;
+    auto bytes = tb::buildStyle(layout);
     tb::setHeaderField(bytes, tb::header24::palette_index_size, 0);
     tb::OpenStyle empty;
     empty.open("STYLE001.G24", bytes);
@@ -107,20 +107,20 @@ TEST(ClutLoad, PaletteIndexReadsAtLeastOneAndAtMost3001Entries) {
     // The empty index now starts where object info starts: its first two bytes are entry 0.
     EXPECT_EQ(empty.s().colours.palIndexCount, 1);
     EXPECT_EQ(empty.s().colours.PalIndex[0],
-              tb::getI16(bytes, tb::sectionOffsets(spec).objectInfo.offset));
+              tb::getI16(bytes, tb::sectionOffsets(layout).objectInfo.offset));
 
-    spec.paletteIndex.assign(3001, 0);
+    layout.paletteIndex.assign(3001, 0);
     tb::OpenStyle full;
-    full.open("STYLE001.G24", spec);
+    full.open("STYLE001.G24", layout);
     EXPECT_TRUE(loadCLUT(full.s(), *full.file, full.platform));
 
-    spec.paletteIndex.assign(3002, 0);
+    layout.paletteIndex.assign(3002, 0);
     tb::OpenStyle over;
-    over.open("STYLE001.G24", spec);
+    over.open("STYLE001.G24", layout);
     EXPECT_FALSE(loadCLUT(over.s(), *over.file, over.platform));
     EXPECT_EQ(over.s().errors.pending(), err::SubscriptOutOfRange);
     tb::OpenStyle debug;
-    debug.open("STYLE001.G24", tb::buildStyle(spec), kLoadSprites, /*debug=*/true);
+    debug.open("STYLE001.G24", tb::buildStyle(layout), kLoadSprites, /*debug=*/true);
     EXPECT_THROW(loadCLUT(debug.s(), *debug.file, debug.platform), RuntimeError);
 }
 
@@ -150,12 +150,12 @@ TEST(ClutLoad, HeadersThatDoNotFitTheFileFailCleanly) {
 }
 
 TEST(ClutLoad, DumpFilesListTheIndexAndColoursInFileOrder) {
-    tb::StyleSpec spec;
-    spec.cluts = {tb::rampClut(10, 20, 30)};
-    spec.paletteIndex = {0, 7, -2};
-    const auto o = tb::sectionOffsets(spec);
+    tb::StyleSpec layout;
+    layout.cluts = {tb::rampClut(10, 20, 30)};
+    layout.paletteIndex = {0, 7, -2};
+    const auto o = tb::sectionOffsets(layout);
     tb::OpenStyle t;
-    t.open("STYLE003.G24", tb::buildStyle(spec), kLoadSprites, false,
+    t.open("STYLE003.G24", tb::buildStyle(layout), kLoadSprites, false,
            DumpFlags{false, false, true});
     ASSERT_TRUE(loadCLUT(t.s(), *t.file, t.platform));
     EXPECT_EQ(tb::readLines(t.dir / "3PALINDEX.txt"),
@@ -172,14 +172,14 @@ TEST(ClutLoad, DumpFilesListTheIndexAndColoursInFileOrder) {
 }
 
 TEST(Palette8, BytesAreTimesFourKeptInEightBits) {
-    tb::StyleSpec spec;
-    spec.is24 = false;
+    tb::StyleSpec layout;
+    layout.is24 = false;
     std::array<tb::Rgb, 256> palette{};
     palette[0] = {63, 64, 1};
     palette[255] = {200, 16, 30};
-    spec.palette8 = palette;
+    layout.palette8 = palette;
     tb::OpenStyle t;
-    t.open("STYLE002.GRY", spec);
+    t.open("STYLE002.GRY", layout);
     ASSERT_TRUE(load8bitPal(t.s(), *t.file, t.platform));
     const ColourTables& c = t.s().colours;
     EXPECT_EQ((std::array<int, 6>{c.red[0], c.green[0], c.blue[0], c.red[255], c.green[255],
@@ -188,9 +188,9 @@ TEST(Palette8, BytesAreTimesFourKeptInEightBits) {
     EXPECT_EQ(
         t.platform.detailLines,
         std::vector<std::string>{"load8bitPal Seek:" +
-                                 std::to_string(tb::sectionOffsets(spec).palette.offset + 1)});
+                                 std::to_string(tb::sectionOffsets(layout).palette.offset + 1)});
 
-    auto bytes = tb::buildStyle(spec);
+    auto bytes = tb::buildStyle(layout);
     tb::setHeaderField(bytes, tb::headerGry::palette_size, 0x10000000);
     tb::OpenStyle bad;
     bad.open("STYLE002.GRY", bytes);
@@ -198,9 +198,9 @@ TEST(Palette8, BytesAreTimesFourKeptInEightBits) {
 }
 
 TEST(ClutSave, UnchangedColoursWriteTheSameBytesExceptTheFourthByteBecomesZero) {
-    tb::StyleSpec spec = specWithCluts(3);
-    auto bytes = tb::buildStyle(spec);
-    const auto o = tb::sectionOffsets(spec);
+    tb::StyleSpec layout = specWithCluts(3);
+    auto bytes = tb::buildStyle(layout);
+    const auto o = tb::sectionOffsets(layout);
     bytes[o.clut.offset + 3] = 0xAA;             // CLUT 0, colour 0
     bytes[o.clut.offset + 255 * 256 + 7] = 0x55; // CLUT 1, colour 255
     SaveRun run(bytes);
@@ -212,15 +212,15 @@ TEST(ClutSave, UnchangedColoursWriteTheSameBytesExceptTheFourthByteBecomesZero) 
 
 TEST(ClutSave, WritesOnePagePer64CLUTsAndNothingBeyond) {
     for (int cluts : {64, 65}) { // 64 or 128 CLUTs in the table: one page or two
-        tb::StyleSpec spec = specWithCluts(cluts);
-        SaveRun run(tb::buildStyle(spec));
+        tb::StyleSpec layout = specWithCluts(cluts);
+        SaveRun run(tb::buildStyle(layout));
         const int avail = run.t.s().colours.gClutsAvail;
         auto& pal24 = run.t.s().colours.pal24;
         pal24[static_cast<std::size_t>(avail - 1) * 256 + 255] = {1, 2, 3};
         pal24[static_cast<std::size_t>(avail) * 256] = {4, 5, 6}; // the spare CLUT is not saved
         auto expected = run.before;
         const std::size_t at =
-            tb::sectionOffsets(spec).clut.offset + (avail / 64 - 1) * 65536 + 255 * 256 + 63 * 4;
+            tb::sectionOffsets(layout).clut.offset + (avail / 64 - 1) * 65536 + 255 * 256 + 63 * 4;
         expected[at] = 3, expected[at + 1] = 2, expected[at + 2] = 1;
         EXPECT_EQ(run.save(), expected) << cluts;
     }
@@ -249,10 +249,10 @@ TEST(ClutSave, RefusalsAndFailuresWriteNothingAndStillClearTheFlag) {
 }
 
 TEST(ColourLookup, SpritesUseTheirPhysicalClutOrThe8BitPalette) {
-    tb::StyleSpec spec;
-    spec.cluts = {tb::rampClut(0, 0, 0), tb::rampClut(100, 110, 120)};
+    tb::StyleSpec layout;
+    layout.cluts = {tb::rampClut(0, 0, 0), tb::rampClut(100, 110, 120)};
     tb::OpenStyle t;
-    t.open("STYLE001.G24", spec);
+    t.open("STYLE001.G24", layout);
     ASSERT_TRUE(loadCLUT(t.s(), *t.file, t.platform));
     SpriteRec rec;
     rec.clut = 1;

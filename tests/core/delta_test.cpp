@@ -26,8 +26,8 @@ tb::DeltaSpec runs(std::vector<tb::DeltaRun> list) {
 
 // Three car sprites: the first with two deltas, the second with none, the third with one.
 tb::StyleSpec deltaSpec(bool is24) {
-    tb::StyleSpec spec;
-    spec.is24 = is24;
+    tb::StyleSpec layout;
+    layout.is24 = is24;
     tb::SpriteSpec a;
     a.w = a.h = 16;
     a.pixels.assign(256, 5);
@@ -38,9 +38,9 @@ tb::StyleSpec deltaSpec(bool is24) {
     tb::SpriteSpec c = a;
     c.x = 32;
     c.deltas = {runs({{300, {7, 7, 7, 7}}})};
-    spec.sprites = {a, b, c};
-    tb::sortAndCountSprites(spec);
-    return spec;
+    layout.sprites = {a, b, c};
+    tb::sortAndCountSprites(layout);
+    return layout;
 }
 
 std::vector<std::uint8_t> readBytes(const fs::path& path) {
@@ -64,11 +64,11 @@ struct DeltaFixture : ::testing::Test {
     fs::path path;
     DumpFlags dumps;
 
-    void build(const tb::StyleSpec& spec,
+    void build(const tb::StyleSpec& layout,
                const std::function<void(std::vector<std::uint8_t>&)>& edit = {}) {
-        path = dir / (spec.is24 ? "STYLE001.G24" : "STYLE001.GRY");
-        offsets = tb::sectionOffsets(spec);
-        auto bytes = tb::buildStyle(spec);
+        path = dir / (layout.is24 ? "STYLE001.G24" : "STYLE001.GRY");
+        offsets = tb::sectionOffsets(layout);
+        auto bytes = tb::buildStyle(layout);
         if (edit) edit(bytes);
         tb::writeFile(path, bytes);
     }
@@ -141,12 +141,12 @@ INSTANTIATE_TEST_SUITE_P(G24AndGry, DeltaBothKinds, ::testing::Values(true, fals
                          [](const auto& info) { return info.param ? "G24" : "GRY"; });
 
 TEST_F(DeltaFixture, OddSizesAndPointersReadWholeRecordsFromEachDeltasOwnPtr) {
-    auto spec = deltaSpec(true);
-    spec.sprites[0].deltas[0].sizeOverride = 4;    // covers part of the first six-byte record
-    spec.sprites[0].deltas[1] = tb::DeltaSpec{};   // size 0
-    spec.sprites[2].deltas[0].ptrOverride = 65536; // the third delta overlaps the first
-    spec.sprites[2].deltas[0].sizeOverride = 10;
-    build(spec);
+    auto layout = deltaSpec(true);
+    layout.sprites[0].deltas[0].sizeOverride = 4;    // covers part of the first six-byte record
+    layout.sprites[0].deltas[1] = tb::DeltaSpec{};   // size 0
+    layout.sprites[2].deltas[0].ptrOverride = 65536; // the third delta overlaps the first
+    layout.sprites[2].deltas[0].sizeOverride = 10;
+    build(layout);
     ASSERT_TRUE(load());
     ASSERT_EQ(delta(0).runLine.size(), 1u);
     EXPECT_EQ(delta(0).runLine[0].data, (std::vector<std::uint8_t>{1, 2, 3}));
@@ -179,14 +179,14 @@ TEST_F(DeltaFixture, EndOfFileAfterTheLastDeltaFailsTheLoad) {
     };
     const Case cases[] = {
         {"last delta past the end of the file",
-         [](auto& spec) {
-             spec.sprites[2].deltas[0].ptrOverride = 70'000'000;
-             spec.sprites[2].deltas[0].sizeOverride = 32767;
+         [](auto& layout) {
+             layout.sprites[2].deltas[0].ptrOverride = 70'000'000;
+             layout.sprites[2].deltas[0].sizeOverride = 32767;
          },
          {},
          false},
         {"last delta running through the sprite numbers",
-         [](auto& spec) { spec.sprites[2].deltas[0].sizeOverride = 100; },
+         [](auto& layout) { layout.sprites[2].deltas[0].sizeOverride = 100; },
          {},
          false},
         {"store ending exactly at the end of the file", [](auto&) {},
@@ -196,15 +196,15 @@ TEST_F(DeltaFixture, EndOfFileAfterTheLastDeltaFailsTheLoad) {
          },
          false},
         {"middle delta past the end, a later one inside the file",
-         [](auto& spec) { spec.sprites[0].deltas[1].ptrOverride = 70'000'000; },
+         [](auto& layout) { layout.sprites[0].deltas[1].ptrOverride = 70'000'000; },
          {},
          true},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        auto spec = deltaSpec(true);
-        c.editSpec(spec);
-        build(spec, c.editBytes);
+        auto layout = deltaSpec(true);
+        c.editSpec(layout);
+        build(layout, c.editBytes);
         platform = tb::FakePlatform{};
         EXPECT_EQ(load(), c.loads);
         EXPECT_EQ(platform.messageTexts(),
@@ -219,18 +219,18 @@ TEST_F(DeltaFixture, EndOfFileAfterTheLastDeltaFailsTheLoad) {
 }
 
 TEST_F(DeltaFixture, NegativePointerIsABadRecordNumberNotARead) {
-    auto spec = deltaSpec(true);
-    spec.sprites[0].deltas[1].ptrOverride = -10'000'000;
-    build(spec);
+    auto layout = deltaSpec(true);
+    layout.sprites[0].deltas[1].ptrOverride = -10'000'000;
+    build(layout);
     EXPECT_FALSE(load());
     EXPECT_EQ(session->errors.pending(), err::BadRecordNumber);
     EXPECT_EQ(delta(1).runLine.size(), 1u);
 }
 
 TEST_F(DeltaFixture, StyleWithoutDeltasLoadsAndSavesNothing) {
-    auto spec = deltaSpec(true);
-    for (auto& s : spec.sprites) s.deltas.clear();
-    build(spec);
+    auto layout = deltaSpec(true);
+    for (auto& s : layout.sprites) s.deltas.clear();
+    build(layout);
     const auto before = readBytes(path);
     ASSERT_TRUE(load());
     EXPECT_EQ(session->deltas.deltaStart, session->style.gSeekGraphicsEnd);
@@ -341,16 +341,16 @@ TEST_F(DeltaFixture, LoadDumpListsEveryDeltaAndRun) {
 }
 
 TEST_F(DeltaFixture, SaveDumpLogsOnlyDeltas220To255AndAbove380) {
-    tb::StyleSpec spec;
+    tb::StyleSpec layout;
     for (int s = 0; s < 2; ++s) {
         tb::SpriteSpec sprite;
         sprite.w = sprite.h = 4;
         sprite.x = 8 * s;
         for (int d = 0; d < 200; ++d) sprite.deltas.push_back(runs({{1, {1}}}));
-        spec.sprites.push_back(sprite);
+        layout.sprites.push_back(sprite);
     }
-    tb::sortAndCountSprites(spec);
-    build(spec);
+    tb::sortAndCountSprites(layout);
+    build(layout);
     ASSERT_TRUE(load());
     dumps.delta = true;
     session->options.dumps.delta = true;

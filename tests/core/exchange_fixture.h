@@ -60,9 +60,9 @@ struct StyleFixture : ::testing::Test {
     std::filesystem::path stylePath;
 
     // Writes the style and loads it with the sprites option; fails the test when it does not load.
-    void open(const StyleSpec& spec, const std::string& name = "STYLE001.G24", bool debug = false) {
+    void open(const StyleSpec& layout, const std::string& name = "STYLE001.G24", bool debug = false) {
         stylePath = dir / name;
-        writeFile(stylePath, buildStyle(spec));
+        writeFile(stylePath, buildStyle(layout));
         reopen(debug);
     }
     void reopen(bool debug = false) {

@@ -46,9 +46,9 @@ struct LoadFixture : ::testing::Test {
     RecordingLoaders recording;
     std::unique_ptr<StyleSession> session;
 
-    std::filesystem::path writeStyle(const std::string& name, const tb::StyleSpec& spec) {
+    std::filesystem::path writeStyle(const std::string& name, const tb::StyleSpec& layout) {
         auto path = dir / name;
-        tb::writeFile(path, tb::buildStyle(spec));
+        tb::writeFile(path, tb::buildStyle(layout));
         return path;
     }
     LoadOutcome load(const std::filesystem::path& path, int option = kLoadSprites,
@@ -63,15 +63,15 @@ struct LoadFixture : ::testing::Test {
 };
 
 tb::StyleSpec smallSpec(bool is24) {
-    tb::StyleSpec spec;
-    spec.is24 = is24;
+    tb::StyleSpec layout;
+    layout.is24 = is24;
     tb::SpriteSpec sprite;
     sprite.w = 8;
     sprite.h = 8;
     sprite.pixels.assign(64, 3);
-    spec.sprites.push_back(sprite);
-    tb::sortAndCountSprites(spec);
-    return spec;
+    layout.sprites.push_back(sprite);
+    tb::sortAndCountSprites(layout);
+    return layout;
 }
 
 } // namespace
@@ -87,9 +87,9 @@ TEST_F(LoadFixture, MissingFileSaysSoAndLoadsNothing) {
 }
 
 TEST_F(LoadFixture, G24HeaderLinesLoaderOrderAndCaption) {
-    auto spec = smallSpec(true);
-    auto path = writeStyle("STYLE001.G24", spec);
-    auto offsets = tb::sectionOffsets(spec);
+    auto layout = smallSpec(true);
+    auto path = writeStyle("STYLE001.G24", layout);
+    auto offsets = tb::sectionOffsets(layout);
     ASSERT_EQ(load(path), LoadOutcome::Loaded);
     EXPECT_EQ(recording.ran,
               (std::vector<std::string>{"names", "pal24", "sprites", "numbers", "cars", "deltas"}));

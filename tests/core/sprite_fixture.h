@@ -46,8 +46,8 @@ struct OpenStyle {
         else
             locateSpriteSections(session->style);
     }
-    void open(const std::string& name, const StyleSpec& spec, int option = kLoadSprites) {
-        open(name, buildStyle(spec), option);
+    void open(const std::string& name, const StyleSpec& layout, int option = kLoadSprites) {
+        open(name, buildStyle(layout), option);
     }
 
     // The whole load sequence with every loader of the program.

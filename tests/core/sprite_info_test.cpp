@@ -19,18 +19,18 @@ tb::DeltaSpec oneRunDelta(uint8_t value) {
 
 // Three sprites on two pages; the palette index sends sprite clut 0, 1, 2 to CLUTs 2, 0, 1.
 tb::StyleSpec threeSprites() {
-    tb::StyleSpec spec;
-    spec.cluts = {tb::rampClut(0, 0, 0), tb::rampClut(50, 50, 50), tb::rampClut(90, 90, 90)};
-    spec.paletteIndex.assign(32, 0); // 8 tiles, 4 entries each
-    for (int16_t v : {2, 0, 1}) spec.paletteIndex.push_back(v);
-    spec.paletteIndex.resize(60, 0);
+    tb::StyleSpec layout;
+    layout.cluts = {tb::rampClut(0, 0, 0), tb::rampClut(50, 50, 50), tb::rampClut(90, 90, 90)};
+    layout.paletteIndex.assign(32, 0); // 8 tiles, 4 entries each
+    for (int16_t v : {2, 0, 1}) layout.paletteIndex.push_back(v);
+    layout.paletteIndex.resize(60, 0);
     auto s1 = tb::spriteAt(0, 10, 20, 4, 3, 0);
     s1.deltas = {oneRunDelta(1), oneRunDelta(2)};
     auto s2 = tb::spriteAt(1, 0, 0, 2, 2, 2);
     auto s3 = tb::spriteAt(0, 100, 100, 1, 1, 1);
     s3.deltas = {oneRunDelta(3)};
-    spec.sprites = {s1, s2, s3};
-    return spec;
+    layout.sprites = {s1, s2, s3};
+    return layout;
 }
 
 // Opens the file and runs the palette loader its kind needs, then the sprite info loader.
@@ -44,10 +44,10 @@ bool openAndLoad(tb::OpenStyle& t, const std::vector<uint8_t>& bytes, bool is24 
 } // namespace
 
 TEST(SpriteInfo, G24RecordsFillPageListsClutsDeltaReferencesAndDetails) {
-    const auto spec = threeSprites();
-    const auto o = tb::sectionOffsets(spec);
+    const auto layout = threeSprites();
+    const auto o = tb::sectionOffsets(layout);
     tb::OpenStyle t;
-    ASSERT_TRUE(openAndLoad(t, tb::buildStyle(spec)));
+    ASSERT_TRUE(openAndLoad(t, tb::buildStyle(layout)));
     const StyleSession& s = t.s();
     ASSERT_EQ(s.sprites.pageSprites[0].size(), 3u);
     ASSERT_EQ(s.sprites.pageSprites[1].size(), 2u);
@@ -80,11 +80,11 @@ TEST(SpriteInfo, G24RecordsFillPageListsClutsDeltaReferencesAndDetails) {
 }
 
 TEST(SpriteInfo, MouseOverCoversEachRectangleAndTheLaterSpriteWins) {
-    tb::StyleSpec spec;
-    spec.sprites = {tb::spriteAt(0, 0, 0, 10, 10), tb::spriteAt(0, 5, 5, 10, 10),
+    tb::StyleSpec layout;
+    layout.sprites = {tb::spriteAt(0, 0, 0, 10, 10), tb::spriteAt(0, 5, 5, 10, 10),
                     tb::spriteAt(1, 250, 250, 6, 6), tb::spriteAt(0, 40, 40, 0, 5)};
     tb::OpenStyle t;
-    ASSERT_TRUE(openAndLoad(t, tb::buildStyle(spec)));
+    ASSERT_TRUE(openAndLoad(t, tb::buildStyle(layout)));
     const SpriteTables& m = t.s().sprites;
     EXPECT_EQ((std::array<int, 6>{m.over(0, 9, 2), m.over(0, 7, 7), m.over(0, 14, 14),
                                   m.over(0, 15, 14), m.over(1, 255, 255), m.over(0, 40, 40)}),
@@ -92,11 +92,11 @@ TEST(SpriteInfo, MouseOverCoversEachRectangleAndTheLaterSpriteWins) {
 }
 
 TEST(SpriteInfo, GryPtrGivesPageXoAndYo) {
-    tb::StyleSpec spec;
-    spec.is24 = false;
-    spec.sprites = {tb::spriteAt(3, 5, 17, 2, 2)};
+    tb::StyleSpec layout;
+    layout.is24 = false;
+    layout.sprites = {tb::spriteAt(3, 5, 17, 2, 2)};
     tb::OpenStyle t;
-    ASSERT_TRUE(openAndLoad(t, tb::buildStyle(spec), false));
+    ASSERT_TRUE(openAndLoad(t, tb::buildStyle(layout), false));
     const SpriteRec& r = t.sprite(3, 1);
     EXPECT_EQ((std::array<int, 3>{r.page, r.xo, r.yo}), (std::array<int, 3>{3, 5, 17}));
     EXPECT_EQ(r.gryPtr, 3 * 65536 + 17 * 256 + 5);
@@ -105,12 +105,12 @@ TEST(SpriteInfo, GryPtrGivesPageXoAndYo) {
 }
 
 TEST(SpriteInfo, SizeMismatchStopsAtThatSpriteNamingIt) {
-    tb::StyleSpec spec;
-    spec.sprites = {tb::spriteAt(0, 0, 0, 2, 2), tb::spriteAt(0, 10, 0, 2, 2),
+    tb::StyleSpec layout;
+    layout.sprites = {tb::spriteAt(0, 0, 0, 2, 2), tb::spriteAt(0, 10, 0, 2, 2),
                     tb::spriteAt(0, 20, 0, 2, 2)};
-    spec.sprites[1].sizeOverride = 5;
+    layout.sprites[1].sizeOverride = 5;
     tb::OpenStyle t;
-    EXPECT_FALSE(openAndLoad(t, tb::buildStyle(spec)));
+    EXPECT_FALSE(openAndLoad(t, tb::buildStyle(layout)));
     EXPECT_EQ(t.platform.messageTexts(),
               std::vector<std::string>{"WARNING: loadSpriteInfo sprite(2).Size mismatch"});
     EXPECT_EQ(t.s().sprites.pageSprites[0].size(), 2u); // the first sprite stays
@@ -145,11 +145,11 @@ TEST(SpriteInfo, BadRecordsRaiseRunTimeErrorsAndFail) {
          err::Overflow},
     };
     for (const Case& c : cases) {
-        tb::StyleSpec spec;
-        spec.sprites = {tb::spriteAt(0, 0, 0, 1, 1)};
-        c.change(spec);
+        tb::StyleSpec layout;
+        layout.sprites = {tb::spriteAt(0, 0, 0, 1, 1)};
+        c.change(layout);
         tb::OpenStyle t;
-        EXPECT_FALSE(openAndLoad(t, tb::buildStyle(spec))) << c.what;
+        EXPECT_FALSE(openAndLoad(t, tb::buildStyle(layout))) << c.what;
         EXPECT_EQ(t.s().errors.pending(), c.error) << c.what;
     }
     tb::StyleSpec gry; // a negative ptr gives a negative xo, which no byte field holds
@@ -163,28 +163,28 @@ TEST(SpriteInfo, BadRecordsRaiseRunTimeErrorsAndFail) {
 }
 
 TEST(SpriteInfo, SpritePastThePageEdgeWritesUpToItThenFails) {
-    tb::StyleSpec spec;
-    spec.sprites = {tb::spriteAt(0, 250, 0, 10, 2)};
+    tb::StyleSpec layout;
+    layout.sprites = {tb::spriteAt(0, 250, 0, 10, 2)};
     tb::OpenStyle pastX;
-    EXPECT_FALSE(openAndLoad(pastX, tb::buildStyle(spec)));
+    EXPECT_FALSE(openAndLoad(pastX, tb::buildStyle(layout)));
     EXPECT_EQ(pastX.s().errors.pending(), err::SubscriptOutOfRange);
     EXPECT_EQ(pastX.s().sprites.over(0, 255, 1), 1);
 
-    spec.sprites = {tb::spriteAt(0, 3, 250, 2, 10)};
+    layout.sprites = {tb::spriteAt(0, 3, 250, 2, 10)};
     tb::OpenStyle pastY;
-    EXPECT_FALSE(openAndLoad(pastY, tb::buildStyle(spec)));
+    EXPECT_FALSE(openAndLoad(pastY, tb::buildStyle(layout)));
     EXPECT_EQ(pastY.s().sprites.over(0, 3, 255), 1); // x outer: column 3 up to the edge
     EXPECT_EQ(pastY.s().sprites.over(0, 4, 250), 0); // then it stopped
 
     tb::OpenStyle debug; // debug mode: the error is not trapped
-    EXPECT_THROW(openAndLoad(debug, tb::buildStyle(spec), true, true), RuntimeError);
+    EXPECT_THROW(openAndLoad(debug, tb::buildStyle(layout), true, true), RuntimeError);
 }
 
 TEST(SpriteInfo, SectionRunningOffTheFileIsUnexpectedEof) {
-    tb::StyleSpec spec;
-    spec.sprites = {tb::spriteAt(0, 0, 0, 1, 1), tb::spriteAt(0, 5, 0, 1, 1)};
-    const auto o = tb::sectionOffsets(spec);
-    auto bytes = tb::buildStyle(spec);
+    tb::StyleSpec layout;
+    layout.sprites = {tb::spriteAt(0, 0, 0, 1, 1), tb::spriteAt(0, 5, 0, 1, 1)};
+    const auto o = tb::sectionOffsets(layout);
+    auto bytes = tb::buildStyle(layout);
     // The file now ends three bytes into the last head; the sections behind it are gone.
     tb::truncate(bytes, o.spriteInfo.end() - 3);
     tb::setHeaderField(bytes, tb::header24::sprite_info_size,
@@ -201,14 +201,14 @@ TEST(SpriteInfo, SectionRunningOffTheFileIsUnexpectedEof) {
 
 TEST(SpriteInfo, DumpFileListsEveryHeadAndDeltaEntry) {
     const DumpFlags dumps{false, true, false, false};
-    tb::StyleSpec spec;
+    tb::StyleSpec layout;
     auto sp = tb::spriteAt(0, 10, 20, 4, 3, 0);
     sp.ws = 9;
     sp.deltas = {oneRunDelta(4)};
-    spec.sprites = {sp};
-    const auto o = tb::sectionOffsets(spec);
+    layout.sprites = {sp};
+    const auto o = tb::sectionOffsets(layout);
     tb::OpenStyle t;
-    ASSERT_TRUE(openAndLoad(t, tb::buildStyle(spec), true, false, dumps));
+    ASSERT_TRUE(openAndLoad(t, tb::buildStyle(layout), true, false, dumps));
     EXPECT_EQ(tb::readLines(t.dir / "1SPRINFO.txt"),
               (std::vector<std::string>{t.path.string(), "",
                                         "SPRITE:1 FSEEK:" + std::to_string(o.spriteRecords[0] + 1),
@@ -217,10 +217,10 @@ TEST(SpriteInfo, DumpFileListsEveryHeadAndDeltaEntry) {
                                         " delta:0 size:" + std::to_string(o.deltaSizes[0]) +
                                             " ptr:" + std::to_string(o.deltaPtrs[0])}));
 
-    spec.is24 = false;
-    spec.sprites = {tb::spriteAt(1, 5, 17, 2, 2)};
+    layout.is24 = false;
+    layout.sprites = {tb::spriteAt(1, 5, 17, 2, 2)};
     tb::OpenStyle gry;
-    ASSERT_TRUE(openAndLoad(gry, tb::buildStyle(spec), false, false, dumps));
+    ASSERT_TRUE(openAndLoad(gry, tb::buildStyle(layout), false, false, dumps));
     const auto lines = tb::readLines(gry.dir / "2SPRINFO.txt");
     ASSERT_EQ(lines.size(), 7u);
     EXPECT_EQ(lines[5], " sprnfo.ptr:" + std::to_string(65536 + 17 * 256 + 5));
@@ -228,10 +228,10 @@ TEST(SpriteInfo, DumpFileListsEveryHeadAndDeltaEntry) {
 }
 
 TEST(SpriteNumbers, TwentyOneCountsEachWithItsDetailsLine) {
-    tb::StyleSpec spec;
-    spec.spriteNumbers = {49, 0, 1, 0, 6, 27, 562, 295, 0, 2, 6, 5, 0, 26, 0, 0, 7, 48, 0, 0, 0};
+    tb::StyleSpec layout;
+    layout.spriteNumbers = {49, 0, 1, 0, 6, 27, 562, 295, 0, 2, 6, 5, 0, 26, 0, 0, 7, 48, 0, 0, 0};
     tb::OpenStyle t;
-    t.open("STYLE001.G24", spec);
+    t.open("STYLE001.G24", layout);
     ASSERT_TRUE(loadSpriteNumbers(t.s(), *t.file, t.platform));
     ASSERT_EQ(t.platform.detailLines.size(), 21u);
     EXPECT_EQ(t.platform.detailLines[0], " SPR_ARROW: 49");
@@ -239,7 +239,7 @@ TEST(SpriteNumbers, TwentyOneCountsEachWithItsDetailsLine) {
     EXPECT_EQ(t.platform.detailLines[20], " SPR_FERRY: 0");
     EXPECT_EQ(t.s().sprites.firstCarSprite(), 57);
 
-    auto bytes = tb::buildStyle(spec);
+    auto bytes = tb::buildStyle(layout);
     tb::setHeaderField(bytes, tb::header24::sprite_numbers_size, 0x7000000);
     tb::OpenStyle bad;
     bad.open("STYLE001.G24", bytes);
@@ -247,13 +247,13 @@ TEST(SpriteNumbers, TwentyOneCountsEachWithItsDetailsLine) {
 }
 
 TEST(TileRegions, SixteenTilesAPageWithTheirKindsAndCluts) {
-    tb::StyleSpec spec; // 5 side, 3 lid, 10 aux: 16 tiles on page 0, 2 on page 1
-    spec.sideTiles = 5, spec.lidTiles = 3, spec.auxTiles = 10;
-    spec.cluts = {tb::rampClut(0, 0, 0), tb::rampClut(9, 9, 9)};
-    spec.paletteIndex.assign(4 * 18 + 8, 7);
-    for (int n = 1; n <= 18; ++n) spec.paletteIndex[4 * (n - 1)] = static_cast<int16_t>(n % 2);
+    tb::StyleSpec layout; // 5 side, 3 lid, 10 aux: 16 tiles on page 0, 2 on page 1
+    layout.sideTiles = 5, layout.lidTiles = 3, layout.auxTiles = 10;
+    layout.cluts = {tb::rampClut(0, 0, 0), tb::rampClut(9, 9, 9)};
+    layout.paletteIndex.assign(4 * 18 + 8, 7);
+    for (int n = 1; n <= 18; ++n) layout.paletteIndex[4 * (n - 1)] = static_cast<int16_t>(n % 2);
     tb::OpenStyle t;
-    t.open("STYLE001.G24", spec, kLoadTiles);
+    t.open("STYLE001.G24", layout, kLoadTiles);
     ASSERT_TRUE(loadCLUT(t.s(), *t.file, t.platform));
     ASSERT_TRUE(calcTileSpriteInfo(t.s(), *t.file, t.platform));
     const StyleSession& s = t.s();
@@ -271,7 +271,7 @@ TEST(TileRegions, SixteenTilesAPageWithTheirKindsAndCluts) {
                                   s.sprites.over(1, 127, 63), s.sprites.over(1, 128, 0)}),
               (std::array<int, 4>{6, 7, 2, 0}));
 
-    auto bytes = tb::buildStyle(spec); // more than 26 pages of tiles
+    auto bytes = tb::buildStyle(layout); // more than 26 pages of tiles
     tb::setHeaderField(bytes, tb::header24::side_size, 27 * 65536);
     tb::OpenStyle big;
     big.open("STYLE001.G24", bytes, kLoadTiles);

@@ -321,9 +321,9 @@ void MainFormTest::failedAndMissingLoadsLeaveTheRightState() {
 
 void MainFormTest::debugModeErrorIsShownNotThrown() {
     Harness h(/*debugMode=*/true);
-    torquil::testing::StyleSpec spec = torquil::testing::sampleSpec24();
-    spec.sprites.back().page = 26; // a page number the 26 page lists cannot hold
-    torquil::testing::writeFile(h.sample.dir / "STYLE001.G24", torquil::testing::buildStyle(spec));
+    torquil::testing::StyleSpec layout = torquil::testing::sampleSpec24();
+    layout.sprites.back().page = 26; // a page number the 26 page lists cannot hold
+    torquil::testing::writeFile(h.sample.dir / "STYLE001.G24", torquil::testing::buildStyle(layout));
     h.form->openStyle(h.sample.file("STYLE001.G24"), kLoadSprites);
     QVERIFY(!h.platform.shown.empty());
     const Message& m = h.platform.shown.back();
