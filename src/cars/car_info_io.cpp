@@ -8,6 +8,8 @@
 #include "sprites/dump_file.h"
 #include "sprites/sprite_tables.h"
 
+#include <algorithm>
+
 namespace torquil {
 
 namespace {
@@ -63,6 +65,10 @@ int absoluteSpriteNumber(const SpriteTables& sprites, int vtype, int spr_num) {
 bool loadCarInfo(StyleSession& s, BinaryFile& file, Platform& platform) {
     CarTable& table = s.cars;
     table = CarTable{};
+    // Room up to the last car sprite at once rather than moving the table as it grows; capped by
+    // the sprites the file really has, so a wild sprite count cannot reserve more.
+    const int lastCar = std::min<int>(s.sprites.lastCarSprite(), s.sprites.spriteCount);
+    if (lastCar > 0) table.slots.reserve(static_cast<std::size_t>(lastCar) + 1);
     const std::int64_t start = s.style.gSeekCarInfo, end = s.style.gSeekCarInfoEnd;
     file.seek(start);
     platform.detail("loadCarInfoSeek:" + std::to_string(start));

@@ -7,6 +7,9 @@
 #include "style/level_name.h"
 #include "style/page_io.h"
 
+#include <algorithm>
+#include <array>
+
 namespace torquil {
 
 void prepareStyle(StyleFileState& style, const std::filesystem::path& path, int loadOption) {
@@ -43,6 +46,38 @@ void appendHeaderDetails(const StyleSession& s, Platform& platform) {
     platform.detail("head_size:" + std::to_string(h.headSize()));
     for (const auto& [label, value] : h.sizeFields())
         platform.detail(label + std::to_string(value));
+}
+
+// Passes rows on to the session's painter and notes which rows of which pages it painted, so
+// that only the rest of the page image has to be cleared afterwards.
+class RowRecordingPainter : public PagePainter {
+public:
+    explicit RowRecordingPainter(const PagePainter& inner) : inner_(inner) {}
+    void paintRow(int page, int y, const std::uint8_t* bytes, std::uint32_t* out) const override {
+        inner_.paintRow(page, y, bytes, out);
+        if (page >= 0 && page < kMaxPages && y >= 0 && y < kPageSize)
+            painted_[static_cast<std::size_t>(page)][static_cast<std::size_t>(y)] = true;
+    }
+    bool painted(int page, int y) const {
+        return painted_[static_cast<std::size_t>(page)][static_cast<std::size_t>(y)];
+    }
+
+private:
+    const PagePainter& inner_;
+    mutable std::array<std::array<bool, kPageSize>, kMaxPages> painted_{};
+};
+
+// Nothing of the previous file's pages may remain: every page row the load did not paint goes
+// back to zero. A new session's image is already zero, so clearing it is only needed once the
+// image has been written.
+void clearUnpaintedRows(PageImage& image, const RowRecordingPainter& painter) {
+    for (int page = 0; page < kMaxPages; ++page)
+        for (int y = 0; y < kPageSize; ++y)
+            if (!painter.painted(page, y)) {
+                std::uint32_t* row = image.row(y) + page * kPageSize;
+                if (std::any_of(row, row + kPageSize, [](std::uint32_t v) { return v != 0; }))
+                    std::fill(row, row + kPageSize, 0u);
+            }
 }
 
 LoadOutcome fail(StyleSession& s, Platform& platform, BinaryFile& file) {
@@ -107,10 +142,10 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
         platform.message("Unknown Load Option:" + std::to_string(style.loadOption));
     }
 
-    // A fresh page image: nothing of the previous file's pages remains.
-    s.image.rgb.assign(s.image.rgb.size(), 0);
     auto painter = makePagePainter(s);
-    loadBlocks(s, file, platform, *painter);
+    RowRecordingPainter recording(*painter);
+    loadBlocks(s, file, platform, recording);
+    clearUnpaintedRows(s.image, recording);
 
     if (s.errors.hasPending()) return fail(s, platform, file);
 

@@ -2,6 +2,8 @@
 // Sprite tables: every sprite's place on its page (pageSprites), the dense mouse-over map, and
 // the 21 sprite counts that turn a relative sprite number into an absolute one.
 
+#include "base/zeroed_buffer.h"
+
 #include <array>
 #include <cstdint>
 #include <string>
@@ -32,7 +34,7 @@ struct SpriteTables {
     std::array<std::vector<SpriteRec>, 26> pageSprites;
     // mouseOver(page, x, y): SIB of the sprite covering the pixel, 0 where none does. Kept row
     // by row (page, y, x) so that a page row is contiguous for painting; use over().
-    std::vector<std::int16_t> mouseOver = std::vector<std::int16_t>(26 * 256 * 256, 0);
+    ZeroedBuffer<std::int16_t> mouseOver{26 * 256 * 256};
     std::int16_t spriteCount = 0;
     std::int32_t highestRawClut = 0;
     std::array<std::int16_t, kSpriteTypes> spriteNumbers{}; // the 42-byte record's 21 counts
@@ -40,7 +42,12 @@ struct SpriteTables {
     int pageCount(int page) const {
         return static_cast<int>(pageSprites[static_cast<std::size_t>(page)].size()) - 1;
     }
+    // Pages whose part of the mouse-over map may have been written since it was last cleared
+    // (bit n = page n), so that clearing touches only those.
+    std::uint32_t pagesMarked = 0;
+
     std::int16_t& over(int page, int x, int y) {
+        if (page >= 0 && page < 32) pagesMarked |= 1u << page;
         return mouseOver[(static_cast<std::size_t>(page) * 256 + y) * 256 + x];
     }
     std::int16_t over(int page, int x, int y) const {

@@ -4,14 +4,19 @@
 
 #include "sprites/sprite_tables.h"
 
-#include <cstring>
+#include <algorithm>
 
 namespace torquil {
 
 inline void resetSpriteTables(SpriteTables& t) {
     for (auto& list : t.pageSprites) list.assign(1, SpriteRec{});
-    t.mouseOver.resize(26 * 256 * 256);
-    std::memset(t.mouseOver.data(), 0, t.mouseOver.size() * sizeof(t.mouseOver[0]));
+    // Only the pages written since the last clear: a new session's map is still untouched.
+    constexpr std::size_t kPageCells = 256 * 256;
+    for (std::size_t page = 0; page * kPageCells < t.mouseOver.size(); ++page)
+        if (page >= 32 || (t.pagesMarked >> page & 1u) != 0)
+            std::fill_n(t.mouseOver.data() + page * kPageCells,
+                        std::min(kPageCells, t.mouseOver.size() - page * kPageCells), 0);
+    t.pagesMarked = 0;
     t.spriteCount = 0;
     t.highestRawClut = 0;
 }

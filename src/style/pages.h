@@ -2,6 +2,8 @@
 // The graphics pages ("blocks"): up to 26 pages of 256 x 256 one-byte pixels, and the page image
 // (6656 x 256, 32-bit RGB) that the board shows.
 
+#include "base/zeroed_buffer.h"
+
 #include <array>
 #include <cstdint>
 #include <vector>
@@ -16,7 +18,7 @@ inline constexpr int kImageWidth = kMaxPages * kPageSize; // 6656
 // gPixels: raw bytes of every page, stored as the file stores them (rows of 256 bytes), so that
 // a page is one contiguous 65536-byte block.
 struct Pages {
-    std::vector<std::uint8_t> gPixels = std::vector<std::uint8_t>(kMaxPages * kPageBytes, 0);
+    ZeroedBuffer<std::uint8_t> gPixels{kMaxPages * kPageBytes};
     std::int32_t gNumLinesLoaded = 0;
     std::int16_t gNumBlockLoaded = -1; // index of the last page loaded
     std::int32_t highestPage = 0;      // set by the sprite info loader or the tile regions
@@ -38,7 +40,7 @@ struct Pages {
 
 // 0x00RRGGBB pixels, kImageWidth x 256, row-major; owned by the core, wrapped by the window.
 struct PageImage {
-    std::vector<std::uint32_t> rgb = std::vector<std::uint32_t>(kImageWidth * kPageSize, 0);
+    ZeroedBuffer<std::uint32_t> rgb{kImageWidth * kPageSize};
     std::uint32_t* row(int y) { return rgb.data() + static_cast<std::size_t>(y) * kImageWidth; }
     const std::uint32_t* row(int y) const {
         return rgb.data() + static_cast<std::size_t>(y) * kImageWidth;
