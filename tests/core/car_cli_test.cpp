@@ -1,5 +1,5 @@
 #include "cars/fixed_point.h"
-#include "cli/cli.h"
+#include "cli_runner.h"
 #include "sample_level.h"
 #include "style_builder.h"
 #include "test_dir.h"
@@ -11,31 +11,11 @@
 
 using namespace torquil;
 namespace tb = torquil::testing;
+using tb::contains;
+using tb::lines;
+using tb::runCli;
 
 namespace {
-
-struct CliResult {
-    int status;
-    std::string out, err;
-};
-
-CliResult runCli(std::vector<std::string> args) {
-    args.insert(args.begin(), "torquil-cli");
-    std::ostringstream out, err;
-    int status = cli::run(args, out, err);
-    return {status, out.str(), err.str()};
-}
-
-std::vector<std::string> lines(const std::string& text) {
-    std::vector<std::string> result;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) result.push_back(line);
-    return result;
-}
-
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
 
 // The sample level in a temporary folder, with what the builder knows about its cars.
 struct Sample {
@@ -55,7 +35,7 @@ struct Sample {
             if (!layout.cars[i].doors.empty() && layout.cars[i].vtype == 4) return i;
         return 0;
     }
-    CliResult run(std::vector<std::string> args) const {
+    tb::CliRun run(std::vector<std::string> args) const {
         args.insert(args.begin() + 1, {"--workdir", work.path().string()});
         return runCli(std::move(args));
     }
@@ -124,7 +104,8 @@ TEST(CarCli, CarSetClampsWithTheEditorsWordsAndWritesOnlyThatRecord) {
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_TRUE(contains(r.err, "width=300: txtbox valve set to H val (255)"));
     EXPECT_TRUE(contains(r.out, "width: " + std::to_string(s.layout.cars[k].width) + " -> 255\n"));
-    EXPECT_TRUE(contains(r.out, "rbp_mass: " + float32in(s.layout.cars[k].rbp_mass) + " -> 2.500\n"));
+    EXPECT_TRUE(
+        contains(r.out, "rbp_mass: " + float32in(s.layout.cars[k].rbp_mass) + " -> 2.500\n"));
 
     tb::CarSpec edited = s.layout.cars[k];
     edited.width = 255;

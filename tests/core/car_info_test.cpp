@@ -91,7 +91,7 @@ TEST(CarInfoLoad, EveryVehicleTypeGetsItsAbsoluteNumberThroughTheWholeLoad) {
         }
     tb::sortAndCountSprites(layout);
     layout.cars = {car(0, 1, 9),  car(4, 0, 1),  car(1, 2, 4),   car(2, 3, 5),   car(3, 1, 3),
-                 car(8, 0, 11), car(9, 0, 12), car(13, 0, 13), car(14, 1, 37), car(7, 5, 2)};
+                   car(8, 0, 11), car(9, 0, 12), car(13, 0, 13), car(14, 1, 37), car(7, 5, 2)};
     tb::TempDir dir;
     tb::writeFile(dir / "STYLE001.G24", tb::buildStyle(layout));
     tb::writeFile(dir / "ENGLISH.FXT", tb::encodeFxt({"[1001]Hello there", "[car1]Bug", "[]"}));
@@ -286,17 +286,15 @@ TEST(CarInfoText, CarInfoFileIsWrittenWhenTheDebugMenuSaysSo) {
     a.sound_function = 3;
     f.s.names.names[7] = "Juggernaut";
     ASSERT_TRUE(f.load({a, car(99, 0, 1)}));
-    std::ifstream in(f.dir / "CARINFO1.txt");
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(in, line);) lines.push_back(line);
-    EXPECT_EQ(lines, (std::vector<std::string>{
-                         "STYLE001.G24", "Carinfo data as follows is loaded per cds.doc 3.1.3",
-                         "Absolute sprite_num calculated by offseting loaded RSN with 3.2.4 "
-                         "sprite_numbers",
-                         "Sprite(2) RSN:1", "     width:22 height:44 depth:20 doors:2",
-                         "           vtype:4 model:7 name:Juggernaut value:10",
-                         "          engine:1 radio:1 horn:2",
-                         "        sound_function:3 fast_change_flag:0",
-                         "     DOOR:1   rpx:-1  rpy:2  object:30  delta:4",
-                         "     DOOR:2   rpx:5  rpy:6  object:7  delta:8", ""}));
+    EXPECT_EQ(
+        tb::readLines(f.dir / "CARINFO1.txt"),
+        (std::vector<std::string>{
+            "STYLE001.G24", "Carinfo data as follows is loaded per cds.doc 3.1.3",
+            "Absolute sprite_num calculated by offseting loaded RSN with 3.2.4 "
+            "sprite_numbers",
+            "Sprite(2) RSN:1", "     width:22 height:44 depth:20 doors:2",
+            "           vtype:4 model:7 name:Juggernaut value:10",
+            "          engine:1 radio:1 horn:2", "        sound_function:3 fast_change_flag:0",
+            "     DOOR:1   rpx:-1  rpy:2  object:30  delta:4",
+            "     DOOR:2   rpx:5  rpy:6  object:7  delta:8", ""}));
 }

@@ -1,36 +1,13 @@
-#include "cli/cli.h"
+#include "cli_runner.h"
 #include "style_builder.h"
 #include "test_dir.h"
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 using namespace torquil;
 namespace tb = torquil::testing;
-
-namespace {
-
-struct CliResult {
-    int status;
-    std::string out, err;
-};
-
-CliResult runCli(std::vector<std::string> args) {
-    args.insert(args.begin(), "torquil-cli");
-    std::ostringstream out, err;
-    int status = cli::run(args, out, err);
-    return {status, out.str(), err.str()};
-}
-
-std::vector<std::string> lines(const std::string& text) {
-    std::vector<std::string> result;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) result.push_back(line);
-    return result;
-}
-
-} // namespace
+using tb::lines;
+using tb::runCli;
 
 TEST(CliOpen, PrintsDetailsOnStdoutAndTheCaptionOnStderr) {
     tb::TempDir dir;

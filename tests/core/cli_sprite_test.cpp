@@ -1,35 +1,20 @@
-#include "cli/cli.h"
+#include "cli_runner.h"
 
 #include "sprite_fixture.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <sstream>
-
 using namespace torquil;
 namespace tb = torquil::testing;
+using tb::runCli;
 
 namespace {
-
-struct CliResult {
-    int status;
-    std::string out, err;
-};
-
-CliResult runCli(std::vector<std::string> args) {
-    args.insert(args.begin(), "torquil-cli");
-    std::ostringstream out, err;
-    int status = cli::run(args, out, err);
-    return {status, out.str(), err.str()};
-}
 
 // `count` lines of text from the first one that starts with `first`.
 std::vector<std::string> block(const std::string& text, const std::string& first,
                                std::size_t count) {
-    std::vector<std::string> all;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) all.push_back(line);
+    const auto all = tb::lines(text);
     auto it = std::find_if(all.begin(), all.end(),
                            [&](const std::string& l) { return l.starts_with(first); });
     return {it, it + static_cast<std::ptrdiff_t>(

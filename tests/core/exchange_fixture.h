@@ -2,7 +2,7 @@
 // A style file made by the builder, written into a temporary folder and opened through the real
 // load sequence, with the work directory in the same folder.
 
-#include "cli/cli.h"
+#include "cli_runner.h"
 #include "fake_platform.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
@@ -40,19 +40,6 @@ inline std::vector<std::uint8_t> patternPixels(int w, int h, int seed = 0) {
     return p;
 }
 
-struct CliRun {
-    int status = 0;
-    std::string out, err;
-};
-
-// Runs torquil-cli in-process with the given arguments.
-inline CliRun runCli(std::vector<std::string> args) {
-    args.insert(args.begin(), "torquil-cli");
-    std::ostringstream out, err;
-    const int status = cli::run(args, out, err);
-    return {status, out.str(), err.str()};
-}
-
 struct StyleFixture : ::testing::Test {
     TempDir dir;
     FakePlatform platform;
@@ -60,7 +47,8 @@ struct StyleFixture : ::testing::Test {
     std::filesystem::path stylePath;
 
     // Writes the style and loads it with the sprites option; fails the test when it does not load.
-    void open(const StyleSpec& layout, const std::string& name = "STYLE001.G24", bool debug = false) {
+    void open(const StyleSpec& layout, const std::string& name = "STYLE001.G24",
+              bool debug = false) {
         stylePath = dir / name;
         writeFile(stylePath, buildStyle(layout));
         reopen(debug);

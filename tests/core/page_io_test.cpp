@@ -2,12 +2,10 @@
 #include "fake_platform.h"
 #include "session/style_session.h"
 #include "style/page_io.h"
+#include "style_builder.h"
 #include "test_dir.h"
 
 #include <gtest/gtest.h>
-
-#include <fstream>
-#include <iterator>
 
 using namespace torquil;
 using torquil::testing::FakePlatform;
@@ -27,16 +25,6 @@ std::vector<std::uint8_t> pageFile(int prefix, std::int64_t areaBytes, int suffi
     return bytes;
 }
 
-void write(const std::filesystem::path& p, const std::vector<std::uint8_t>& b) {
-    std::ofstream out(p, std::ios::binary);
-    out.write(reinterpret_cast<const char*>(b.data()), static_cast<std::streamsize>(b.size()));
-}
-
-std::vector<std::uint8_t> read(const std::filesystem::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
 struct PageFixture : ::testing::Test {
     TempDir dir;
     FakePlatform platform;
@@ -44,7 +32,7 @@ struct PageFixture : ::testing::Test {
     BackgroundPainter painter{kDarkGrey};
 
     void prepare(int prefix, std::int64_t areaBytes, int suffix, int highestPage) {
-        write(dir / "STYLE001.G24", pageFile(prefix, areaBytes, suffix));
+        torquil::testing::writeFile(dir / "STYLE001.G24", pageFile(prefix, areaBytes, suffix));
         session.style.path = dir / "STYLE001.G24";
         session.style.gSeekGraphicsStart = prefix + 1;
         session.style.gSeekGraphicsEnd = prefix + 1 + areaBytes;
@@ -84,7 +72,7 @@ TEST_F(PageFixture, PageAndAHalfReadsTheRowThatStartsExactlyAtTheEnd) {
 
 TEST_F(PageFixture, SaveWritesBackExactlyTheRowsRead) {
     prepare(100, kPageBytes + kPageBytes / 2, 300, 1);
-    const auto before = read(session.style.path);
+    const auto before = torquil::testing::readFile(session.style.path);
     load();
     session.pages.pixel(0, 3, 4) ^= 0xFF;
     session.pages.pixel(1, 0, 127) = 0x5A;
@@ -92,7 +80,7 @@ TEST_F(PageFixture, SaveWritesBackExactlyTheRowsRead) {
     platform.detailLines.clear();
     EXPECT_EQ(save(), 0);
     EXPECT_FALSE(session.style.gPagesChanged);
-    auto after = read(session.style.path);
+    auto after = torquil::testing::readFile(session.style.path);
     ASSERT_EQ(after.size(), before.size());
     std::size_t p0 = 100 + 4 * 256 + 3, p1 = 100 + 65536 + 127 * 256;
     EXPECT_EQ(after[p0], before[p0] ^ 0xFF);
@@ -112,9 +100,9 @@ TEST_F(PageFixture, StopDuringPageThreeKeepsItsRowsForTheSave) {
     load();
     EXPECT_EQ(session.pages.gNumBlockLoaded, 2);
     EXPECT_EQ(session.pages.gNumLinesLoaded, 3 * 256 + 10);
-    const auto before = read(session.style.path);
+    const auto before = torquil::testing::readFile(session.style.path);
     EXPECT_EQ(save(), 0);
-    EXPECT_EQ(read(session.style.path), before);
+    EXPECT_EQ(torquil::testing::readFile(session.style.path), before);
     EXPECT_EQ(platform.detailLines.back(),
               "gSeekGraphicsEnd:" + std::to_string(1 + 5 * kPageBytes));
     EXPECT_NE(std::find(platform.detailLines.begin(), platform.detailLines.end(),

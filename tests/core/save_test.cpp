@@ -1,6 +1,6 @@
 #include "base/binary_file.h"
 #include "cars/car_names_io.h"
-#include "cli/cli.h"
+#include "cli_runner.h"
 #include "fake_platform.h"
 #include "sample_level.h"
 #include "session/load_sequence.h"
@@ -15,7 +15,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <sstream>
 
 using namespace torquil;
 namespace tb = torquil::testing;
@@ -455,26 +454,20 @@ TEST(ShrinkStyleFile, CopyThatCannotBeWrittenLeavesTheStyleFileAlone) {
 
 // ---------------------------------------------------------------- torquil-cli save-test
 
-TEST(CliSaveTest, FullSaveOfTheSampleReportsEveryStepAndKeepsTheBytes) {
+TEST(CliSaveTest, FullSaveReportsEveryStepAndKeepsTheBytesAndFailuresExitNonZero) {
     tb::TempDir dir;
     tb::writeSampleLevel(dir.path());
     const auto before = tb::readFile(dir / "STYLE001.G24");
-    std::ostringstream out, err;
-    const int status = cli::run({"torquil-cli", "save-test", "--workdir", (dir / "work").string(),
-                                 (dir / "STYLE001.G24").string()},
-                                out, err);
-    EXPECT_EQ(status, 0) << err.str();
-    EXPECT_EQ(out.str(), "step: File Open\nstep: Save Car Info\nstep: Save Pages\n"
+    const auto saved = tb::runCli(
+        {"save-test", "--workdir", (dir / "work").string(), (dir / "STYLE001.G24").string()});
+    EXPECT_EQ(saved.status, 0) << saved.err;
+    EXPECT_EQ(saved.out, "step: File Open\nstep: Save Car Info\nstep: Save Pages\n"
                          "step: Save CLUT\nstep: Save Deltas\nsaved\n");
     EXPECT_EQ(tb::readFile(dir / "STYLE001.G24"), before);
-}
-
-TEST(CliSaveTest, FailedLoadOrSaveExitsOne) {
-    tb::TempDir dir;
-    std::ostringstream out, err;
-    EXPECT_EQ(cli::run({"torquil-cli", "save-test", "--workdir", dir.path().string(),
-                        (dir / "STYLE001.G24").string()},
-                       out, err),
-              1);
-    EXPECT_EQ(cli::run({"torquil-cli", "save-test"}, out, err), 2);
+    // A style that does not load exits 1, a missing argument 2.
+    EXPECT_EQ(
+        tb::runCli({"save-test", "--workdir", dir.path().string(), (dir / "none.G24").string()})
+            .status,
+        1);
+    EXPECT_EQ(tb::runCli({"save-test"}).status, 2);
 }

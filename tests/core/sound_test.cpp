@@ -1,7 +1,7 @@
 #include "sound/sound_preview.h"
 
 #include "base/binary_file.h"
-#include "cli/cli.h"
+#include "cli_runner.h"
 #include "fake_platform.h"
 #include "session/load_sequence.h"
 #include "session/style_session.h"
@@ -9,8 +9,6 @@
 #include "test_dir.h"
 
 #include <gtest/gtest.h>
-
-#include <sstream>
 
 using namespace torquil;
 namespace tb = torquil::testing;
@@ -175,30 +173,22 @@ TEST_F(SoundFixture, DebugModeLetsTheErrorEscapeAndStillRemovesTheTemporaryFile)
     EXPECT_FALSE(std::filesystem::exists(dir / "work" / "~tmp0.wav"));
 }
 
-} // namespace
-
-namespace {
-
 TEST_F(SoundFixture, CommandLineWritesTheWavThatWouldBePlayed) {
     standardBank();
     tb::writeFile(dir / "STYLE001.G24", {0});
     const auto wav = dir / "cli.wav";
-    std::ostringstream out, err;
-    const int status = cli::run({"torquil-cli", "sound", (dir / "STYLE001.G24").string(), "1",
-                                 "--rate", "1.5", "--repeat", "2", "-o", wav.string()},
-                                out, err);
-    ASSERT_EQ(status, 0) << err.str();
+    const auto played = tb::runCli({"sound", (dir / "STYLE001.G24").string(), "1", "--rate", "1.5",
+                                    "--repeat", "2", "-o", wav.string()});
+    ASSERT_EQ(played.status, 0) << played.err;
     const auto f = tb::readFile(wav);
     ASSERT_EQ(f.size(), 52u);
     EXPECT_EQ(tb::getI32(f, 24), 33075);
     EXPECT_EQ(tb::getI32(f, 40), 8);
 
-    std::ostringstream out2, err2;
-    EXPECT_EQ(
-        cli::run({"torquil-cli", "sound", (dir / "STYLE001.G24").string(), "3", "-o", wav.string()},
-                 out2, err2),
-        1);
-    EXPECT_EQ(err2.str(), "message: Sound is out of range.\n");
+    const auto outOfRange =
+        tb::runCli({"sound", (dir / "STYLE001.G24").string(), "3", "-o", wav.string()});
+    EXPECT_EQ(outOfRange.status, 1);
+    EXPECT_EQ(outOfRange.err, "message: Sound is out of range.\n");
 }
 
 } // namespace

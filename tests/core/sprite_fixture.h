@@ -12,7 +12,6 @@
 #include "test_dir.h"
 
 #include <algorithm>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -67,13 +66,6 @@ struct OpenStyle {
         return session->sprites.pageSprites.at(page).at(sib);
     }
 };
-
-inline std::vector<std::string> readLines(const std::filesystem::path& path) {
-    std::vector<std::string> lines;
-    std::ifstream in(path);
-    for (std::string line; std::getline(in, line);) lines.push_back(line);
-    return lines;
-}
 
 // The details lines from the first one that starts with `first` on.
 inline std::vector<std::string> detailsFrom(const FakePlatform& p, const std::string& first) {

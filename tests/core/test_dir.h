@@ -3,8 +3,11 @@
 
 #include <atomic>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace torquil::testing {
 
@@ -29,5 +32,20 @@ public:
 private:
     std::filesystem::path path_;
 };
+
+// The whole of a text file (empty when it cannot be read).
+inline std::string readText(const std::filesystem::path& path) {
+    std::ifstream in(path);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+inline std::vector<std::string> readLines(const std::filesystem::path& path) {
+    std::vector<std::string> lines;
+    std::ifstream in(path);
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
+}
 
 } // namespace torquil::testing
