@@ -68,13 +68,7 @@ struct BmpFixture : tb::StyleFixture {
     std::vector<std::uint8_t> pageBytes() const { return session->pages.gPixels; }
 };
 
-// The sprite's pixels as the BMP stores them: row y of the sprite at file row h - 1 - y.
-std::uint8_t bmpPixel(const std::vector<std::uint8_t>& file, int w, int h, int x, int y) {
-    const auto rowLength = static_cast<std::size_t>(bmpRowLength(w));
-    return file[1078 + static_cast<std::size_t>(h - 1 - y) * rowLength +
-                static_cast<std::size_t>(x)];
-}
-
+// Row y of the sprite is stored at file row h - 1 - y.
 void setBmpPixel(std::vector<std::uint8_t>& file, int w, int h, int x, int y, std::uint8_t v) {
     const auto rowLength = static_cast<std::size_t>(bmpRowLength(w));
     file[1078 + static_cast<std::size_t>(h - 1 - y) * rowLength + static_cast<std::size_t>(x)] = v;
@@ -85,46 +79,27 @@ void setBmpPixel(std::vector<std::uint8_t>& file, int w, int h, int x, int y, st
 TEST_F(BmpFixture, ExportOfA30WideSpriteHasPaddedBottomUpRowsAndTheLengthPlusOneSizeField) {
     const auto path = exported(1);
     EXPECT_EQ(path, dir / "KRBSPR1_1.bmp");
-    const auto file = tb::readFile(path);
-    ASSERT_EQ(file.size(), 1078u + 32u * 20u);
-    EXPECT_EQ(file[0], 'B');
-    EXPECT_EQ(file[1], 'M');
-    EXPECT_EQ(tb::getI32(file, 2), static_cast<int32_t>(file.size()) + 1); // next write position
-    EXPECT_EQ(tb::getI32(file, 10), 1078);
-    EXPECT_EQ(tb::getI32(file, 14), 40);
-    EXPECT_EQ(tb::getI32(file, 18), 30);
-    EXPECT_EQ(tb::getI32(file, 22), 20);
-    EXPECT_EQ(tb::getI16(file, 26), 1);
-    EXPECT_EQ(tb::getI16(file, 28), 8);
-    EXPECT_EQ(tb::getI32(file, 30), 0);
-    EXPECT_EQ(tb::getI32(file, 34), 600); // width x height, not the padded size
-    for (std::size_t off = 38; off < 54; off += 4) EXPECT_EQ(tb::getI32(file, off), 0);
-
-    // Colour table: CLUT 1's colours as blue, green, red, 0.
+    // Header (size field = length + 1, the next write position; image size = width x height, not
+    // the padded size), CLUT 1 as blue, green, red, 0, then rows bottom up padded with zeros.
+    std::vector<std::uint8_t> want(1078 + 32 * 20, 0);
+    want[0] = 'B', want[1] = 'M';
+    tb::putI32(want, 2, static_cast<int32_t>(want.size()) + 1);
+    tb::putI32(want, 10, 1078);
+    tb::putI32(want, 14, 40);
+    tb::putI32(want, 18, 30);
+    tb::putI32(want, 22, 20);
+    tb::putI16(want, 26, 1);
+    tb::putI16(want, 28, 8);
+    tb::putI32(want, 34, 600);
     const tb::Clut clut = tb::distinctClut(16);
-    for (int c = 0; c < 256; ++c) {
-        const auto at = 54 + 4 * static_cast<std::size_t>(c);
-        const auto& rgb = clut[static_cast<std::size_t>(c)];
-        ASSERT_EQ(file[at], rgb.b) << c;
-        ASSERT_EQ(file[at + 1], rgb.g) << c;
-        ASSERT_EQ(file[at + 2], rgb.r) << c;
-        ASSERT_EQ(file[at + 3], 0) << c;
-    }
+    for (std::size_t c = 0; c < 256; ++c)
+        std::tie(want[54 + 4 * c], want[55 + 4 * c], want[56 + 4 * c]) =
+            std::tie(clut[c].b, clut[c].g, clut[c].r);
     const auto pixels = tb::patternPixels(30, 20, 0);
-    for (int y = 0; y < 20; ++y) {
-        for (int x = 0; x < 30; ++x) ASSERT_EQ(bmpPixel(file, 30, 20, x, y), pixels[y * 30 + x]);
-        // Padding bytes stay zero.
-        const std::size_t rowEnd = 1078 + static_cast<std::size_t>(19 - y) * 32;
-        EXPECT_EQ(file[rowEnd + 30], 0);
-        EXPECT_EQ(file[rowEnd + 31], 0);
-    }
+    for (int y = 0; y < 20; ++y)
+        for (int x = 0; x < 30; ++x) setBmpPixel(want, 30, 20, x, y, pixels[y * 30 + x]);
+    EXPECT_EQ(tb::readFile(path), want);
     EXPECT_EQ(platform.progressTitles.back(), "Exporting");
-}
-
-TEST_F(BmpFixture, ExportOfA32WideSpriteHasNoPadding) {
-    const auto file = tb::readFile(exported(2));
-    EXPECT_EQ(file.size(), 1078u + 32u * 10u);
-    EXPECT_EQ(tb::getI32(file, 34), 320);
 }
 
 TEST_F(BmpFixture, FileNamesNameCarsByModelAndTilesByTileNumber) {
@@ -357,8 +332,9 @@ TEST_F(BmpFixture, PixelDataIsReadFromTheOffsetTheHeaderGives) {
     EXPECT_EQ(pixels, tb::patternPixels(30, 20, 0));
 }
 
-TEST_F(BmpFixture, ZeroWidthTakesTheFilesOwnSize) {
+TEST_F(BmpFixture, A32WideSpriteHasNoPaddingAndZeroWidthTakesTheFilesOwnSize) {
     const auto path = exported(2);
+    EXPECT_EQ(tb::readFile(path).size(), 1078u + 32u * 10u);
     std::vector<std::uint8_t> pixels;
     ASSERT_TRUE(readBmp(*session, platform, path, 2, 0, 0, pixels));
     EXPECT_EQ(pixels, tb::patternPixels(32, 10, 5));
@@ -392,10 +368,6 @@ TEST_F(BmpFixture, GreyStyleKeepsIndexesOfAForeignPaletteOnOk) {
     EXPECT_EQ(session->pages.pixel(0, 5, 5), 222);
     EXPECT_FALSE(session->style.gClutChanged);
 }
-
-} // namespace
-
-namespace {
 
 // ---- Command line ----------------------------------------------------------------------------
 

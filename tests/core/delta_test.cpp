@@ -3,14 +3,13 @@
 #include "fake_platform.h"
 #include "session/load_sequence.h"
 #include "session/style_session.h"
+#include "sprite_fixture.h"
 #include "style_builder.h"
 #include "test_dir.h"
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <functional>
-#include <sstream>
 
 using namespace torquil;
 namespace tb = torquil::testing;
@@ -43,24 +42,23 @@ tb::StyleSpec deltaSpec(bool is24) {
     return layout;
 }
 
-std::vector<std::uint8_t> readBytes(const fs::path& path) {
-    return tb::readFile(path);
-}
-
-std::string readText(const fs::path& path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
+// A delta's runs as (offset, length, data), to compare whole.
+using RunAt = std::tuple<int, int, std::vector<std::uint8_t>>;
+std::vector<RunAt> runsOf(const DeltaRec& d) {
+    std::vector<RunAt> out;
+    for (const RunLine& r : d.runLine) out.emplace_back(r.offset, r.length, r.data);
+    return out;
 }
 
 // Opens a builder-made style with the delta table filled the way the sprite info loader fills
 // it (size, ptr and the 1-based position of each entry), so the delta code is tested alone.
 struct DeltaFixture : ::testing::Test {
-    tb::TempDir dir;
-    tb::FakePlatform platform;
-    std::unique_ptr<StyleSession> session;
+    tb::OpenStyle style;
+    tb::FakePlatform& platform = style.platform;
+    std::unique_ptr<StyleSession>& session = style.session;
+    const tb::TempDir& dir = style.dir;
     tb::SectionOffsets offsets;
+    std::vector<std::uint8_t> bytes;
     fs::path path;
     DumpFlags dumps;
 
@@ -68,35 +66,25 @@ struct DeltaFixture : ::testing::Test {
                const std::function<void(std::vector<std::uint8_t>&)>& edit = {}) {
         path = dir / (layout.is24 ? "STYLE001.G24" : "STYLE001.GRY");
         offsets = tb::sectionOffsets(layout);
-        auto bytes = tb::buildStyle(layout);
+        bytes = tb::buildStyle(layout);
         if (edit) edit(bytes);
         tb::writeFile(path, bytes);
     }
 
     bool load() {
-        AppOptions options;
-        options.workDir = dir.path();
-        options.dumps = dumps;
-        session = std::make_unique<StyleSession>(options);
-        prepareStyle(session->style, path, kLoadSprites);
-        BinaryFile file(session->errors);
-        file.open(path, BinaryFile::Mode::Read);
-        session->style.fileLength = file.length();
-        session->style.header = readStyleHeader(file, session->style.gIs24Bit);
-        locateSpriteSections(session->style);
+        style.open(path.filename().string(), bytes, kLoadSprites, false, dumps);
         DeltaTable& table = session->deltas;
         const std::size_t n = offsets.deltaEntries.size();
         table.myDeltas.assign(std::max<std::size_t>(n, 1), DeltaRec{});
         table.deltaCount = static_cast<std::int32_t>(n);
-        const std::vector<std::uint8_t> bytes = readBytes(path);
         for (std::size_t i = 0; i < n; ++i) {
             table.myDeltas[i].entryPos = static_cast<std::int32_t>(offsets.deltaEntries[i] + 1);
             table.myDeltas[i].size = tb::getI16(bytes, offsets.deltaEntries[i]);
             table.myDeltas[i].ptr = tb::getI32(bytes, offsets.deltaEntries[i] + 2);
         }
         // Somewhere else in the file, as the car info loader leaves it.
-        file.seek(1);
-        return loadDeltas(*session, file, platform);
+        style.file->seek(1);
+        return loadDeltas(*session, *style.file, platform);
     }
 
     int save() {
@@ -121,16 +109,10 @@ TEST_P(DeltaBothKinds, LoadsEveryRunOfEveryDelta) {
     EXPECT_EQ(platform.progressTitles.front(), "Load Delta Graphics");
     EXPECT_EQ(platform.progressTexts.front(), "Loading Delta Graphics and Data...");
 
-    ASSERT_EQ(delta(0).runLine.size(), 2u);
-    EXPECT_EQ(delta(0).runLine[0].offset, 517); // row 2, column 5
-    EXPECT_EQ(delta(0).runLine[0].length, 3);
-    EXPECT_EQ(delta(0).runLine[0].data, (std::vector<std::uint8_t>{1, 2, 3}));
-    EXPECT_EQ(delta(0).runLine[1].offset, 250);
-    EXPECT_EQ(delta(0).runLine[1].data, (std::vector<std::uint8_t>{4}));
-    ASSERT_EQ(delta(1).runLine.size(), 1u);
-    EXPECT_EQ(delta(1).runLine[0].data, (std::vector<std::uint8_t>{9, 9}));
-    ASSERT_EQ(delta(2).runLine.size(), 1u);
-    EXPECT_EQ(delta(2).runLine[0].offset, 300);
+    // 517: row 2, column 5.
+    EXPECT_EQ(runsOf(delta(0)), (std::vector<RunAt>{{517, 3, {1, 2, 3}}, {250, 1, {4}}}));
+    EXPECT_EQ(runsOf(delta(1)), (std::vector<RunAt>{{2, 2, {9, 9}}}));
+    EXPECT_EQ(runsOf(delta(2)), (std::vector<RunAt>{{300, 4, {7, 7, 7, 7}}}));
 
     // The store begins after the one page: delta 0's ptr counts from the first byte of page 0.
     EXPECT_EQ(delta(0).ptr, 65536);
@@ -148,19 +130,13 @@ TEST_F(DeltaFixture, OddSizesAndPointersReadWholeRecordsFromEachDeltasOwnPtr) {
     layout.sprites[2].deltas[0].sizeOverride = 10;
     build(layout);
     ASSERT_TRUE(load());
-    ASSERT_EQ(delta(0).runLine.size(), 1u);
-    EXPECT_EQ(delta(0).runLine[0].data, (std::vector<std::uint8_t>{1, 2, 3}));
-    ASSERT_EQ(delta(1).runLine.size(), 1u);
-    EXPECT_EQ(delta(1).runLine[0].offset, 0);
-    EXPECT_EQ(delta(1).runLine[0].length, 0);
-    EXPECT_TRUE(delta(1).runLine[0].data.empty());
-    ASSERT_EQ(delta(2).runLine.size(), 2u);
-    EXPECT_EQ(delta(2).runLine[0].offset, 517);
-    EXPECT_EQ(delta(2).runLine[1].offset, 250);
+    EXPECT_EQ(runsOf(delta(0)), (std::vector<RunAt>{{517, 3, {1, 2, 3}}}));
+    EXPECT_EQ(runsOf(delta(1)), (std::vector<RunAt>{{0, 0, {}}}));
+    EXPECT_EQ(runsOf(delta(2)), (std::vector<RunAt>{{517, 3, {1, 2, 3}}, {250, 1, {4}}}));
 
     // Saved one after another: 6 bytes, nothing, then the 10 bytes the third delta read.
     EXPECT_EQ(save(), 0);
-    const auto after = readBytes(path);
+    const auto after = tb::readFile(path);
     const std::int32_t first = offsets.deltaPtrs[0];
     EXPECT_EQ(tb::getI16(after, offsets.deltaEntries[0]), 6);
     EXPECT_EQ(tb::getI16(after, offsets.deltaEntries[1]), 0);
@@ -231,12 +207,12 @@ TEST_F(DeltaFixture, StyleWithoutDeltasLoadsAndSavesNothing) {
     auto layout = deltaSpec(true);
     for (auto& s : layout.sprites) s.deltas.clear();
     build(layout);
-    const auto before = readBytes(path);
+    const auto before = tb::readFile(path);
     ASSERT_TRUE(load());
     EXPECT_EQ(session->deltas.deltaStart, session->style.gSeekGraphicsEnd);
     EXPECT_EQ(session->deltas.myDeltas.size(), 1u);
     EXPECT_EQ(save(), 0);
-    EXPECT_EQ(readBytes(path), before);
+    EXPECT_EQ(tb::readFile(path), before);
     EXPECT_EQ(session->style.gSeekGraphicsEnd, static_cast<std::int64_t>(before.size()) - 42 + 1);
 }
 
@@ -244,11 +220,11 @@ TEST_F(DeltaFixture, StyleWithoutDeltasLoadsAndSavesNothing) {
 
 TEST_P(DeltaBothKinds, UnchangedDeltasSaveToTheSameBytes) {
     build(deltaSpec(GetParam()));
-    const auto before = readBytes(path);
+    const auto before = tb::readFile(path);
     ASSERT_TRUE(load());
     session->style.gDeltasChanged = true;
     EXPECT_EQ(save(), 0);
-    EXPECT_EQ(readBytes(path), before);
+    EXPECT_EQ(tb::readFile(path), before);
     EXPECT_FALSE(session->style.gDeltasChanged);
     EXPECT_EQ(session->style.gSeekGraphicsEnd,
               static_cast<std::int64_t>(offsets.spriteNumbers.offset) + 1);
@@ -263,7 +239,7 @@ TEST_P(DeltaBothKinds, GrownDeltaMovesEveryLaterDeltaAndRewritesTheHeader) {
     session->deltas.myDeltas[0].runLine.push_back(RunLine{40, 2, {8, 8}}); // 5 more bytes
     EXPECT_EQ(save(), 0);
 
-    const auto after = readBytes(path);
+    const auto after = tb::readFile(path);
     const std::size_t field =
         is24 ? tb::header24::sprite_graphics_size : tb::headerGry::sprite_graphics_size;
     const auto grown = static_cast<std::int32_t>(offsets.spriteGraphics.size + 5);
@@ -292,7 +268,7 @@ TEST_F(DeltaFixture, RunWithOffsetZeroEndsTheDeltaOnSave) {
     auto& lines = session->deltas.myDeltas[0].runLine;
     lines.insert(lines.begin() + 1, RunLine{0, 1, {6}}); // hides the run after it
     EXPECT_EQ(save(), 0);
-    const auto after = readBytes(path);
+    const auto after = tb::readFile(path);
     EXPECT_EQ(delta(0).size, 6);
     EXPECT_EQ(tb::getI16(after, offsets.deltaEntries[0]), 6);
     EXPECT_EQ(tb::getI32(after, offsets.deltaEntries[1] + 2), offsets.deltaPtrs[1] - 4);
@@ -302,11 +278,11 @@ TEST_F(DeltaFixture, RunWithOffsetZeroEndsTheDeltaOnSave) {
 
 TEST_F(DeltaFixture, SaveRefusesAStartOutsideTheFileAndWritesNothing) {
     build(deltaSpec(true));
-    const auto before = readBytes(path);
+    const auto before = tb::readFile(path);
     ASSERT_TRUE(load());
     session->deltas.deltaStart = static_cast<std::int64_t>(before.size()) + 1'000'000;
     EXPECT_EQ(save(), err::BadRecordNumber);
-    EXPECT_EQ(readBytes(path), before);
+    EXPECT_EQ(tb::readFile(path), before);
 }
 
 TEST_F(DeltaFixture, DeltaLargerThanItsSizeFieldIsAnOverflow) {
@@ -325,7 +301,7 @@ TEST_F(DeltaFixture, LoadDumpListsEveryDeltaAndRun) {
     build(deltaSpec(true));
     ASSERT_TRUE(load());
     EXPECT_EQ(platform.messageTexts(), std::vector<std::string>{"Generating loadDelta File"});
-    const std::string text = readText(dir / "loadDelta.txt");
+    const std::string text = tb::readText(dir / "loadDelta.txt");
     EXPECT_NE(text.find(" loadDelta \n"), std::string::npos);
     const std::string start = std::to_string(offsets.deltaData[0] + 1);
     const std::string end = std::to_string(offsets.deltaData[0] + 1 + 10);
@@ -352,11 +328,10 @@ TEST_F(DeltaFixture, SaveDumpLogsOnlyDeltas220To255AndAbove380) {
     tb::sortAndCountSprites(layout);
     build(layout);
     ASSERT_TRUE(load());
-    dumps.delta = true;
     session->options.dumps.delta = true;
     EXPECT_EQ(save(), 0);
     EXPECT_EQ(platform.messageTexts().back(), "Generating saveDelta File");
-    const std::string text = readText(dir / "loaddeltassave.txt");
+    const std::string text = tb::readText(dir / "loaddeltassave.txt");
     auto logged = [&](int i) {
         return text.find(" SAVE DELTA:" + std::to_string(i) + " ") != std::string::npos;
     };

@@ -83,63 +83,46 @@ TEST_F(Gc3Fixture, EncryptByteIsTheRoundedSecondsSinceMidnightModulo255) {
     EXPECT_EQ(gc3EncryptByte(86399.0), 86399 % 255);
 }
 
-TEST_F(Gc3Fixture, OneChangedByteGivesOneRunOfEight) {
-    const auto orig = randomBytes(10000, 2);
-    auto mod = orig;
-    mod[99] ^= 0xFF; // position 100
-    files(mod, orig);
-    ASSERT_TRUE(write());
-    const auto p = parsed();
-    ASSERT_EQ(p.styleRecords.size(), 1u);
-    EXPECT_EQ(p.styleRecords[0].position, 107);
-    EXPECT_EQ(p.styleRecords[0].length, 8);
-    EXPECT_EQ(p.styleRecords[0].data,
-              std::vector<std::uint8_t>(mod.begin() + 99, mod.begin() + 107));
-    EXPECT_EQ(p.header.StyleDataPositionEnd, 31 + 8 + 8);
-    EXPECT_TRUE(p.fxtRecords.empty());
-}
-
-TEST_F(Gc3Fixture, RunsGrowInEightsAcrossBlocksAndStopAtTheFileEnd) {
+TEST_F(Gc3Fixture, ChangedBytesGiveRunsOfEightAcrossBlocksThatStopAtTheFileEnd) {
     struct Case {
         const char* name;
         std::vector<std::size_t> changed;                        // 0-based
-        std::vector<std::pair<std::int32_t, std::int32_t>> runs; // (position, length)
+        std::size_t extra;                                       // bytes added to the end
+        std::vector<std::pair<std::int32_t, std::int32_t>> runs; // (last position, length)
     };
     const std::vector<Case> cases = {
-        {"a second change inside the first eight", {10, 17}, {{18, 8}}},
-        {"a change just after eight bytes carries on", {10, 18}, {{26, 16}}},
-        {"two separate changes", {10, 40}, {{18, 8}, {48, 8}}},
-        {"across the 4096-byte block boundary", {4093}, {{4101, 8}}},
-        {"cut short by the end of the file", {9997}, {{10000, 3}}},
+        {"one changed byte at position 100", {99}, 0, {{107, 8}}},
+        {"a second change inside the first eight", {10, 17}, 0, {{18, 8}}},
+        {"a change just after eight bytes carries on", {10, 18}, 0, {{26, 16}}},
+        {"two separate changes", {10, 40}, 0, {{18, 8}, {48, 8}}},
+        {"across the 4096-byte block boundary", {4093}, 0, {{4101, 8}}},
+        {"cut short by the end of the file", {9997}, 0, {{10000, 3}}},
+        {"extra bytes of a longer modified file", {}, 123, {{10123, 123}}},
     };
     const auto orig = randomBytes(10000, 3);
     for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
         auto mod = orig;
         for (auto i : c.changed) mod[i] ^= 0x5A;
+        const auto extra = randomBytes(c.extra, 5);
+        mod.insert(mod.end(), extra.begin(), extra.end());
         files(mod, orig);
-        ASSERT_TRUE(write()) << c.name;
+        ASSERT_TRUE(write());
         const auto p = parsed();
-        ASSERT_EQ(p.styleRecords.size(), c.runs.size()) << c.name;
+        ASSERT_EQ(p.styleRecords.size(), c.runs.size());
+        std::int32_t end = 31; // each record: 8 bytes of head, then its data
         for (std::size_t i = 0; i < c.runs.size(); ++i) {
-            EXPECT_EQ(p.styleRecords[i].position, c.runs[i].first) << c.name;
-            EXPECT_EQ(p.styleRecords[i].length, c.runs[i].second) << c.name;
+            const auto [last, length] = c.runs[i];
+            EXPECT_EQ(p.styleRecords[i].position, last);
+            EXPECT_EQ(p.styleRecords[i].length, length);
+            EXPECT_EQ(p.styleRecords[i].data,
+                      std::vector<std::uint8_t>(mod.begin() + last - length, mod.begin() + last));
+            end += 8 + length;
         }
+        EXPECT_EQ(p.header.StyleDataPositionEnd, end);
+        EXPECT_EQ(p.header.StyleDataLOF, static_cast<std::int32_t>(mod.size()));
+        EXPECT_TRUE(p.fxtRecords.empty());
     }
-}
-
-TEST_F(Gc3Fixture, ExtraBytesOfALongerModifiedFileAreAllCovered) {
-    const auto orig = randomBytes(5000, 4);
-    auto mod = orig;
-    const auto extra = randomBytes(123, 5);
-    mod.insert(mod.end(), extra.begin(), extra.end());
-    files(mod, orig);
-    ASSERT_TRUE(write());
-    const auto p = parsed();
-    ASSERT_EQ(p.styleRecords.size(), 1u);
-    EXPECT_EQ(p.styleRecords[0].position, 5123);
-    EXPECT_EQ(p.styleRecords[0].length, 123);
-    EXPECT_EQ(p.styleRecords[0].data, extra);
-    EXPECT_EQ(p.header.StyleDataLOF, 5123);
 }
 
 TEST_F(Gc3Fixture, StylesOfTwoLevelsAreRefused) {
