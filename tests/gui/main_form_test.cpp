@@ -21,21 +21,14 @@
 #include <QSettings>
 #include <QtTest>
 
-#include <fstream>
-#include <iterator>
-
 using namespace torquil;
+using torquil::testing::readFile;
 using torquil::testing::SampleFolder;
 using torquil::testing::ScriptedQtPlatform;
 
 namespace {
 
 const char* kCaption24 = "Torquil: STYLE001.G24 (Port Alder 24bit) [Sprites]";
-
-std::vector<std::uint8_t> bytesOf(const std::filesystem::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
 
 // One window on the sample level with its own platform and settings.
 struct Harness {
@@ -305,7 +298,7 @@ void MainFormTest::failedAndMissingLoadsLeaveTheRightState() {
     QVERIFY(h.enabled("mnuFindCar"));
 
     // A truncated file: the load error names the step; only the open command stays on.
-    std::vector<std::uint8_t> bytes = bytesOf(h.sample.dir / "STYLE001.G24");
+    std::vector<std::uint8_t> bytes = readFile(h.sample.dir / "STYLE001.G24");
     torquil::testing::truncate(bytes, 2000);
     torquil::testing::writeFile(h.sample.dir / "STYLE009.G24", bytes);
     h.form->openStyle(h.sample.file("STYLE009.G24"), kLoadSprites);
@@ -323,7 +316,8 @@ void MainFormTest::debugModeErrorIsShownNotThrown() {
     Harness h(/*debugMode=*/true);
     torquil::testing::StyleSpec layout = torquil::testing::sampleSpec24();
     layout.sprites.back().page = 26; // a page number the 26 page lists cannot hold
-    torquil::testing::writeFile(h.sample.dir / "STYLE001.G24", torquil::testing::buildStyle(layout));
+    torquil::testing::writeFile(h.sample.dir / "STYLE001.G24",
+                                torquil::testing::buildStyle(layout));
     h.form->openStyle(h.sample.file("STYLE001.G24"), kLoadSprites);
     QVERIFY(!h.platform.shown.empty());
     const Message& m = h.platform.shown.back();
@@ -402,7 +396,7 @@ void MainFormTest::importedSpriteIsSavedIntoTheStyleFile() {
     QCOMPARE(bmp.parent_path(), h.sample.work);
 
     // Paint the sprite's bottom-left pixel in the BMP (rows are stored bottom-up).
-    std::vector<std::uint8_t> file = bytesOf(bmp);
+    std::vector<std::uint8_t> file = readFile(bmp);
     const std::uint8_t old = file[1078];
     const std::uint8_t painted = static_cast<std::uint8_t>(old == 77 ? 78 : 77);
     file[1078] = painted;
@@ -414,9 +408,9 @@ void MainFormTest::importedSpriteIsSavedIntoTheStyleFile() {
     const auto style = h.sample.dir / "STYLE001.G24";
     const std::int64_t at =
         h.form->session().style.gSeekGraphicsStart - 1 + 2 * 65536 + (r.yo + r.H - 1) * 256 + r.xo;
-    QCOMPARE(bytesOf(style)[at], old);
+    QCOMPARE(readFile(style)[at], old);
     h.form->runKey("save");
-    QCOMPARE(bytesOf(style)[at], painted);
+    QCOMPARE(readFile(style)[at], painted);
     QVERIFY(!h.enabled("mnuSaveBlock"));
 
     // Reopened, the page holds the new pixel.
@@ -442,7 +436,7 @@ void MainFormTest::carEditorChangesEnableSaveAndReachTheFile() {
     h.action("mnuEditCar")->trigger();
     QVERIFY(h.enabled("mnuSaveBlock"));
     h.action("mnuSaveBlock")->trigger();
-    const auto bytes = bytesOf(h.sample.dir / "STYLE001.G24");
+    const auto bytes = readFile(h.sample.dir / "STYLE001.G24");
     QCOMPARE(int(bytes[record - 1]), 31); // width: the record's first field, low byte
     QVERIFY(!h.enabled("mnuSaveBlock"));
 }
