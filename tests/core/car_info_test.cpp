@@ -4,6 +4,7 @@
 #include "session/load_sequence.h"
 #include "session/loaders.h"
 #include "session/style_session.h"
+#include "sprite_fixture.h"
 #include "style_builder.h"
 #include "test_dir.h"
 
@@ -66,12 +67,6 @@ tb::CarSpec car(std::uint8_t vtype, std::int16_t spr, std::uint8_t model) {
     return c;
 }
 
-std::vector<std::string> linesFrom(const std::vector<std::string>& all, const std::string& first) {
-    return {std::find_if(all.begin(), all.end(),
-                         [&](const std::string& l) { return l.rfind(first, 0) == 0; }),
-            all.end()};
-}
-
 const std::vector<std::string> kEofMessage = {"Unexpected EOF during loadCarInfo"};
 
 } // namespace
@@ -117,7 +112,7 @@ TEST(CarInfoLoad, EveryVehicleTypeGetsItsAbsoluteNumberThroughTheWholeLoad) {
                                                "10 car_infos loaded",
                                                "26 highest spr_num loaded",
                                                "6 lowest spr_num loaded"};
-    auto got = linesFrom(p.detailLines, "loadCarInfoSeek:");
+    auto got = tb::detailsFrom(p, "loadCarInfoSeek:");
     got.resize(std::min(got.size(), expected.size()));
     EXPECT_EQ(got, expected);
 
