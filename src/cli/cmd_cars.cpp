@@ -128,7 +128,8 @@ void registerCarsCommand(CLI::App& app, Context& ctx) {
             nlohmann::ordered_json list = nlohmann::ordered_json::array();
             for (const Car& car : cars) list.push_back(carJson(car));
             // Names are the game's 8-bit text, not always valid UTF-8.
-            ctx.out << list.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+            ctx.out << list.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
+                    << '\n';
         } else {
             printText(ctx.out, cars);
         }

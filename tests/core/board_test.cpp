@@ -23,7 +23,7 @@ std::vector<uint8_t> painted(bool is24) {
     layout.is24 = is24;
     layout.cluts = {tb::rampClut(0, 0, 0), tb::rampClut(100, 0, 0), tb::rampClut(0, 100, 0)};
     layout.sprites = {filled(0, 10, 10, 8, 8, 1, 5), filled(0, 14, 14, 8, 8, 2, 7),
-                    filled(1, 0, 0, 4, 4, 0, 9)};
+                      filled(1, 0, 0, 4, 4, 0, 9)};
     return tb::buildStyle(layout);
 }
 

@@ -15,7 +15,7 @@ tb::StyleSpec specWithCluts(int count) {
     tb::StyleSpec layout;
     for (int k = 0; k < count; ++k)
         layout.cluts.push_back(tb::rampClut(static_cast<uint8_t>(k), static_cast<uint8_t>(k + 10),
-                                          static_cast<uint8_t>(k + 20)));
+                                            static_cast<uint8_t>(k + 20)));
     return layout;
 }
 

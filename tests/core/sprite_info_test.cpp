@@ -82,7 +82,7 @@ TEST(SpriteInfo, G24RecordsFillPageListsClutsDeltaReferencesAndDetails) {
 TEST(SpriteInfo, MouseOverCoversEachRectangleAndTheLaterSpriteWins) {
     tb::StyleSpec layout;
     layout.sprites = {tb::spriteAt(0, 0, 0, 10, 10), tb::spriteAt(0, 5, 5, 10, 10),
-                    tb::spriteAt(1, 250, 250, 6, 6), tb::spriteAt(0, 40, 40, 0, 5)};
+                      tb::spriteAt(1, 250, 250, 6, 6), tb::spriteAt(0, 40, 40, 0, 5)};
     tb::OpenStyle t;
     ASSERT_TRUE(openAndLoad(t, tb::buildStyle(layout)));
     const SpriteTables& m = t.s().sprites;
@@ -107,7 +107,7 @@ TEST(SpriteInfo, GryPtrGivesPageXoAndYo) {
 TEST(SpriteInfo, SizeMismatchStopsAtThatSpriteNamingIt) {
     tb::StyleSpec layout;
     layout.sprites = {tb::spriteAt(0, 0, 0, 2, 2), tb::spriteAt(0, 10, 0, 2, 2),
-                    tb::spriteAt(0, 20, 0, 2, 2)};
+                      tb::spriteAt(0, 20, 0, 2, 2)};
     layout.sprites[1].sizeOverride = 5;
     tb::OpenStyle t;
     EXPECT_FALSE(openAndLoad(t, tb::buildStyle(layout)));
