@@ -1,5 +1,7 @@
 #include "fuzz_support.h"
 
+#include "session/style_session.h"
+
 #include <fstream>
 #include <unistd.h>
 
@@ -21,6 +23,23 @@ std::filesystem::path writeScratch(const std::string& name, const std::uint8_t* 
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     out.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
     return path;
+}
+
+StyleSession& reusedSession() {
+    static StyleSession session([] {
+        AppOptions options;
+        options.workDir = scratchDir();
+        return options;
+    }());
+    session.errors.clear();
+    session.style = StyleFileState{};
+    session.colours = ColourTables{};
+    session.deltas = DeltaTable{};
+    session.sprites.spriteNumbers = {};
+    session.pages.highestPage = 0;
+    session.pages.gNumBlockLoaded = -1;
+    session.selection.clear();
+    return session;
 }
 
 } // namespace torquil::fuzz

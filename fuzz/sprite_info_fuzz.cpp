@@ -15,27 +15,6 @@
 #include <array>
 #include <cstdint>
 
-namespace {
-// One session for all runs (its page buffers are large), emptied of the previous run's tables.
-torquil::StyleSession& reusedSession() {
-    using namespace torquil;
-    static StyleSession session([] {
-        AppOptions options;
-        options.workDir = fuzz::scratchDir();
-        return options;
-    }());
-    session.errors.clear();
-    session.style = StyleFileState{};
-    session.colours = ColourTables{};
-    session.deltas = DeltaTable{};
-    session.sprites.spriteNumbers = {};
-    session.pages.highestPage = 0;
-    session.pages.gNumBlockLoaded = -1;
-    session.selection.clear();
-    return session;
-}
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace torquil;
     if (size < 2) return 0;
@@ -44,7 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const int option = (data[0] & 2) ? kLoadTiles : kLoadSprites;
     auto path = fuzz::writeScratch(is24 ? "STYLE001.G24" : "STYLE001.GRY", data + 1, size - 1);
 
-    StyleSession& session = reusedSession();
+    StyleSession& session = fuzz::reusedSession();
     torquil::testing::FakePlatform platform;
     prepareStyle(session.style, path, option);
     BinaryFile file(session.errors);
