@@ -42,20 +42,4 @@ DeltaPicForm::DeltaPicForm(const QImage& picture, const QString& title, const QS
     layout->setSizeConstraint(QLayout::SetFixedSize);
 }
 
-DeltaPicForm* DeltaPicForm::transparencyTest(const QImage& mask, QWidget* parent) {
-    return new DeltaPicForm(mask, "Transparency test...",
-                            "OK if you see a white shape in a red background.", parent);
-}
-
-QImage transparencyMask(const unsigned char* bytes, int width, int height, int stride) {
-    QImage mask(std::max(width, 0), std::max(height, 0), QImage::Format_RGB32);
-    constexpr QRgb kShape = 0xFFFFFFFF, kBackground = 0xFFB42828; // RGB 180, 40, 40
-    for (int y = 0; y < mask.height(); ++y) {
-        auto* out = reinterpret_cast<QRgb*>(mask.scanLine(y));
-        const unsigned char* row = bytes + static_cast<std::ptrdiff_t>(y) * stride;
-        for (int x = 0; x < mask.width(); ++x) out[x] = row[x] ? kShape : kBackground;
-    }
-    return mask;
-}
-
 } // namespace torquil

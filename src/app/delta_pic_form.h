@@ -18,9 +18,6 @@ public:
     DeltaPicForm(const QImage& picture, const QString& title, const QString& toolTip,
                  QWidget* parent = nullptr);
 
-    // The window as the transparency check opens it.
-    static DeltaPicForm* transparencyTest(const QImage& mask, QWidget* parent = nullptr);
-
     int scale() const { return scale_; }
     // The (width + 2) x (height + 2) picture before enlarging.
     const QImage& framedPicture() const { return framed_; }
@@ -30,9 +27,5 @@ private:
     QImage framed_;
     int scale_ = 1;
 };
-
-// The two-colour mask of a sprite: white where the pixel byte is not 0, dark red where it is.
-// `bytes` holds `height` rows of `stride` bytes, the sprite's first pixel at bytes[0].
-QImage transparencyMask(const unsigned char* bytes, int width, int height, int stride);
 
 } // namespace torquil
