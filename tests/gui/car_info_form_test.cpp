@@ -110,6 +110,8 @@ private slots:
     void remapPageShowsAndEditsTheSelectedRemap();
     void grayStyleListsEightBitRemapsWithSwatch();
     void helpButtonsWithoutHelpFile();
+    void helpButtonsOpenTheirContext();
+    void unknownCarOpensEmptyAndQueuesNothing();
     void playButtonsPlayEngineHornAndSoundFunction();
     void screenshots();
 };
@@ -151,6 +153,18 @@ void CarInfoFormTest::pagesHoldTheirBoxesWithCaptionsAndToolTips() {
         QCOMPARE(pageOf(form, help), static_cast<int>(page));
     }
     QCOMPARE(boxes, kCarFieldCount);
+
+    // The Tab key visits the boxes page by page, in the order they stand on the page.
+    std::vector<int> expected;
+    for (const auto& page : pages)
+        for (int index : page)
+            if (index != 36) expected.push_back(index); // the door count is shown only
+    std::vector<int> visited;
+    for (QWidget* w = form.tabs()->nextInFocusChain(); w != form.tabs(); w = w->nextInFocusChain())
+        if (auto* edit = qobject_cast<QLineEdit*>(w);
+            edit && edit->focusPolicy() != Qt::NoFocus && edit->objectName().startsWith("txtBox"))
+            visited.push_back(edit->objectName().mid(6).toInt());
+    QCOMPARE(visited, expected);
     QCOMPARE(form.label(18)->text(), QString("Mass"));
     QCOMPARE(form.label(18)->toolTip(), QString("Total Mass (don't set too low)"));
     QCOMPARE(form.label(27)->text(), QString("Steeringwheel offset"));
@@ -495,6 +509,53 @@ void CarInfoFormTest::helpButtonsWithoutHelpFile() {
         QCOMPARE(message.icon, Icon::Information);
     }
     QVERIFY(!form.recordChanged());
+}
+
+// A platform with a help file, recording the contexts asked for.
+class HelpfulPlatform : public FakePlatform {
+public:
+    std::vector<int> contexts;
+    bool helpOpens = true;
+    bool hasHelp() const override { return true; }
+    bool showHelp(int context) override {
+        contexts.push_back(context);
+        return helpOpens;
+    }
+};
+
+void CarInfoFormTest::helpButtonsOpenTheirContext() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    HelpfulPlatform platform;
+    CarInfoForm form(*level->session, platform, carWithDoors(*level->session, 0));
+    form.show();
+    form.tabs()->setCurrentIndex(CarInfoForm::SoundPage);
+    QTest::mouseClick(form.helpButton(CarInfoForm::SoundPage), Qt::LeftButton);
+    form.tabs()->setCurrentIndex(CarInfoForm::SpritePage);
+    QTest::mouseClick(form.helpButton(CarInfoForm::SpritePage), Qt::LeftButton);
+    QCOMPARE(platform.contexts,
+             (std::vector<int>{CarInfoForm::helpContext(CarInfoForm::SoundPage),
+                               CarInfoForm::helpContext(CarInfoForm::SpritePage)}));
+    QVERIFY(platform.contexts[0] != platform.contexts[1]);
+    QVERIFY(platform.shownMessages.empty());
+
+    // A help file that cannot be shown is reported with the error's description.
+    platform.helpOpens = false;
+    QTest::mouseClick(form.helpButton(CarInfoForm::SpritePage), Qt::LeftButton);
+    QCOMPARE(platform.messageTexts(), std::vector<std::string>{"File not found"});
+}
+
+void CarInfoFormTest::unknownCarOpensEmptyAndQueuesNothing() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    {
+        CarInfoForm form(*level->session, level->platform, 0);
+        QCOMPARE(form.windowTitle(), QString("Car Info: "));
+        QVERIFY(!form.box(kRpxBox)->isEnabled());
+        typeInto(form.box(kGripBox), "5");
+        form.reject();
+    }
+    QVERIFY(!level->session->style.anyChange());
 }
 
 void CarInfoFormTest::playButtonsPlayEngineHornAndSoundFunction() {
