@@ -57,7 +57,7 @@ std::vector<std::uint8_t> simplePng(std::uint32_t format, int w, int h,
 } // namespace
 
 TEST(PngCodec, WritesAnEightBitPaletteImageThatReadsBackExactly) {
-    for (const auto [w, h] : {std::pair{1, 1}, std::pair{30, 7}, std::pair{255, 3}}) {
+    for (const auto& [w, h] : {std::pair{1, 1}, std::pair{30, 7}, std::pair{255, 3}}) {
         const auto bytes = encoded(w, h);
         // IHDR: bit depth 8, colour type 3 (palette); PLTE with all 256 colours follows.
         ASSERT_GT(bytes.size(), 41u);
