@@ -153,7 +153,9 @@ PngDecoded decodeIndexedPng(std::span<const std::uint8_t> bytes, int expectedWid
         result.status = PngStatus::WrongSize;
         return result;
     }
-    if (width == 0 || height == 0 || std::int64_t{width} * height > kPngMaxPixels) {
+    // Both are below 2^32, so their product fits 64 unsigned bits.
+    if (width == 0 || height == 0 ||
+        std::uint64_t{width} * height > static_cast<std::uint64_t>(kPngMaxPixels)) {
         result.status = PngStatus::Damaged;
         result.detail = "the picture is empty or too large";
         return result;

@@ -36,7 +36,7 @@ struct PngDecoded {
 };
 
 // The largest picture the reader decodes when the caller does not fix the size.
-inline constexpr std::int64_t kPngMaxPixels = std::int64_t{1} << 26;
+inline constexpr std::int64_t kPngMaxPixels = std::int64_t{1} << 24;
 
 // Decodes an 8-bit palette PNG. With a nonzero expected width the header must give exactly
 // expectedWidth x expectedHeight; that is checked before any pixel is decoded. tRNS and every other

@@ -77,19 +77,20 @@ TEST(PngCodec, WritesAnEightBitPaletteImageThatReadsBackExactly) {
 }
 
 TEST(PngCodec, ReadsAPaletteImageWithTransparencyAndAShortPaletteAsItsIndexes) {
-    // 16 colours with alpha (a tRNS chunk) and indexes 0..15, as a paint program saves them.
+    // 17 colours with alpha (a tRNS chunk) and indexes 0..15, as a paint program saves them (with
+    // 16 colours or fewer libpng would pack the pixels below 8 bits).
     std::vector<std::uint8_t> colormap;
-    for (int i = 0; i < 16; ++i)
+    for (int i = 0; i < 17; ++i)
         colormap.insert(colormap.end(), {static_cast<std::uint8_t>(i * 16), 0, 0,
                                          static_cast<std::uint8_t>(i == 0 ? 0 : 255)});
     std::vector<std::uint8_t> pixels(8 * 4);
     std::iota(pixels.begin(), pixels.end(), 0);
     for (auto& p : pixels) p %= 16;
-    const auto bytes = simplePng(PNG_FORMAT_RGBA_COLORMAP, 8, 4, pixels, colormap, 256);
+    const auto bytes = simplePng(PNG_FORMAT_RGBA_COLORMAP, 8, 4, pixels, colormap, 17);
     const PngDecoded d = decodeIndexedPng(bytes, 8, 4);
     ASSERT_EQ(d.status, PngStatus::Ok) << d.detail;
     EXPECT_EQ(d.picture.pixels, pixels);
-    EXPECT_GE(d.picture.colourCount, 16);
+    EXPECT_EQ(d.picture.colourCount, 17);
     EXPECT_EQ(d.picture.colours[5].r, 80);
 }
 
