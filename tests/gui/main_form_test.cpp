@@ -552,7 +552,7 @@ void MainFormTest::deltaSetCommandsViewExportAndImport() {
     // Cancel at the clean-or-dirty question changes nothing.
     s.style.gDeltasChanged = false;
     h.platform.answers = {Answer::Cancel};
-    h.action("importdeltas")->trigger();
+    h.form->toolBar()->button("importdeltas")->trigger();
     QVERIFY(!s.style.gDeltasChanged);
 }
 
