@@ -3,6 +3,7 @@
 #include "exchange/bitmap_names.h"
 #include "platform/platform.h"
 #include "session/loaders.h"
+#include "session/picture_file.h"
 #include "session/session_io.h"
 
 #include <system_error>
@@ -76,7 +77,7 @@ bool importSpriteFrom(StyleSession& session, Platform& platform, const fs::path&
     ProgressSink& progress = platform.progress();
     progress.open("Importing", file.filename().string(), std::max(0, sprite->H - 1));
     std::vector<std::uint8_t> pixels;
-    if (!readBmp(session, platform, file, sprite->clut, sprite->W, sprite->H, pixels)) {
+    if (!readPicture(session, platform, file, sprite->clut, sprite->W, sprite->H, pixels)) {
         progress.close();
         return false;
     }

@@ -42,7 +42,7 @@ struct CarEdit {
 // the sprite's CLUT (overwriteClut). True when the pixels were replaced (gPagesChanged is set);
 // false leaves the page as it was.
 [[nodiscard]] bool importSprite(StyleSession& session, Platform& platform);
-// The same from a BMP somewhere else (the command line names the file).
+// The same from a BMP (or a PNG, by the name) somewhere else (the command line names the file).
 [[nodiscard]] bool importSpriteFrom(StyleSession& session, Platform& platform,
                                     const std::filesystem::path& file);
 // Importing a BMP chosen anywhere: the sprite is found from the file's name (KRBSPR, KRBTIL or

@@ -2,6 +2,7 @@
 
 #include "platform/platform.h"
 #include "session/edits.h"
+#include "session/picture_file.h"
 
 namespace torquil {
 
@@ -166,8 +167,8 @@ bool exportSpriteTo(StyleSession& s, Platform& platform, const std::filesystem::
     const SpriteRec* sprite = s.selectedSprite();
     if (!sprite) return false;
     platform.progress().open("Exporting", file.filename().string(), std::max(0, sprite->H - 1));
-    const bool written =
-        writeBmp(s, platform, file, spritePixels(s, *sprite), sprite->clut, sprite->W, sprite->H);
+    const bool written = writePicture(s, platform, file, spritePixels(s, *sprite), sprite->clut,
+                                      sprite->W, sprite->H);
     platform.progress().close();
     return written;
 }

@@ -99,7 +99,8 @@ int autoCorrectRemaps(StyleSession& session, const SpriteRec& sprite);
 // Writes the selected sprite as workDir / bmpFileName(). Returns the full path of the file, or
 // an empty path when nothing is selected or the file could not be written.
 std::filesystem::path exportSprite(StyleSession& session, Platform& platform);
-// The same into a file of the caller's choosing; true when it was written.
+// The same into a file of the caller's choosing (PNG when its name ends in .png); true when it
+// was written.
 [[nodiscard]] bool exportSpriteTo(StyleSession& session, Platform& platform,
                                   const std::filesystem::path& file);
 
