@@ -387,7 +387,9 @@ TEST_F(SaveFixture, CrashAtAnyPointLeavesTheOriginalRecoverable) {
 
         ASSERT_TRUE(fs::exists(path)); // the name always holds a file
         EXPECT_EQ(tb::readFile(bak()), original);
-        if (at == "File Open") EXPECT_EQ(bytes(), original);
+        if (at == "File Open") {
+            EXPECT_EQ(bytes(), original);
+        }
         if (at == "Shrink Copy Written") {
             EXPECT_EQ(bytes().size(), original.size());
             EXPECT_EQ(tb::readFile(withSuffix(path, "~")), saved);
