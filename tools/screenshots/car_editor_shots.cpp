@@ -21,7 +21,7 @@ using namespace torquil;
 
 namespace {
 
-int firstCarWithDoors(const StyleSession& session, std::size_t doors) {
+int firstCarWithDoors(StyleSession& session, std::size_t doors) {
     for (int asn = 1; asn <= session.cars.highest; ++asn)
         if (const CarEntry* car = session.cars.find(asn);
             car && car->doorList.size() >= doors && findSpriteByAsn(session, asn))
