@@ -147,14 +147,9 @@ std::vector<std::string> sampleFxtEntries() {
     static const char* verbs[] = {"Pick up", "Deliver", "Collect", "Drop off", "Find", "Steal"};
     static const char* things[] = {"the package",  "a briefcase", "the van",
                                    "three crates", "a fast car",  "the driver"};
-    static const char* places[] = {"the docks",
-                                   "Harbour Street",
-                                   "the old station",
-                                   "Plaza Espa\xF1"
-                                   "a",
-                                   "the car wash",
-                                   "Caf\xE9 Rouge",
-                                   "the multi-storey",
+    static const char* places[] = {"the docks",          "Harbour Street", "the old station",
+                                   "Plaza Espa\xF1\x61", // Latin-1 n with tilde, then "a"
+                                   "the car wash",       "Caf\xE9 Rouge",  "the multi-storey",
                                    "Sierra Bay bridge"};
     for (int i = 0; i < 180; ++i) {
         std::string text = std::string(verbs[i % 6]) + " " + things[(i / 6) % 6] + " at " +
