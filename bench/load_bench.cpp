@@ -79,7 +79,7 @@ void BM_Floor(benchmark::State& state) {
     std::vector<std::uint32_t> image(static_cast<std::size_t>(kMaxPages) * kPageBytes);
     for (auto _ : state) {
         std::vector<std::uint8_t> bytes;
-        readWholeFile(level().style, bytes);
+        if (!readWholeFile(level().style, bytes)) state.SkipWithError("cannot read the level");
         const std::size_t pixels = std::min(bytes.size(), image.size());
         for (std::size_t i = 0; i < pixels; ++i) image[i] = table[bytes[i]];
         benchmark::DoNotOptimize(image.data());
@@ -143,7 +143,8 @@ void BM_ColourAndSpriteTables(benchmark::State& state) {
     StyleSession session(options);
     prepareStyle(session.style, level().style, kLoadSprites);
     BinaryFile file(session.errors);
-    file.open(level().style, BinaryFile::Mode::Read);
+    if (!file.open(level().style, BinaryFile::Mode::Read))
+        state.SkipWithError("cannot open the level");
     session.style.fileLength = file.length();
     session.style.header = readStyleHeader(file, true);
     locateSpriteSections(session.style);

@@ -106,7 +106,8 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
     BinaryFile file(s.errors);
     // A load fills a fresh session: no error of an earlier command belongs to it.
     s.errors.clear();
-    file.open(style.path, BinaryFile::Mode::Read);
+    // A failed open leaves its pending error, which ends the load below.
+    static_cast<void>(file.open(style.path, BinaryFile::Mode::Read));
     style.fileLength = file.length();
     style.loadedWriteTime = std::filesystem::last_write_time(style.path, ec);
     style.header = readStyleHeader(file, style.gIs24Bit);

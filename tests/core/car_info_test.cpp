@@ -49,12 +49,12 @@ struct SectionFixture {
         s.style.gSeekCarInfo = kLead + 1;
         s.style.gSeekCarInfoEnd = kLead + 1 + (sectionSize < 0 ? size : sectionSize);
         BinaryFile f(s.errors);
-        f.open(path, BinaryFile::Mode::Read);
+        EXPECT_TRUE(f.open(path, BinaryFile::Mode::Read));
         return loadCarInfo(s, f, p);
     }
     int save() {
         BinaryFile f(s.errors);
-        f.open(path, BinaryFile::Mode::ReadWrite);
+        EXPECT_TRUE(f.open(path, BinaryFile::Mode::ReadWrite));
         return saveCarInfo(s, f, p);
     }
 };
@@ -167,7 +167,7 @@ TEST(CarInfoFailures, SectionRunningPastTheEndOfTheFileKeepsWhatWasRead) {
     ASSERT_TRUE(cut.load(cars));
     std::filesystem::resize_file(cut.path, kLead + 3 * 174 - 100);
     BinaryFile file(cut.s.errors);
-    file.open(cut.path, BinaryFile::Mode::Read);
+    ASSERT_TRUE(file.open(cut.path, BinaryFile::Mode::Read));
     EXPECT_FALSE(loadCarInfo(cut.s, file, cut.p));
     EXPECT_EQ(cut.p.messageTexts(), kEofMessage);
     EXPECT_EQ(cut.s.cars.count, 2);

@@ -35,7 +35,7 @@ struct SaveRun {
     std::vector<uint8_t> save() {
         t.file->close();
         BinaryFile rw(t.s().errors);
-        rw.open(t.path, BinaryFile::Mode::ReadWrite);
+        EXPECT_TRUE(rw.open(t.path, BinaryFile::Mode::ReadWrite));
         t.s().style.gClutChanged = true;
         result = saveCLUT(t.s(), rw, t.platform);
         rw.close();
@@ -123,7 +123,7 @@ TEST(ClutLoad, PaletteIndexReadsAtLeastOneAndAtMost3001Entries) {
     EXPECT_EQ(over.s().errors.pending(), err::SubscriptOutOfRange);
     tb::OpenStyle debug;
     debug.open("STYLE001.G24", tb::buildStyle(layout), kLoadSprites, /*debug=*/true);
-    EXPECT_THROW(loadCLUT(debug.s(), *debug.file, debug.platform), RuntimeError);
+    EXPECT_THROW(static_cast<void>(loadCLUT(debug.s(), *debug.file, debug.platform)), RuntimeError);
 }
 
 TEST(ClutLoad, HeadersThatDoNotFitTheFileFailCleanly) {

@@ -300,8 +300,8 @@ TEST_F(DeltaSetFixture, BadPicturesAreRefusedWithAMessageAndChangeNothing) {
     const std::vector<Case> cases = {
         {"wide.bmp",
          [&] {
-             writeBmp(*session, platform, dir / "wide.bmp", picture, sprite.clut, width + 1,
-                      sprite.H);
+             EXPECT_TRUE(writeBmp(*session, platform, dir / "wide.bmp", picture, sprite.clut,
+                                  width + 1, sprite.H));
          },
          "Imported sprite must be of the exact same size as sprite.\rBMP image should be (" +
              std::to_string(width) + "," + std::to_string(sprite.H) + ")"},

@@ -89,7 +89,7 @@ struct DeltaFixture : ::testing::Test {
 
     int save() {
         BinaryFile file(session->errors);
-        file.open(path, BinaryFile::Mode::ReadWrite);
+        EXPECT_TRUE(file.open(path, BinaryFile::Mode::ReadWrite));
         return saveDeltas(*session, file, platform);
     }
 

@@ -85,9 +85,10 @@ TEST(FxtEncode, BytesAboveOneNinetyOneAreEscapedAndComeBack) {
 
 TEST(FxtNames, CarEntriesFillTheNamesTable) {
     CarNames names;
-    decodeFxtBytes(tb::encodeFxt({"[1001]An", "[car5]Taxi", "[car12]Bus", "[car91]X", "[carX]Y",
-                                  "[car0]", "[car]X", "[car7x]Odd", "[Car8]No", "[car90]Last"}),
-                   &names);
+    static_cast<void>(
+        decodeFxtBytes(tb::encodeFxt({"[1001]An", "[car5]Taxi", "[car12]Bus", "[car91]X", "[carX]Y",
+                                      "[car0]", "[car]X", "[car7x]Odd", "[Car8]No", "[car90]Last"}),
+                       &names));
     EXPECT_EQ(names.keys[5], "[car5]");
     EXPECT_EQ(names.names[5], "Taxi");
     EXPECT_EQ(names.keys[12], "[car12]");

@@ -11,6 +11,8 @@
 #include "style_builder.h"
 #include "test_dir.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <memory>
 #include <string>
@@ -37,7 +39,7 @@ struct OpenStyle {
         session = std::make_unique<StyleSession>(options);
         prepareStyle(session->style, path, option);
         file = std::make_unique<BinaryFile>(session->errors);
-        file->open(path, BinaryFile::Mode::Read);
+        EXPECT_TRUE(file->open(path, BinaryFile::Mode::Read));
         session->style.fileLength = file->length();
         session->style.header = readStyleHeader(*file, session->style.gIs24Bit);
         if (option == kLoadTiles)
