@@ -95,19 +95,25 @@ std::vector<std::int64_t> changedPositions(const std::vector<Gc3Record>& runs,
     return out;
 }
 
-// The decoded lines of a text file that are not car names, in order.
+// The decoded entries of a text file that are not car names, in order. Lines too short for an
+// entry or without a key (the end marker, which every save writes anew) are no texts.
 std::vector<std::string> otherTextLines(const std::vector<std::uint8_t>& text) {
     std::vector<std::string> lines;
     std::string line;
+    auto take = [&lines](const std::string& l) {
+        const bool entry =
+            l.size() >= 4 && l.find('[') != std::string::npos && l.find(']') != std::string::npos;
+        if (entry && l.rfind("[car", 0) != 0) lines.push_back(l);
+    };
     for (std::uint8_t b : text) {
         if (b == 10) {
-            if (line.rfind("[car", 0) != 0) lines.push_back(line);
+            take(line);
             line.clear();
         } else if (b != 13) {
             line.push_back(static_cast<char>(b));
         }
     }
-    if (!line.empty() && line.rfind("[car", 0) != 0) lines.push_back(line);
+    take(line);
     return lines;
 }
 

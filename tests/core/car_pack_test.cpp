@@ -9,6 +9,7 @@
 #include "cli_runner.h"
 #include "exchange/sprite_exchange.h"
 #include "fake_platform.h"
+#include "fxt_coder.h"
 #include "sample_level.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
@@ -194,11 +195,18 @@ TEST_F(CarPackFixture, PreviewTellsTheDeltaStoreOtherSectionsAndAnotherLevel) {
     changed[store] ^= 1;
     fs::create_directories(dir / "mod");
     tb::writeFile(dir / "mod" / "STYLE001.G24", changed);
-    ASSERT_TRUE(writeGC3(dir / "mod" / "STYLE001.G24", style, fxt, fxt, pack, platform));
+    // A text of ENGLISH.FXT that is not a car name.
+    auto entries = tb::sampleFxtEntries();
+    entries.front() += "!";
+    tb::writeFile(dir / "mod" / "ENGLISH.FXT", tb::encodeFxt(entries));
+    ASSERT_TRUE(writeGC3(dir / "mod" / "STYLE001.G24", style, dir / "mod" / "ENGLISH.FXT", fxt,
+                         pack, platform));
     CarPackPreview p = preview();
     EXPECT_TRUE(p.deltaStore);
     EXPECT_EQ(p.otherSections, std::vector<std::string>{"header"});
     EXPECT_EQ(p.styleBytesChanged, 2);
+    EXPECT_TRUE(p.otherTexts);
+    EXPECT_TRUE(p.names.empty());
 
     session->style.gMapNumber = 2;
     session->style.gStyleFileName = "STYLE002.G24";
