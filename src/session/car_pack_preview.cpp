@@ -260,6 +260,10 @@ std::string joined(const std::vector<std::string>& parts, const char* separator 
     return out;
 }
 
+std::string counted(std::size_t n, const char* one, const char* many) {
+    return std::to_string(n) + " " + (n == 1 ? one : many);
+}
+
 std::string levelText(int level) {
     return std::to_string(level) + " (" + mapName(level) + ")";
 }
@@ -312,14 +316,16 @@ std::vector<std::string> carPackPreviewLines(const CarPackPreview& p) {
     lines.push_back("Car pack for level " + levelText(p.packLevel));
     if (!p.forOpenLevel())
         lines.push_back("Not for " + p.styleName + ", which is level " + levelText(p.openLevel));
-    lines.push_back("Style file: " + std::to_string(p.styleRuns) + " runs, " +
-                    std::to_string(p.styleBytesChanged) + " bytes changed" +
+    lines.push_back("Style file: " + counted(p.styleRuns, "run", "runs") + ", " +
+                    counted(static_cast<std::size_t>(p.styleBytesChanged), "byte", "bytes") +
+                    " changed" +
                     (p.styleLengthAfter != p.styleLengthBefore
                          ? ", length " + std::to_string(p.styleLengthBefore) + " -> " +
                                std::to_string(p.styleLengthAfter)
                          : std::string{}));
-    lines.push_back("ENGLISH.FXT: " + std::to_string(p.fxtRuns) + " runs, " +
-                    std::to_string(p.fxtBytesChanged) + " bytes changed");
+    lines.push_back("ENGLISH.FXT: " + counted(p.fxtRuns, "run", "runs") + ", " +
+                    counted(static_cast<std::size_t>(p.fxtBytesChanged), "byte", "bytes") +
+                    " changed");
     if (p.changesNothing()) lines.push_back("Changes nothing in these files");
     if (!p.cars.empty()) {
         lines.push_back("Car records:");
@@ -341,7 +347,7 @@ std::vector<std::string> carPackPreviewLines(const CarPackPreview& p) {
                                                     (s.car.empty() ? "" : " (" + s.car + ")")
                                               : "outside any sprite";
             lines.push_back("  page " + std::to_string(s.page) + ", " + who + ": " +
-                            std::to_string(s.pixels) + " pixels");
+                            counted(static_cast<std::size_t>(s.pixels), "pixel", "pixels"));
         }
     }
     if (!p.cluts.empty()) {
@@ -349,9 +355,10 @@ std::vector<std::string> carPackPreviewLines(const CarPackPreview& p) {
         for (const auto& c : p.cluts) {
             std::vector<std::string> asns;
             for (int asn : c.asns) asns.push_back(std::to_string(asn));
-            lines.push_back(
-                "  CLUT " + std::to_string(c.clut) +
-                (asns.empty() ? std::string(" (no sprite)") : " (sprites " + joined(asns) + ")"));
+            lines.push_back("  CLUT " + std::to_string(c.clut) +
+                            (asns.empty() ? std::string(" (no sprite)")
+                                          : (asns.size() == 1 ? " (sprite " : " (sprites ") +
+                                                joined(asns) + ")"));
         }
     }
     if (p.deltaStore) lines.push_back("Delta store changed");
