@@ -20,6 +20,7 @@ constexpr const char* kCarInfo = "car info";
 constexpr const char* kGraphics = "sprite graphics";
 constexpr const char* kClut = "CLUT";
 constexpr const char* kOutside = "bytes outside the style file's sections";
+constexpr int kModelOffset = 107; // the car info record's `model` byte
 
 struct Section {
     std::string name;
@@ -160,7 +161,7 @@ public:
             car.asn = asn;
             const CarEntry& entry = s_.cars.slots[static_cast<std::size_t>(asn)];
             car.model = entry.info.model;
-            const auto modelAt = static_cast<std::size_t>(entry.fileSeek - 1 + 107);
+            const auto modelAt = static_cast<std::size_t>(entry.fileSeek - 1 + kModelOffset);
             if (modelAt < after_.size()) car.model = after_[modelAt]; // the pack may change it
             car.name = names_.nameOf(car.model);
             car.fields = fields;
@@ -240,9 +241,10 @@ private:
     std::set<std::pair<std::int64_t, std::string>> others_;
 };
 
-void previewNames(const std::vector<std::uint8_t>& before, const std::vector<std::uint8_t>& after,
-                  CarNames& namesAfter, CarPackPreview& out) {
-    CarNames namesBefore;
+// Fills the car names and other texts that change; returns the names of the text file after it.
+CarNames previewNames(const std::vector<std::uint8_t>& before,
+                      const std::vector<std::uint8_t>& after, CarPackPreview& out) {
+    CarNames namesBefore, namesAfter;
     const auto textBefore = decodeFxtBytes(before, &namesBefore);
     const auto textAfter = decodeFxtBytes(after, &namesAfter);
     for (int m = 0; m < kCarNameCount; ++m) {
@@ -252,6 +254,7 @@ void previewNames(const std::vector<std::uint8_t>& before, const std::vector<std
             out.names.push_back({m, namesBefore.names[i], namesAfter.names[i]});
     }
     out.otherTexts = otherTextLines(textBefore) != otherTextLines(textAfter);
+    return namesAfter;
 }
 
 std::string joined(const std::vector<std::string>& parts, const char* separator = ", ") {
@@ -299,9 +302,13 @@ bool previewCarPack(const Gc3Pack& pack, const StyleSession& session,
 
     const auto fxtChanged = changedPositions(pack.fxtRecords, fxtBefore, fxtAfter);
     out.fxtBytesChanged = static_cast<std::int64_t>(fxtChanged.size());
+    // Cars are named as the text file names them after the pack, else as the open level does.
     CarNames namesAfter = session.names;
-    if (!fxtChanged.empty() || fxtBefore.size() != fxtAfter.size())
-        previewNames(fxtBefore, fxtAfter, namesAfter, out);
+    if (!fxtChanged.empty() || fxtBefore.size() != fxtAfter.size()) {
+        const CarNames decoded = previewNames(fxtBefore, fxtAfter, out);
+        for (std::size_t m = 0; m < decoded.keys.size(); ++m)
+            if (!decoded.keys[m].empty()) namesAfter.names[m] = decoded.names[m];
+    }
 
     const auto styleChanged = changedPositions(pack.styleRecords, styleBefore, styleAfter);
     out.styleBytesChanged = static_cast<std::int64_t>(styleChanged.size());

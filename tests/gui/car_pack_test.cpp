@@ -112,6 +112,7 @@ class CarPackTest : public QObject {
 private slots:
     void editedLevelRoundTripsThroughBuildAndApply();
     void packsThatDoNotBelongAreRefused();
+    void withoutBakCopiesTheOriginalsMustBeChosen();
     void screenshots();
 };
 
@@ -232,6 +233,31 @@ void CarPackTest::packsThatDoNotBelongAreRefused() {
     QVERIFY(!h.previewLines.isEmpty());
     QCOMPARE(readFile(h.style), style);
     QVERIFY(!fs::exists(h.style.string() + ".bak"));
+}
+
+void CarPackTest::withoutBakCopiesTheOriginalsMustBeChosen() {
+    Harness h;
+    h.open("STYLE001.G24");
+    h.platform.shown.clear();
+    bool accepted = true;
+    BuildCarPackForm::Paths defaults;
+    h.form->runDialog = [&](QDialog& dialog) {
+        auto* build = qobject_cast<BuildCarPackForm*>(&dialog);
+        if (!build) return int(QDialog::Rejected);
+        defaults = build->paths();
+        build->confirm();
+        accepted = build->result() == QDialog::Accepted;
+        return int(QDialog::Rejected);
+    };
+    h.action("mnuBuildGC3")->trigger();
+    QCOMPARE(defaults.modStyle, h.style);
+    QCOMPARE(defaults.modFxt, h.fxt);
+    QVERIFY(defaults.origStyle.empty() && defaults.origFxt.empty());
+    QCOMPARE(defaults.pack, h.sample.dir / "STYLE001_CARS.GC3");
+    QVERIFY(!accepted);
+    QCOMPARE(h.platform.texts(),
+             std::vector<std::string>{"Please choose the original style file."});
+    QVERIFY(!fs::exists(defaults.pack));
 }
 
 void CarPackTest::screenshots() {
