@@ -282,7 +282,7 @@ void CarPackTest::screenshots() {
     h.platform.answers = {Answer::Yes};
     h.form->runDialog = [&](QDialog& dialog) {
         dialog.show();
-        QTest::qWaitForWindowExposed(&dialog);
+        if (!QTest::qWaitForWindowExposed(&dialog)) return int(QDialog::Rejected);
         QTest::qWait(50);
         if (auto* build = qobject_cast<BuildCarPackForm*>(&dialog)) {
             build->grab().save(QString::fromUtf8(target) + "/car_pack_build.png");
