@@ -46,12 +46,12 @@ struct CarPackFixture : ::testing::Test {
         originalFxt = tb::readFile(fxt);
         load();
     }
-    void load() {
+    void load(const fs::path& file = {}) {
         AppOptions app;
         app.workDir = dir / "work";
         fs::create_directories(app.workDir);
         session = std::make_unique<StyleSession>(app);
-        prepareStyle(session->style, style, kLoadSprites);
+        prepareStyle(session->style, file.empty() ? style : file, kLoadSprites);
         ASSERT_EQ(initHeader(*session, platform, standardLoaders()), LoadOutcome::Loaded);
         platform.shownMessages.clear();
     }
@@ -213,6 +213,86 @@ TEST_F(CarPackFixture, PreviewTellsTheDeltaStoreOtherSectionsAndAnotherLevel) {
     p = preview();
     EXPECT_FALSE(p.forOpenLevel());
     EXPECT_EQ(carPackPreviewLines(p)[1], "Not for STYLE002.G24, which is level 2 (Sierra Bay)");
+}
+
+// The first thing a preview names: "car", "sprite", "CLUT", "delta store" or a section's name.
+std::string firstNamed(const CarPackPreview& p) {
+    if (!p.cars.empty()) return "car";
+    if (!p.sprites.empty()) return "sprite";
+    if (!p.cluts.empty()) return "CLUT";
+    if (p.deltaStore) return "delta store";
+    return p.otherSections.empty() ? "" : p.otherSections.front();
+}
+
+TEST_F(CarPackFixture, EverySectionOfBothKindsIsNamedWhereTheBuilderPutIt) {
+    struct Case {
+        const char* expected;
+        tb::Section tb::SectionOffsets::*section;
+    };
+    using S = tb::SectionOffsets;
+    const std::vector<Case> shared = {
+        {"header", &S::header},          {"tiles", &S::tiles},
+        {"object info", &S::objectInfo}, {"car", &S::carInfo},
+        {"sprite info", &S::spriteInfo}, {"sprite", &S::pages},
+        {"delta store", &S::deltaStore}, {"sprite numbers", &S::spriteNumbers}};
+    struct Level {
+        const char* file;
+        tb::StyleSpec spec;
+        std::vector<Case> own;
+    };
+    const std::vector<Level> levels = {{"STYLE001.G24",
+                                        tb::sampleSpec24(),
+                                        {{"CLUT", &S::clut}, {"palette index", &S::paletteIndex}}},
+                                       {"STYLE002.GRY",
+                                        tb::sampleSpec8(),
+                                        {{"8-bit palette", &S::palette},
+                                         {"remaps", &S::remaps},
+                                         {"remap index", &S::remapIndex}}}};
+    for (const Level& level : levels) {
+        const fs::path file = dir / level.file;
+        load(file);
+        const auto before = tb::readFile(file);
+        const tb::SectionOffsets at = tb::sectionOffsets(level.spec);
+        std::vector<Case> cases = shared;
+        cases.insert(cases.end(), level.own.begin(), level.own.end());
+        for (const Case& c : cases) {
+            const tb::Section& section = at.*(c.section);
+            SCOPED_TRACE(std::string(level.file) + ": " + c.expected);
+            ASSERT_GT(section.size, 0u);
+            auto changed = before;
+            changed[section.offset + section.size / 2] ^= 0x11;
+            fs::create_directories(dir / "mod");
+            tb::writeFile(dir / "mod" / level.file, changed);
+            ASSERT_TRUE(writeGC3(dir / "mod" / level.file, file, fxt, fxt, pack, platform));
+            Gc3Pack parsed;
+            ASSERT_TRUE(readCarPack(pack, parsed, platform));
+            CarPackPreview p;
+            std::string why;
+            ASSERT_TRUE(previewCarPack(parsed, *session, before, originalFxt, p, why)) << why;
+            EXPECT_EQ(firstNamed(p), c.expected);
+            EXPECT_EQ(p.styleBytesChanged, 1);
+        }
+    }
+}
+
+TEST_F(CarPackFixture, GrownDeltaStoreMovesTheFilesEndAndIsNamedWithTheHeaderAndSpriteNumbers) {
+    RunLine* grown = nullptr;
+    for (DeltaRec& d : session->deltas.myDeltas)
+        for (RunLine& run : d.runLine)
+            if (!grown && run.length > 0 && run.length < 250) grown = &run;
+    ASSERT_NE(grown, nullptr);
+    grown->length = static_cast<std::uint8_t>(grown->length + 2);
+    grown->data.resize(grown->length, 0x42);
+    session->style.gDeltasChanged = true;
+    save();
+    build();
+    const CarPackPreview p = preview();
+    EXPECT_EQ(p.styleLengthAfter, p.styleLengthBefore + 2);
+    EXPECT_TRUE(p.deltaStore);
+    EXPECT_TRUE(p.cars.empty());
+    EXPECT_TRUE(p.sprites.empty());
+    EXPECT_EQ(p.otherSections,
+              (std::vector<std::string>{"header", "sprite info", "sprite numbers"}));
 }
 
 // ---- Round trip and refusals -----------------------------------------------------------------
