@@ -363,7 +363,7 @@ TEST_F(CarPackFixture, PacksThatDoNotBelongAreRefusedWithNothingChanged) {
         {"damaged pack",
          [&](CarPackFiles&) {
              auto bytes = goodPack;
-             bytes.resize(bytes.size() - 3);
+             tb::putI32(bytes, kGc3HeaderSize + 4, 1 << 30); // the first run's length
              tb::writeFile(pack, bytes);
          },
          ApplyResult::Failed, "Error reading GC3 file."},
