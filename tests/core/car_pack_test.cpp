@@ -11,6 +11,7 @@
 #include "fake_platform.h"
 #include "fxt_coder.h"
 #include "sample_level.h"
+#include "session/edits.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
 #include "session/save_sequence.h"
@@ -69,11 +70,13 @@ struct CarPackFixture : ::testing::Test {
         ADD_FAILURE() << "no car";
         return 0;
     }
+    // A field as the car editor changes it: on a copy, handed to the session's edit.
     void editCarField(int asn, const char* field, const std::string& text) {
-        CarEntry* car = session->cars.find(asn);
+        const CarEntry* car = session->cars.find(asn);
         ASSERT_NE(car, nullptr);
-        ASSERT_EQ(setFieldText(*car, carFieldByName(field)->index, text), FieldStore::Stored);
-        session->style.gSaveCarInfo.push_back(static_cast<std::int16_t>(asn));
+        CarEntry edited = *car;
+        ASSERT_EQ(setFieldText(edited, carFieldByName(field)->index, text), FieldStore::Stored);
+        ASSERT_TRUE(editCar(*session, asn, CarEdit{edited.info, std::nullopt, std::nullopt}));
     }
     // Exports the sprite, changes `count` pixels of its first row in the BMP, imports it back.
     void importEditedSprite(int asn, int count) {

@@ -14,6 +14,7 @@
 #include "app/main_tool_bar.h"
 #include "app/page_board.h"
 #include "session/car_pack_preview.h"
+#include "session/edits.h"
 #include "style_builder.h"
 
 #include <QAction>
@@ -267,12 +268,11 @@ void CarPackTest::screenshots() {
     h.open("STYLE001.G24");
     const SpriteRec r = *h.firstCarSprite();
     StyleSession& s = h.form->session();
-    CarEntry* car = s.cars.find(r.ASN);
-    car->info.max_speed = static_cast<std::int16_t>(car->info.max_speed + 10);
-    car->info.grip = static_cast<std::int16_t>(car->info.grip + 1);
-    s.style.gSaveCarInfo.push_back(static_cast<std::int16_t>(r.ASN));
-    s.names.names[car->info.model] = "Night Racer";
-    s.style.gCarNamesChanged = true;
+    CarInfo info = s.cars.find(r.ASN)->info;
+    info.max_speed = static_cast<std::int16_t>(info.max_speed + 10);
+    info.grip = static_cast<std::int16_t>(info.grip + 1);
+    QVERIFY(editCar(s, r.ASN, CarEdit{info, std::nullopt, std::string("Night Racer")}));
+    // Pixels and a colour as a paint program would change them.
     for (int x = 0; x < 6; ++x) s.pages.pixel(r.page, r.xo + x, r.yo + 2) ^= 3;
     s.style.gPagesChanged = true;
     s.colours.entry(r.clut, 7)[1] ^= 0x20;
