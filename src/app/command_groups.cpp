@@ -15,10 +15,9 @@ const GroupMembers& commandGroupMembers(int group) {
         {{"mnuExportDeltas0", "mnuExportDeltas1", "mnuImportDeltas", "mnuViewDeltas0",
           "mnuViewDeltas1"},
          {"exportdeltasdirty", "exportdeltasclean", "importdeltas"}},
-        // The car pack commands stay off in this version, whatever the flag says.
-        {{"mnuBuildGC3"}, {}, true},
+        {{"mnuBuildGC3"}, {}},
         {{"mnuLoadBMP"}, {"loadbmp"}},
-        {{"mnuLoadGC3"}, {"loadgc3"}, true},
+        {{"mnuLoadGC3"}, {"loadgc3"}},
     }};
     static const GroupMembers none;
     return group >= 1 && group <= 9 ? groups[static_cast<std::size_t>(group)] : none;

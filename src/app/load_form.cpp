@@ -290,10 +290,8 @@ void LoadForm::confirm() {
                 fs::permissions(file, fs::perms::owner_write, fs::perm_options::add, ec);
             }
             chosenPath_ = full;
-        } else if (mode_ == DialogMode::Bitmap) {
-            chosenPath_ = full;
         } else {
-            platform_.message("TODO: loadGC3Proc");
+            chosenPath_ = full; // a bitmap to import or a car pack to apply
         }
     }
     saveRegSettings();

@@ -52,6 +52,10 @@ public:
     void selectAt(int page, int x, int y);
     // Selects a sprite by its absolute number and scrolls to it (Find Car without the question).
     bool selectSprite(int asn);
+    // Shows what the car pack changes in the open level, asks, applies it and reloads the level;
+    // refuses a pack of another level, a damaged one, one that does not fit or is applied already.
+    // True when it was applied.
+    bool applyCarPackFile(const QString& path);
     // "Save your changes?" when the save command is enabled; false when the user cancelled.
     bool askToSaveChanges();
     void setZoom(int zoom);
@@ -86,7 +90,7 @@ private:
     void mnuOpen_Click();
     void mnuLoadBMP_Click();
     void mnuLoadGC3_Click();
-    void mnuBuildGC3_Click();
+    void mnuBuildGC3_Click(); // main_form_car_pack.cpp
     void mnuSaveBlock_Click();
     void mnuExit_Click();
     void loadStyle(const QString& path, int loadOption);

@@ -1,4 +1,4 @@
-// The File menu: open, load a bitmap, the car pack entries, save and exit.
+// The File menu: open, load a bitmap, save and exit (the car pack entries: main_form_car_pack).
 
 #include "app/load_form.h"
 #include "app/main_form.h"
@@ -84,7 +84,9 @@ void MainForm::afterLoad(bool loaded) {
         setCommandGroup(4, true);
         setCommandGroup(5, sprites);
         setCommandGroup(6, true);
+        setCommandGroup(7, true); // build a car pack
         setCommandGroup(8, true);
+        setCommandGroup(9, true); // apply a car pack
         setWindowTitle(QString::fromStdString(session_->caption));
     }
     updateStatusForSelection();
@@ -107,15 +109,6 @@ void MainForm::importBitmapFile(const QString& path) {
     board_->refresh();
     updateStatusForSelection();
     if (imported) markChanged();
-}
-
-void MainForm::mnuLoadGC3_Click() {
-    LoadForm dialog(DialogMode::CarPack, session_->style, platform_, this);
-    execDialog(dialog);
-}
-
-void MainForm::mnuBuildGC3_Click() {
-    platform_.message("TODO: BuildGC3");
 }
 
 void MainForm::mnuSaveBlock_Click() {

@@ -1,9 +1,16 @@
 // torquil-cli gc3: car packs. write builds one from a changed and an unchanged style file and
-// text file, read prints a pack's header, apply turns the unchanged files into the changed ones.
+// text file, read prints a pack's header, show tells what a pack changes, apply turns the
+// unchanged files into the changed ones.
 
 #include "cli/cli.h"
 
+#include "base/binary_file.h"
+#include "cars/fxt.h"
 #include "exchange/gc3.h"
+#include "session/car_pack.h"
+#include "session/car_pack_preview.h"
+
+#include <nlohmann/json.hpp>
 
 #include <ostream>
 
@@ -13,6 +20,39 @@ namespace {
 
 void printHeader(std::ostream& out, const Gc3Header& h) {
     for (const std::string& line : gc3HeaderLines(h)) out << line << '\n';
+}
+
+nlohmann::ordered_json previewJson(const CarPackPreview& p) {
+    using Json = nlohmann::ordered_json;
+    Json j;
+    j["level"] = p.packLevel;
+    j["style_level"] = p.openLevel;
+    j["for_this_level"] = p.forOpenLevel();
+    j["style"] = {{"runs", p.styleRuns},
+                  {"bytes_changed", p.styleBytesChanged},
+                  {"length_before", p.styleLengthBefore},
+                  {"length_after", p.styleLengthAfter}};
+    j["fxt"] = {{"runs", p.fxtRuns},
+                {"bytes_changed", p.fxtBytesChanged},
+                {"length_before", p.fxtLengthBefore},
+                {"length_after", p.fxtLengthAfter}};
+    j["car_records"] = Json::array();
+    for (const auto& c : p.cars)
+        j["car_records"].push_back(
+            {{"asn", c.asn}, {"model", c.model}, {"name", c.name}, {"fields", c.fields}});
+    j["car_names"] = Json::array();
+    for (const auto& n : p.names)
+        j["car_names"].push_back({{"model", n.model}, {"before", n.before}, {"after", n.after}});
+    j["other_texts"] = p.otherTexts;
+    j["sprites"] = Json::array();
+    for (const auto& s : p.sprites)
+        j["sprites"].push_back(
+            {{"page", s.page}, {"asn", s.asn}, {"car", s.car}, {"pixels", s.pixels}});
+    j["cluts"] = Json::array();
+    for (const auto& c : p.cluts) j["cluts"].push_back({{"clut", c.clut}, {"sprites", c.asns}});
+    j["delta_store"] = p.deltaStore;
+    j["other_sections"] = p.otherSections;
+    return j;
 }
 
 } // namespace
@@ -63,6 +103,56 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
             return;
         }
         printHeader(ctx.out, header);
+        ctx.exitCode = kExitOk;
+    });
+
+    struct ShowArgs {
+        CommonOptions common;
+        std::string pack, style, fxt;
+        bool json = false;
+    };
+    auto sh = std::make_shared<ShowArgs>();
+    CLI::App* show = gc3->add_subcommand(
+        "show",
+        "Tell what PACK changes in STYLE and FXT (the files it would be applied to): the car\n"
+        "records and their fields, the car names, the sprites whose pixels change (page and\n"
+        "ASN), the CLUTs, the delta store and other sections, and the level it is for.\n"
+        "Exit status: 0 shown, 1 the pack is damaged or does not fit the files, 2 usage error.");
+    sh->common.addTo(*show);
+    show->add_option("PACK", sh->pack, "The pack")->required();
+    show->add_option("STYLE", sh->style, "The style file it would change")->required();
+    show->add_option("FXT", sh->fxt, "The ENGLISH.FXT it would change")->required();
+    show->add_flag("--json", sh->json, "Print the preview as a JSON object");
+    show->callback([sh, &ctx] {
+        AppOptions options = makeAppOptions(ctx, sh->common);
+        auto platform = makePlatform(ctx, sh->common);
+        Gc3Pack pack;
+        if (!readCarPack(sh->pack, pack, *platform)) {
+            ctx.exitCode = kExitFailed;
+            return;
+        }
+        auto session = loadStyle(ctx, *platform, options, sh->style, kLoadSprites);
+        if (!session) return;
+        std::vector<std::uint8_t> style, fxt;
+        if (!readWholeFile(sh->style, style) || !readWholeFile(sh->fxt, fxt)) {
+            ctx.err << "Unable to read " << sh->style << " or " << sh->fxt << '\n';
+            ctx.exitCode = kExitFailed;
+            return;
+        }
+        decodeFxtBytes(fxt, &session->names); // the names of the FXT given, wherever it lies
+        CarPackPreview preview;
+        std::string why;
+        if (!previewCarPack(pack, *session, style, fxt, preview, why)) {
+            ctx.err << "This GC3 car pack does not fit the files: " << why << '\n';
+            ctx.exitCode = kExitFailed;
+            return;
+        }
+        if (sh->json)
+            ctx.out << previewJson(preview).dump(2, ' ', false,
+                                                 nlohmann::ordered_json::error_handler_t::replace)
+                    << '\n';
+        else
+            for (const std::string& line : carPackPreviewLines(preview)) ctx.out << line << '\n';
         ctx.exitCode = kExitOk;
     });
 

@@ -118,6 +118,21 @@ fs::path tempBeside(const fs::path& path) {
 
 } // namespace
 
+bool rebuildFromRuns(const std::vector<std::uint8_t>& original, const std::vector<Gc3Record>& runs,
+                     std::int32_t length, std::vector<std::uint8_t>& out, std::string& error) {
+    switch (rebuild(original, runs, length, out)) {
+    case ApplyFault::None:
+        return true;
+    case ApplyFault::TooShort:
+        error = "the file is too short for this GC3 car pack";
+        return false;
+    case ApplyFault::PastLength:
+        error = "this GC3 car pack has a run past the recorded length";
+        return false;
+    }
+    return false;
+}
+
 std::vector<std::uint8_t> encodeGc3Header(const Gc3Header& h) {
     std::vector<std::uint8_t> b(kGc3HeaderSize, 0);
     for (std::size_t i = 0; i < 3 && i < h.fileType.size(); ++i)

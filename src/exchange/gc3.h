@@ -81,6 +81,12 @@ struct Gc3Pack {
 [[nodiscard]] bool parseGc3(const std::vector<std::uint8_t>& bytes, Gc3Pack& pack,
                             std::string& error);
 
+// The modified file rebuilt from the file a pack was made against and the pack's runs for it,
+// `length` bytes long. False, with `error` set, when a run lies past `length` or the file is too
+// short for the runs (bytes past its end that no run covers).
+bool rebuildFromRuns(const std::vector<std::uint8_t>& original, const std::vector<Gc3Record>& runs,
+                     std::int32_t length, std::vector<std::uint8_t>& out, std::string& error);
+
 // Applies a pack to a style file and a text file: each becomes the pack's modified file, with
 // the recorded length. Refuses, writing nothing, a pack of another level than the style file's
 // name, a file too short for a run, or a run past the recorded length. Both files are written

@@ -197,8 +197,7 @@ void MainFormTest::commandGroupsSwitchTheirMembers() {
     groups.set(0, true);
     QVERIFY(groups.isOn("mnuOpen") && groups.isOn("save") && groups.isOn("mnuSprite"));
     QVERIFY(groups.isOn("mnuLoadBMP") && groups.isOn("loadbmp"));
-    // The car pack commands stay off whatever the flag.
-    QVERIFY(!groups.isOn("mnuBuildGC3") && !groups.isOn("mnuLoadGC3") && !groups.isOn("loadgc3"));
+    QVERIFY(groups.isOn("mnuBuildGC3") && groups.isOn("mnuLoadGC3") && groups.isOn("loadgc3"));
     groups.set(3, false);
     QVERIFY(!groups.isOn("mnuFindCar") && !groups.isOn("mnuCarInfo") && !groups.isOn("find"));
     QVERIFY(groups.isOn("mnuEditCar")); // group 5
@@ -238,13 +237,12 @@ void MainFormTest::openingTheSampleThroughTheDialogSetsCaptionCommandsAndBoard()
     QCOMPARE(h.form->windowTitle(), QString::fromLatin1(kCaption24));
     QVERIFY2(h.platform.shown.empty(),
              h.platform.shown.empty() ? "" : h.platform.shown[0].text.c_str());
-    for (const char* on :
-         {"mnuOpen", "mnuSprite", "mnuCarInfo", "mnuFindCar", "mnuLoadBMP", "find", "loadbmp"})
+    for (const char* on : {"mnuOpen", "mnuSprite", "mnuCarInfo", "mnuFindCar", "mnuLoadBMP", "find",
+                           "loadbmp", "mnuLoadGC3", "loadgc3", "mnuBuildGC3"})
         QVERIFY2(h.enabled(on), on);
-    // Nothing changed yet, nothing selected, and no car pack or delta set commands.
+    // Nothing changed yet, nothing selected, and no delta set commands.
     for (const char* off : {"mnuSaveBlock", "save", "mnuEditCar", "carinfo", "mnuExportSprite",
-                            "exportsprite", "mnuLoadGC3", "loadgc3", "mnuBuildGC3",
-                            "mnuExportDeltas0", "mnuViewDeltas1", "importdeltas"})
+                            "exportsprite", "mnuExportDeltas0", "mnuViewDeltas1", "importdeltas"})
         QVERIFY2(!h.enabled(off), off);
     QVERIFY(h.platform.detailsLog().lines().contains("gNumBlockLoaded:3"));
 
@@ -574,8 +572,8 @@ void MainFormTest::readMeHelpAboutAndDebugEntries() {
     QCOMPARE(h.platform.shown.back().icon, Icon::Information);
     h.action("mnuAbout")->trigger();
     QCOMPARE(h.platform.shown.back().title, std::string("About Torquil"));
-    h.form->runKey("buildgc3");
-    QCOMPARE(h.platform.texts().back(), std::string("TODO: BuildGC3"));
+    h.form->runKey("buildgc3"); // no level open yet
+    QCOMPARE(h.platform.texts().back(), std::string("Open the level of the car pack first."));
     h.action("mnuDbgReadGC3")->trigger(); // no test pack in the work directory yet
     QCOMPARE(h.platform.texts().back(), std::string("Error reading GC3 file."));
 

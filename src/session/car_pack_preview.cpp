@@ -1,0 +1,377 @@
+#include "session/car_pack_preview.h"
+
+#include "base/binary_file.h"
+#include "cars/car_record_fields.h"
+#include "cars/fxt.h"
+#include "session/style_session.h"
+#include "style/level_name.h"
+#include "style/rounding.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+namespace torquil {
+
+namespace {
+
+// Section names that the preview reports in its own way.
+constexpr const char* kCarInfo = "car info";
+constexpr const char* kGraphics = "sprite graphics";
+constexpr const char* kClut = "CLUT";
+constexpr const char* kOutside = "bytes outside the style file's sections";
+constexpr int kModelOffset = 107; // the car info record's `model` byte
+
+struct Section {
+    std::string name;
+    std::int64_t first = 0, end = 0; // 1-based, end just past the section
+};
+
+// The sections of the style file after the pack, from the open session's header and places. The
+// late sections are found backward from the end like the loaders find them; everything from the
+// sprite graphics' end on moves with the file's length.
+std::vector<Section> styleSections(const StyleFileState& st, std::int64_t lengthAfter) {
+    const StyleHeader& h = st.header;
+    const std::int64_t L = st.fileLength;
+    const std::int64_t shift = lengthAfter - L;
+    const std::int64_t tiles =
+        roundUp16384(std::int64_t{h.side_size()} + h.lid_size() + h.aux_size());
+    std::vector<Section> out;
+    auto add = [&out](std::string name, std::int64_t first, std::int64_t length) {
+        out.push_back({std::move(name), first, first + std::max<std::int64_t>(0, length)});
+    };
+    add("header", 1, h.headSize());
+    add("tiles", h.headSize() + 1, tiles);
+    add("tile animations", h.headSize() + 1 + tiles, h.anim_size());
+
+    const std::int64_t late = std::int64_t{h.object_info_size()} + h.car_info_size() +
+                              h.sprite_info_size() + h.sprite_graphics_size() +
+                              h.sprite_numbers_size();
+    std::int64_t at = 0;
+    if (h.is24) {
+        add(kClut, h.headSize() + 1 + tiles + h.anim_size(), roundUp65536(h.g24.clut_size));
+        at = L - (h.g24.palette_index_size + late) + 1;
+        add("palette index", at, h.g24.palette_index_size);
+        at += h.g24.palette_index_size;
+    } else {
+        at = L + 1 -
+             (std::int64_t{h.gry.palette_size} + h.gry.remap_size + h.gry.remap_index_size + late);
+        add("8-bit palette", at, h.gry.palette_size);
+        at += h.gry.palette_size;
+        add("remaps", at, h.gry.remap_size);
+        at += h.gry.remap_size;
+        add("remap index", at, h.gry.remap_index_size);
+        at += h.gry.remap_index_size;
+    }
+    add("object info", at, h.object_info_size());
+    at += h.object_info_size();
+    add(kCarInfo, at, h.car_info_size());
+    at += h.car_info_size();
+    add("sprite info", at, h.sprite_info_size());
+    at += h.sprite_info_size();
+    add(kGraphics, at, h.sprite_graphics_size() + shift);
+    at += h.sprite_graphics_size() + shift;
+    add("sprite numbers", at, lengthAfter + 1 - at);
+    return out;
+}
+
+// The section of a position; the late sections win where a damaged header lets them overlap.
+const Section* sectionAt(const std::vector<Section>& sections, std::int64_t position) {
+    for (auto it = sections.rbegin(); it != sections.rend(); ++it)
+        if (position >= it->first && position < it->end) return &*it;
+    return nullptr;
+}
+
+// 1-based positions at which `after` differs from `before` inside the runs.
+std::vector<std::int64_t> changedPositions(const std::vector<Gc3Record>& runs,
+                                           const std::vector<std::uint8_t>& before,
+                                           const std::vector<std::uint8_t>& after) {
+    std::vector<std::int64_t> out;
+    for (const Gc3Record& r : runs)
+        for (std::int64_t p = r.first(); p <= r.position; ++p) {
+            const auto i = static_cast<std::size_t>(p - 1);
+            if (i >= after.size()) break;
+            if (i >= before.size() || before[i] != after[i]) out.push_back(p);
+        }
+    return out;
+}
+
+// The decoded entries of a text file that are not car names, in order. Lines too short for an
+// entry or without a key (the end marker, which every save writes anew) are no texts.
+std::vector<std::string> otherTextLines(const std::vector<std::uint8_t>& text) {
+    std::vector<std::string> lines;
+    std::string line;
+    auto take = [&lines](const std::string& l) {
+        const bool entry =
+            l.size() >= 4 && l.find('[') != std::string::npos && l.find(']') != std::string::npos;
+        if (entry && l.rfind("[car", 0) != 0) lines.push_back(l);
+    };
+    for (std::uint8_t b : text) {
+        if (b == 10) {
+            take(line);
+            line.clear();
+        } else if (b != 13) {
+            line.push_back(static_cast<char>(b));
+        }
+    }
+    take(line);
+    return lines;
+}
+
+struct CarSpan {
+    std::int64_t first = 0, end = 0;
+    int asn = 0;
+};
+
+class StyleClassifier {
+public:
+    StyleClassifier(const StyleSession& s, const std::vector<std::uint8_t>& after,
+                    const CarNames& names, CarPackPreview& out)
+        : s_(s), after_(after), names_(names), out_(out),
+          sections_(styleSections(s.style, static_cast<std::int64_t>(after.size()))) {
+        for (int asn = 1; asn < static_cast<int>(s.cars.slots.size()); ++asn) {
+            const CarEntry& car = s.cars.slots[static_cast<std::size_t>(asn)];
+            if (!car.inUse || car.fileSeek < 1) continue;
+            cars_.push_back(
+                {car.fileSeek,
+                 car.fileSeek + CarInfo::kFixedSize +
+                     CarInfo::kDoorSize * static_cast<std::int64_t>(car.doorList.size()),
+                 asn});
+        }
+        std::sort(cars_.begin(), cars_.end(),
+                  [](const CarSpan& a, const CarSpan& b) { return a.first < b.first; });
+    }
+
+    void take(std::int64_t p) {
+        const Section* section = sectionAt(sections_, p);
+        if (!section) return other(kOutside, 1ll << 62);
+        if (section->name == kCarInfo && carAt(p)) return;
+        if (section->name == kGraphics) return graphics(p, *section);
+        if (section->name == kClut && s_.style.header.is24) {
+            const std::int64_t o = p - section->first;
+            cluts_.insert(static_cast<int>(64 * (o / 65536) + (o % 256) / 4));
+            return;
+        }
+        other(section->name, section->first);
+    }
+
+    void finish() {
+        for (const auto& [asn, fields] : carFields_) {
+            CarPackPreview::Car car;
+            car.asn = asn;
+            const CarEntry& entry = s_.cars.slots[static_cast<std::size_t>(asn)];
+            car.model = entry.info.model;
+            const auto modelAt = static_cast<std::size_t>(entry.fileSeek - 1 + kModelOffset);
+            if (modelAt < after_.size()) car.model = after_[modelAt]; // the pack may change it
+            car.name = names_.nameOf(car.model);
+            car.fields = fields;
+            out_.cars.push_back(std::move(car));
+        }
+        for (const auto& [key, pixels] : pixels_) {
+            const auto [page, asn] = key;
+            CarPackPreview::Sprite sprite{page, asn, {}, pixels};
+            if (const CarEntry* car = carOfSprite(asn)) sprite.car = names_.nameOf(car->info.model);
+            out_.sprites.push_back(std::move(sprite));
+        }
+        for (int clut : cluts_) {
+            CarPackPreview::Clut c{clut, {}};
+            std::set<int> asns;
+            for (const auto& page : s_.sprites.pageSprites)
+                for (std::size_t i = 1; i < page.size(); ++i)
+                    if (page[i].clut == clut && page[i].kind.empty()) asns.insert(page[i].ASN);
+            c.asns.assign(asns.begin(), asns.end());
+            out_.cluts.push_back(std::move(c));
+        }
+        for (const auto& [first, name] : others_) out_.otherSections.push_back(name);
+    }
+
+private:
+    bool carAt(std::int64_t p) {
+        auto it = std::upper_bound(cars_.begin(), cars_.end(), p,
+                                   [](std::int64_t v, const CarSpan& c) { return v < c.first; });
+        if (it == cars_.begin()) return false;
+        --it;
+        if (p >= it->end) return false;
+        std::vector<std::string>& fields = carFields_[it->asn];
+        const std::string field = carRecordFieldAt(static_cast<int>(p - it->first));
+        if (std::find(fields.begin(), fields.end(), field) == fields.end()) fields.push_back(field);
+        return true;
+    }
+
+    void graphics(std::int64_t p, const Section& section) {
+        const bool sprites = s_.style.loadOption == kLoadSprites;
+        const bool inStore = s_.deltas.deltaStart > 0 && p >= s_.deltas.deltaStart;
+        const std::int64_t o = p - section.first;
+        const auto page = static_cast<int>(o / kPageBytes);
+        if (!sprites || inStore || page >= kMaxPages || page > s_.pages.gNumBlockLoaded) {
+            if (sprites)
+                out_.deltaStore = true;
+            else
+                other(kGraphics, section.first);
+            return;
+        }
+        const auto x = static_cast<int>(o % kPageSize);
+        const auto y = static_cast<int>((o % kPageBytes) / kPageSize);
+        const int sib = s_.sprites.over(page, x, y);
+        int asn = 0;
+        if (sib > 0 && sib <= s_.sprites.pageCount(page))
+            asn = s_.sprites
+                      .pageSprites[static_cast<std::size_t>(page)][static_cast<std::size_t>(sib)]
+                      .ASN;
+        ++pixels_[{page, asn}];
+    }
+
+    const CarEntry* carOfSprite(int asn) const {
+        if (asn <= 0 || asn >= static_cast<int>(s_.cars.slots.size())) return nullptr;
+        const CarEntry& car = s_.cars.slots[static_cast<std::size_t>(asn)];
+        return car.inUse ? &car : nullptr;
+    }
+
+    void other(const std::string& name, std::int64_t first) { others_.emplace(first, name); }
+
+    const StyleSession& s_;
+    const std::vector<std::uint8_t>& after_;
+    const CarNames& names_;
+    CarPackPreview& out_;
+    std::vector<Section> sections_;
+    std::vector<CarSpan> cars_;
+    std::map<int, std::vector<std::string>> carFields_;
+    std::map<std::pair<int, int>, std::int64_t> pixels_;
+    std::set<int> cluts_;
+    std::set<std::pair<std::int64_t, std::string>> others_;
+};
+
+// Fills the car names and other texts that change; returns the names of the text file after it.
+CarNames previewNames(const std::vector<std::uint8_t>& before,
+                      const std::vector<std::uint8_t>& after, CarPackPreview& out) {
+    CarNames namesBefore, namesAfter;
+    const auto textBefore = decodeFxtBytes(before, &namesBefore);
+    const auto textAfter = decodeFxtBytes(after, &namesAfter);
+    for (int m = 0; m < kCarNameCount; ++m) {
+        const auto i = static_cast<std::size_t>(m);
+        if (namesBefore.names[i] != namesAfter.names[i] ||
+            namesBefore.keys[i] != namesAfter.keys[i])
+            out.names.push_back({m, namesBefore.names[i], namesAfter.names[i]});
+    }
+    out.otherTexts = otherTextLines(textBefore) != otherTextLines(textAfter);
+    return namesAfter;
+}
+
+std::string joined(const std::vector<std::string>& parts, const char* separator = ", ") {
+    std::string out;
+    for (const std::string& p : parts) out += (out.empty() ? "" : separator) + p;
+    return out;
+}
+
+std::string counted(std::size_t n, const char* one, const char* many) {
+    return std::to_string(n) + " " + (n == 1 ? one : many);
+}
+
+std::string levelText(int level) {
+    return std::to_string(level) + " (" + mapName(level) + ")";
+}
+
+} // namespace
+
+bool previewCarPack(const Gc3Pack& pack, const StyleSession& session,
+                    const std::vector<std::uint8_t>& styleBefore,
+                    const std::vector<std::uint8_t>& fxtBefore, CarPackPreview& out,
+                    std::string& error) {
+    out = CarPackPreview{};
+    out.packLevel = pack.header.stylenum;
+    out.openLevel = session.style.gMapNumber;
+    out.styleName = session.style.gStyleFileName;
+    out.styleRuns = pack.styleRecords.size();
+    out.fxtRuns = pack.fxtRecords.size();
+
+    std::vector<std::uint8_t> styleAfter, fxtAfter;
+    std::string why;
+    if (!rebuildFromRuns(styleBefore, pack.styleRecords, pack.header.StyleDataLOF, styleAfter,
+                         why)) {
+        error = "style file: " + why;
+        return false;
+    }
+    if (!rebuildFromRuns(fxtBefore, pack.fxtRecords, pack.header.FXTDataLOF, fxtAfter, why)) {
+        error = "ENGLISH.FXT: " + why;
+        return false;
+    }
+    out.styleLengthBefore = static_cast<std::int64_t>(styleBefore.size());
+    out.styleLengthAfter = static_cast<std::int64_t>(styleAfter.size());
+    out.fxtLengthBefore = static_cast<std::int64_t>(fxtBefore.size());
+    out.fxtLengthAfter = static_cast<std::int64_t>(fxtAfter.size());
+
+    const auto fxtChanged = changedPositions(pack.fxtRecords, fxtBefore, fxtAfter);
+    out.fxtBytesChanged = static_cast<std::int64_t>(fxtChanged.size());
+    // Cars are named as the text file names them after the pack, else as the open level does.
+    CarNames namesAfter = session.names;
+    if (!fxtChanged.empty() || fxtBefore.size() != fxtAfter.size()) {
+        const CarNames decoded = previewNames(fxtBefore, fxtAfter, out);
+        for (std::size_t m = 0; m < decoded.keys.size(); ++m)
+            if (!decoded.keys[m].empty()) namesAfter.names[m] = decoded.names[m];
+    }
+
+    const auto styleChanged = changedPositions(pack.styleRecords, styleBefore, styleAfter);
+    out.styleBytesChanged = static_cast<std::int64_t>(styleChanged.size());
+    StyleClassifier classify(session, styleAfter, namesAfter, out);
+    for (std::int64_t p : styleChanged) classify.take(p);
+    classify.finish();
+    return true;
+}
+
+std::vector<std::string> carPackPreviewLines(const CarPackPreview& p) {
+    std::vector<std::string> lines;
+    lines.push_back("Car pack for level " + levelText(p.packLevel));
+    if (!p.forOpenLevel())
+        lines.push_back("Not for " + p.styleName + ", which is level " + levelText(p.openLevel));
+    lines.push_back("Style file: " + counted(p.styleRuns, "run", "runs") + ", " +
+                    counted(static_cast<std::size_t>(p.styleBytesChanged), "byte", "bytes") +
+                    " changed" +
+                    (p.styleLengthAfter != p.styleLengthBefore
+                         ? ", length " + std::to_string(p.styleLengthBefore) + " -> " +
+                               std::to_string(p.styleLengthAfter)
+                         : std::string{}));
+    lines.push_back("ENGLISH.FXT: " + counted(p.fxtRuns, "run", "runs") + ", " +
+                    counted(static_cast<std::size_t>(p.fxtBytesChanged), "byte", "bytes") +
+                    " changed");
+    if (p.changesNothing()) lines.push_back("Changes nothing in these files");
+    if (!p.cars.empty()) {
+        lines.push_back("Car records:");
+        for (const auto& car : p.cars)
+            lines.push_back("  " + car.name + " (ASN " + std::to_string(car.asn) +
+                            "): " + joined(car.fields));
+    }
+    if (!p.names.empty()) {
+        lines.push_back("Car names:");
+        for (const auto& n : p.names)
+            lines.push_back("  car " + std::to_string(n.model) + ": \"" + n.before + "\" -> \"" +
+                            n.after + "\"");
+    }
+    if (p.otherTexts) lines.push_back("Other texts of ENGLISH.FXT changed");
+    if (!p.sprites.empty()) {
+        lines.push_back("Sprite pixels:");
+        for (const auto& s : p.sprites) {
+            const std::string who = s.asn > 0 ? "ASN " + std::to_string(s.asn) +
+                                                    (s.car.empty() ? "" : " (" + s.car + ")")
+                                              : "outside any sprite";
+            lines.push_back("  page " + std::to_string(s.page) + ", " + who + ": " +
+                            counted(static_cast<std::size_t>(s.pixels), "pixel", "pixels"));
+        }
+    }
+    if (!p.cluts.empty()) {
+        lines.push_back("CLUTs:");
+        for (const auto& c : p.cluts) {
+            std::vector<std::string> asns;
+            for (int asn : c.asns) asns.push_back(std::to_string(asn));
+            lines.push_back("  CLUT " + std::to_string(c.clut) +
+                            (asns.empty() ? std::string(" (no sprite)")
+                                          : (asns.size() == 1 ? " (sprite " : " (sprites ") +
+                                                joined(asns) + ")"));
+        }
+    }
+    if (p.deltaStore) lines.push_back("Delta store changed");
+    if (!p.otherSections.empty())
+        lines.push_back("Other sections changed: " + joined(p.otherSections));
+    return lines;
+}
+
+} // namespace torquil
