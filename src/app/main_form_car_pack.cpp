@@ -26,7 +26,7 @@ constexpr const char* kOpenLevelFirst = "Open the level of the car pack first.";
 std::vector<std::uint8_t> bytesOf(const fs::path& path) {
     std::vector<std::uint8_t> bytes;
     std::error_code ec;
-    if (fs::is_regular_file(path, ec)) readWholeFile(path, bytes);
+    if (fs::is_regular_file(path, ec) && !readWholeFile(path, bytes)) bytes.clear();
     return bytes;
 }
 

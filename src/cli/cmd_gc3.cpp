@@ -139,7 +139,8 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
             ctx.exitCode = kExitFailed;
             return;
         }
-        decodeFxtBytes(fxt, &session->names); // the names of the FXT given, wherever it lies
+        // The names of the FXT given, wherever it lies; the decoded text itself is not needed.
+        static_cast<void>(decodeFxtBytes(fxt, &session->names));
         CarPackPreview preview;
         std::string why;
         if (!previewCarPack(pack, *session, style, fxt, preview, why)) {

@@ -46,8 +46,8 @@ bool readCarPack(const fs::path& path, Gc3Pack& out, Platform& platform) {
     std::error_code ec;
     if (!fs::is_regular_file(path, ec) || !readWholeFile(path, bytes))
         why = "cannot read " + path.string();
-    else
-        parseGc3(bytes, out, why);
+    else if (!parseGc3(bytes, out, why) && why.empty())
+        why = "not a GC3 pack";
     if (why.empty()) return true;
     platform.detail("GC3 pack:" + why);
     platform.message("Error reading GC3 file.", Buttons::Ok, Icon::Warning);
