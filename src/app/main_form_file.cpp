@@ -12,6 +12,7 @@
 #include "session/load_sequence.h"
 #include "session/loaders.h"
 #include "session/save_sequence.h"
+#include "session/undoable_edits.h"
 #include "sprites/sprite_info.h"
 
 #include <QFileInfo>
@@ -57,20 +58,22 @@ void MainForm::loadStyle(const QString& path, int loadOption) {
     try {
         outcome = initHeader(*fresh, platform_, standardLoaders());
     } catch (...) {
-        // Debug mode: the load stopped where the error was raised; the file is not open.
-        session_ = std::move(fresh);
-        session_->style.loaded = false;
+        // Debug mode: the load stopped where the error was raised; what was open stays open.
         restore();
-        afterLoad(false);
+        board_->setSession(session_.get());
+        board_->refresh();
         throw;
     }
     restore();
-    if (outcome == LoadOutcome::FileMissing) {
-        board_->setSession(session_.get()); // nothing changed
+    if (outcome != LoadOutcome::Loaded) {
+        // A file that did not load leaves the open one, its edits and its history as they were.
+        board_->setSession(session_.get());
+        board_->refresh();
         return;
     }
     session_ = std::move(fresh);
-    afterLoad(outcome == LoadOutcome::Loaded);
+    afterLoad(true);
+    rememberRecent(path, loadOption);
 }
 
 void MainForm::afterLoad(bool loaded) {
@@ -84,14 +87,15 @@ void MainForm::afterLoad(bool loaded) {
         setCommandGroup(5, sprites);
         setCommandGroup(6, true);
         setCommandGroup(8, true);
-        setWindowTitle(QString::fromStdString(session_->caption));
+        updateTitle();
     }
     updateStatusForSelection();
     board_->refresh();
 }
 
 void MainForm::markChanged() {
-    if (session_->style.anyChange()) setCommandGroup(2, true);
+    // The save command follows the dirty flags: an edit sets them, an undo may clear them.
+    setCommandGroup(2, session_->style.anyChange());
     board_->refresh();
 }
 
@@ -136,7 +140,8 @@ void MainForm::importBitmapFile(const QString& path) {
             return;
         }
     }
-    if (importSprite(*session_, platform_)) markChanged();
+    importSpriteEdit(*session_, platform_);
+    markChanged();
 }
 
 void MainForm::mnuLoadGC3_Click() {
@@ -150,6 +155,8 @@ void MainForm::mnuBuildGC3_Click() {
 
 void MainForm::mnuSaveBlock_Click() {
     const SaveOutcome outcome = saveChanges(*session_, platform_);
+    // The history remembers where the file was saved (a failed step leaves its flags set).
+    if (outcome.result != SaveResult::Declined) session_->history.markSaved(session_->style);
     if (outcome.disableSaveCommand()) setCommandGroup(2, false);
     board_->refresh();
 }

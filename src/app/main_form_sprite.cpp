@@ -7,6 +7,7 @@
 #include "exchange/sprite_exchange.h"
 #include "exchange/transparency.h"
 #include "platform/qt/qt_platform.h"
+#include "session/undoable_edits.h"
 #include "sprites/sprite_info.h"
 
 #include <QInputDialog>
@@ -21,10 +22,9 @@ void MainForm::mnuExportSprite_Click() {
 }
 
 void MainForm::mnuImportSprite_Click() {
-    if (importSprite(*session_, platform_))
-        markChanged();
-    else
-        board_->refresh();
+    // A refused import may still have overwritten the CLUT: the dirty flags tell.
+    importSpriteEdit(*session_, platform_);
+    markChanged();
 }
 
 // Delta sets are not part of this version: their entries stay disabled.
@@ -47,7 +47,7 @@ void MainForm::mnuTranspCheck_Click() {
 }
 
 void MainForm::mnuTranspCorrect_Click() {
-    if (transparencyCorrect(*session_, platform_) == TransparencyOutcome::Corrected) markChanged();
+    if (transparencyFixEdit(*session_, platform_) == TransparencyOutcome::Corrected) markChanged();
 }
 
 void MainForm::mnuFindCar_Click() {
@@ -76,8 +76,10 @@ bool MainForm::selectSprite(int asn) {
 void MainForm::mnuEditCar_Click() {
     const SpriteRec* sprite = session_->selectedSprite();
     if (!sprite) return;
-    CarInfoForm form(*session_, platform_, sprite->ASN, this);
-    execDialog(form);
+    const int asn = sprite->ASN;
+    CarInfoForm form(*session_, platform_, asn, this);
+    // The accepted form (fields, remaps, doors and name) is one step of the history.
+    carEdit(*session_, asn, [&] { execDialog(form); });
     markChanged();
     updateStatusForSelection();
 }
