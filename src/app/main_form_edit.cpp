@@ -12,6 +12,7 @@
 #include <QDragMoveEvent>
 #include <QDropEvent>
 #include <QFileInfo>
+#include <QLabel>
 #include <QMenu>
 #include <QMimeData>
 #include <QSettings>
@@ -52,16 +53,18 @@ QString optionName(int loadOption) {
 } // namespace
 
 void MainForm::undo() {
-    if (!session_->history.undo(*session_)) return;
-    status_->setText(tr("Undone."));
+    const EditStep* step = session_->history.undo(*session_);
+    if (!step) return;
+    status_->setText(tr("Undone: %1").arg(QString::fromStdString(step->name())));
     setCommandGroup(2, session_->style.anyChange());
     updateStatusForSelection();
     board_->refresh();
 }
 
 void MainForm::redo() {
-    if (!session_->history.redo(*session_)) return;
-    status_->setText(tr("Redone."));
+    const EditStep* step = session_->history.redo(*session_);
+    if (!step) return;
+    status_->setText(tr("Redone: %1").arg(QString::fromStdString(step->name())));
     setCommandGroup(2, session_->style.anyChange());
     updateStatusForSelection();
     board_->refresh();
