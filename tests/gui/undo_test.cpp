@@ -14,7 +14,9 @@
 #include <QDropEvent>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMenuBar>
 #include <QMimeData>
+#include <QScreen>
 #include <QSettings>
 #include <QUrl>
 #include <QtTest>
@@ -105,6 +107,7 @@ private slots:
     void carEditorKeepsWhatTheUserDidNotChange();
     void recentFilesReopenWithTheirLoadOption();
     void droppedFilesOpenOrImport();
+    void screenshots();
 };
 
 void UndoTest::editMenuAndKeysTakeAnImportBackAndForth() {
@@ -308,6 +311,47 @@ void UndoTest::droppedFilesOpenOrImport() {
     QVERIFY(h.platform.saw("Save your changes?"));
     QCOMPARE(h.session().style.gStyleFileName, std::string("STYLE001.G24"));
     QVERIFY(h.modified());
+}
+
+// The Edit menu after an import and the recent files list, taken from the screen with the menus
+// open (run under a display: scripts/screenshots).
+void UndoTest::screenshots() {
+    const QByteArray target = qgetenv("TORQUIL_SCREENSHOT_DIR");
+    if (target.isEmpty()) QSKIP("TORQUIL_SCREENSHOT_DIR not set");
+    Harness h;
+    h.form->move(0, 0);
+    h.open("STYLE002.GRY");
+    h.open("STYLE001.G24", kLoadTiles);
+    h.open("STYLE001.G24");
+    const SpriteRec r = *h.firstSprite(1);
+    h.select(r);
+    h.paintedExport(5);
+    h.action("mnuImportSprite")->trigger();
+    h.form->activateWindow();
+    QTest::qWait(300);
+
+    auto shot = [&](const char* name) {
+        QTest::qWait(500);
+        const QRect frame = h.form->frameGeometry();
+        const QPixmap picture = QGuiApplication::primaryScreen()->grabWindow(
+            0, frame.x(), frame.y(), std::min(frame.width(), 760), std::min(frame.height(), 420));
+        QVERIFY(picture.save(QString::fromLocal8Bit(target) + "/" + name));
+    };
+    QMenuBar* bar = h.form->menuBar();
+    bar->setActiveAction(h.form->menus().menu("mnuEdit")->menuAction());
+    shot("edit_menu.png");
+    bar->setActiveAction(nullptr);
+    h.form->menus().menu("mnuEdit")->hide();
+
+    QMenu* file = h.form->menus().menu("mnuFile");
+    QMenu* recent = h.form->menus().menu("mnuRecent");
+    bar->setActiveAction(file->menuAction());
+    QTest::qWait(300);
+    file->setActiveAction(recent->menuAction());
+    recent->popup(file->mapToGlobal(file->actionGeometry(recent->menuAction()).topRight()));
+    shot("recent_files.png");
+    recent->hide();
+    file->hide();
 }
 
 QTEST_MAIN(UndoTest)
