@@ -10,8 +10,8 @@
 #include "sample_level.h"
 #include "session/edit_history.h"
 #include "session/save_sequence.h"
-#include "style/page_io.h"
 #include "session/undoable_edits.h"
+#include "style/page_io.h"
 
 #include <fstream>
 
