@@ -75,6 +75,36 @@ void EditHistory::markSaved(const StyleFileState& style) {
     base_ = DirtyMarks::of(style);
 }
 
+EditScope::EditScope(StyleSession& session, unsigned touches, std::string name)
+    : session_(session), name_(std::move(name)) {
+    EditHistory& h = session.history;
+    outermost_ = h.depth_++ == 0;
+    if (outermost_) h.open_ = std::make_unique<EditRecorder>(session, touches);
+}
+
+EditScope::~EditScope() {
+    end();
+}
+
+bool EditScope::end() {
+    if (ended_) return false;
+    ended_ = true;
+    EditHistory& h = session_.history;
+    --h.depth_;
+    if (!outermost_ || !h.open_) return false;
+    std::unique_ptr<EditRecorder> recorder = std::move(h.open_);
+    try {
+        return h.push(recorder->finish(session_, std::move(name_)));
+    } catch (const std::exception&) {
+        // Out of memory while recording: the edit stands, it just cannot be taken back.
+        return false;
+    }
+}
+
+void EditScope::touch(const PageArea& rect) {
+    if (session_.history.open_) session_.history.open_->touch(rect);
+}
+
 void EditHistory::clear(const StyleFileState& style) {
     steps_.clear();
     cursor_ = saved_ = 0;

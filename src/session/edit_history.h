@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <deque>
+#include <memory>
 #include <string>
 
 namespace torquil {
@@ -54,6 +55,7 @@ public:
     const HistoryLimits& limits() const { return limits_; }
 
 private:
+    friend class EditScope;
     // The dirty marks at the cursor: what the save left plus every step between the save and here.
     DirtyMarks marksAtCursor() const;
     void trim();
@@ -64,6 +66,35 @@ private:
     std::size_t saved_ = 0; // the cursor of the last save (or the load)
     DirtyMarks base_;       // what still differs from the file at the saved cursor
     std::size_t bytes_ = 0;
+    std::unique_ptr<EditRecorder> open_; // the outermost edit scope's recording
+    int depth_ = 0;                      // edit scopes open
+};
+
+// One edit of the session as one step of its history: the outermost scope records the tables it
+// names and, when it ends, pushes the step; scopes opened inside it (an edit made of other edits,
+// such as an import that overwrites a CLUT) join it. An edit stopped by an error is recorded with
+// what it changed up to there.
+class EditScope {
+public:
+    EditScope(StyleSession& session, unsigned touches, std::string name);
+    ~EditScope();
+    EditScope(const EditScope&) = delete;
+    EditScope& operator=(const EditScope&) = delete;
+
+    // A page rectangle the edit paints (repainted on undo and redo).
+    void touch(const PageArea& rect);
+    // The step's name when the edit turned out otherwise ("Overwrite CLUT 3" for a refused import
+    // that changed the CLUT); only the outermost scope's name counts.
+    void rename(std::string name) { name_ = std::move(name); }
+    bool outermost() const { return outermost_; }
+    // Ends the scope before its end of life; true when it pushed a step (outermost only).
+    bool end();
+
+private:
+    StyleSession& session_;
+    std::string name_;
+    bool outermost_ = false;
+    bool ended_ = false;
 };
 
 } // namespace torquil

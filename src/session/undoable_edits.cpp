@@ -26,32 +26,27 @@ bool importSpriteEdit(StyleSession& session, Platform& platform,
                       const std::filesystem::path& file) {
     const SpriteRec* sprite = session.selectedSprite();
     if (!sprite) return false;
-    const int asn = sprite->ASN, clut = sprite->clut;
-    EditRecorder recorder(session, kTouchPages | kTouchCluts);
-    recorder.touch(spriteRect(*sprite));
+    EditScope scope(session, kTouchPages | kTouchCluts, stepName("Import Sprite", sprite->ASN));
+    scope.touch(spriteRect(*sprite));
+    const int clut = sprite->clut;
     const bool imported =
         file.empty() ? importSprite(session, platform) : importSpriteFrom(session, platform, file);
-    EditStep step = recorder.finish(session, imported ? stepName("Import Sprite", asn)
-                                                      : stepName("Overwrite CLUT", clut));
-    session.history.push(std::move(step));
+    if (!imported) scope.rename(stepName("Overwrite CLUT", clut)); // the palette may have changed
     return imported;
 }
 
 TransparencyOutcome transparencyFixEdit(StyleSession& session, Platform& platform) {
     const SpriteRec* sprite = session.selectedSprite();
     if (!sprite) return TransparencyOutcome::NoSprite;
-    const int asn = sprite->ASN;
-    EditRecorder recorder(session, kTouchPages | kTouchCluts);
-    recorder.touch(spriteRect(*sprite));
-    const TransparencyOutcome outcome = transparencyCorrect(session, platform);
-    session.history.push(recorder.finish(session, stepName("Transparency Fix", asn)));
-    return outcome;
+    EditScope scope(session, kTouchPages | kTouchCluts, stepName("Transparency Fix", sprite->ASN));
+    scope.touch(spriteRect(*sprite));
+    return transparencyCorrect(session, platform);
 }
 
 bool carEdit(StyleSession& session, int asn, const std::function<void()>& accept) {
-    EditRecorder recorder(session, kTouchCars | kTouchNames);
+    EditScope scope(session, kTouchCars | kTouchNames, stepName("Edit Car", asn));
     accept();
-    return session.history.push(recorder.finish(session, stepName("Edit Car", asn)));
+    return scope.end();
 }
 
 } // namespace torquil

@@ -292,4 +292,32 @@ TEST_F(SavePointFixture, NothingChangedIsNoStep) {
     EXPECT_FALSE(carEdit(*session, firstCar(), [] {}));
 }
 
+TEST_F(SavePointFixture, NestedEditScopesMakeOneStepNamedByTheOutermost) {
+    {
+        EditScope outer(*session, kTouchPages | kTouchCluts, "Import Sprite 1");
+        EXPECT_TRUE(outer.outermost());
+        session->pages.pixel(0, 1, 1) = 200;
+        {
+            EditScope inner(*session, kTouchCluts, "Overwrite CLUT 0");
+            EXPECT_FALSE(inner.outermost());
+            session->colours.entry(0, 3) = {9, 9, 9};
+        }
+        EXPECT_EQ(session->history.size(), 0u); // nothing pushed until the outer scope ends
+        outer.rename("Overwrite CLUT 0");
+    }
+    ASSERT_EQ(session->history.size(), 1u);
+    EXPECT_EQ(session->history.undoName(), "Overwrite CLUT 0");
+    EXPECT_TRUE(session->history.undo(*session)->marks().clut);
+    EXPECT_NE(session->pages.pixel(0, 1, 1), 200);
+
+    // An edit stopped by an error is recorded with what it changed.
+    try {
+        EditScope scope(*session, kTouchPages, "Broken");
+        session->pages.pixel(0, 2, 2) = 201;
+        throw std::runtime_error("stopped");
+    } catch (const std::runtime_error&) {
+    }
+    EXPECT_EQ(session->history.undoName(), "Broken");
+}
+
 } // namespace
