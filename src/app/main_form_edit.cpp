@@ -35,7 +35,8 @@ bool isStyleFile(const QString& path) {
 
 // Pictures the sprite import reads.
 bool isSpritePicture(const QString& path) {
-    return QFileInfo(path).suffix().toLower() == QLatin1String("bmp");
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    return suffix == QLatin1String("bmp") || suffix == QLatin1String("png");
 }
 
 // The first local file of a drag, or an empty string.

@@ -35,6 +35,19 @@ bool importSpriteEdit(StyleSession& session, Platform& platform,
     return imported;
 }
 
+DeltaSetImport deltaSetImportEdit(StyleSession& session, Platform& platform,
+                                  const std::filesystem::path& file, bool clean) {
+    const SpriteRec* sprite = session.selectedSprite();
+    if (!sprite) return {};
+    EditScope scope(session, kTouchPages | kTouchCluts | kTouchDeltas,
+                    stepName("Import Delta Set", sprite->ASN));
+    scope.touch(spriteRect(*sprite));
+    const int clut = sprite->clut;
+    const DeltaSetImport result = importDeltaSet(session, platform, file, clean);
+    if (!result.imported) scope.rename(stepName("Overwrite CLUT", clut));
+    return result;
+}
+
 TransparencyOutcome transparencyFixEdit(StyleSession& session, Platform& platform) {
     const SpriteRec* sprite = session.selectedSprite();
     if (!sprite) return TransparencyOutcome::NoSprite;

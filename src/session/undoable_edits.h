@@ -4,6 +4,7 @@
 // half-way (a CLUT overwritten, then the pixels refused) is recorded with what it did change.
 
 #include "exchange/transparency.h"
+#include "session/delta_set_import.h"
 
 #include <filesystem>
 #include <functional>
@@ -19,6 +20,11 @@ class StyleSession;
 // when only the CLUT changed. True when the pixels were replaced.
 bool importSpriteEdit(StyleSession& session, Platform& platform,
                       const std::filesystem::path& file = {});
+
+// A delta set picture read back into the selected sprite's deltas (its palette may overwrite the
+// CLUT), recorded as "Import Delta Set N".
+DeltaSetImport deltaSetImportEdit(StyleSession& session, Platform& platform,
+                                  const std::filesystem::path& file, bool clean);
 
 // The transparency fix of the selected sprite, recorded as "Transparency Fix N".
 TransparencyOutcome transparencyFixEdit(StyleSession& session, Platform& platform);

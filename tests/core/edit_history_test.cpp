@@ -8,6 +8,7 @@
 #include "exchange/sprite_exchange.h"
 #include "exchange_fixture.h"
 #include "sample_level.h"
+#include "session/delta_sets.h"
 #include "session/edit_history.h"
 #include "session/save_sequence.h"
 #include "session/undoable_edits.h"
@@ -90,8 +91,9 @@ struct HistoryFixture : tb::StyleFixture {
     void roundTrip(const std::function<void()>& edit, const std::string& name) {
         const Tables before = tablesOf(*session);
         const std::string bytesBefore = savedBytes();
-        if (!session->history.canUndo()) // nothing to write yet
+        if (!session->history.canUndo()) { // nothing to write yet
             EXPECT_TRUE(bytesBefore == pristineStyle + "|" + pristineFxt);
+        }
         edit();
         ASSERT_TRUE(session->history.canUndo());
         EXPECT_EQ(session->history.undoName(), name);
@@ -181,24 +183,41 @@ TEST_F(HistoryFixture, CarEditWithRenameIsOneStep) {
     EXPECT_FALSE(step->marks().pages);
 }
 
-TEST_F(HistoryFixture, DeltaAndClutEditsAreSteps) {
-    ASSERT_GT(session->deltas.deltaCount, 0);
+TEST_F(HistoryFixture, DeltaSetImportIsOneStep) {
+    const int asn = carWithDeltas();
+    ASSERT_GT(asn, 0);
+    // A clean delta set with one more pixel at (1, 1) of the first frame.
+    const fs::path set = dir / "set.bmp";
+    ASSERT_TRUE(exportDeltaSet(*session, platform, set, true));
+    std::string bytes = fileBytes(set);
+    auto field = [&](std::size_t at) {
+        return static_cast<std::int32_t>(static_cast<std::uint8_t>(bytes[at]) |
+                                         static_cast<std::uint8_t>(bytes[at + 1]) << 8);
+    };
+    const std::int32_t width = field(18), height = field(22);
+    const std::size_t at =
+        kBmpPixelDataOffset + static_cast<std::size_t>(bmpRowLength(width)) * (height - 2) + 1;
+    bytes[at] = static_cast<char>(bytes[at] == 3 ? 4 : 3);
+    std::ofstream(set, std::ios::binary) << bytes;
+    platform.shownMessages.clear();
+
     roundTrip(
         [&] {
-            EditRecorder recorder(*session, kTouchDeltas);
-            DeltaRec& d = session->deltas.myDeltas[0];
-            ASSERT_FALSE(d.runLine.empty());
-            d.runLine[0].data.assign(d.runLine[0].length, 77);
-            session->style.gDeltasChanged = true;
-            session->history.push(recorder.finish(*session, "Import Delta Set 1"));
+            const DeltaSetImport result = deltaSetImportEdit(*session, platform, set, true);
+            EXPECT_TRUE(result.imported) << ::testing::PrintToString(messages());
+            EXPECT_EQ(result.changed, 1);
         },
-        "Import Delta Set 1");
+        "Import Delta Set " + std::to_string(asn));
+    const EditStep* step = session->history.undo(*session);
+    EXPECT_TRUE(step->marks().deltas);
+}
+
+TEST_F(HistoryFixture, ClutOverwriteIsAStep) {
     roundTrip(
         [&] {
-            EditRecorder recorder(*session, kTouchCluts);
+            EditScope scope(*session, kTouchCluts, "Overwrite CLUT 1");
             session->colours.entry(1, 200) = {1, 2, 3};
             session->style.gClutChanged = true;
-            session->history.push(recorder.finish(*session, "Overwrite CLUT 1"));
         },
         "Overwrite CLUT 1");
 }
