@@ -5,7 +5,7 @@
 #include "app/main_menus.h"
 #include "app/page_board.h"
 #include "platform/qt/qt_platform.h"
-#include "session/undoable_edits.h"
+#include "session/edits.h"
 
 #include <QAction>
 #include <QDragEnterEvent>
@@ -210,7 +210,7 @@ void MainForm::dropFiles(const QMimeData* data, QPoint windowPos) {
         return;
     }
     guarded([=, this] {
-        importSpriteEdit(*session_, platform_, std::filesystem::path(file.toStdString()));
+        (void)importSpriteFrom(*session_, platform_, std::filesystem::path(file.toStdString()));
         markChanged();
     });
 }

@@ -8,9 +8,8 @@
 #include "exchange/sprite_exchange.h"
 #include "exchange/transparency.h"
 #include "platform/qt/qt_platform.h"
-#include "session/delta_set_import.h"
 #include "session/delta_sets.h"
-#include "session/undoable_edits.h"
+#include "session/edits.h"
 #include "sprites/sprite_info.h"
 
 #include <QFileDialog>
@@ -29,7 +28,7 @@ void MainForm::mnuExportSprite_Click() {
 
 void MainForm::mnuImportSprite_Click() {
     // A refused import may still have overwritten the CLUT: the dirty flags tell.
-    importSpriteEdit(*session_, platform_);
+    (void)importSprite(*session_, platform_);
     markChanged();
 }
 
@@ -68,7 +67,7 @@ void MainForm::mnuImportDeltas_Click() {
                               "No: each delta is drawn over the sprite.",
                           Buttons::YesNoCancel, Icon::Question, "Import Delta Set");
     if (kind == Answer::Cancel) return;
-    const DeltaSetImport result = deltaSetImportEdit(
+    const DeltaSetImport result = importDeltaSet(
         *session_, platform_, std::filesystem::path(chosen.toStdString()), kind == Answer::Yes);
     markChanged(); // a refused import may still have overwritten the CLUT
     if (!result.imported) return;
@@ -112,7 +111,7 @@ void MainForm::mnuTranspCheck_Click() {
 }
 
 void MainForm::mnuTranspCorrect_Click() {
-    if (transparencyFixEdit(*session_, platform_) == TransparencyOutcome::Corrected) markChanged();
+    if (transparencyCorrect(*session_, platform_) == TransparencyOutcome::Corrected) markChanged();
 }
 
 void MainForm::mnuFindCar_Click() {
@@ -143,8 +142,8 @@ void MainForm::mnuEditCar_Click() {
     if (!sprite) return;
     const int asn = sprite->ASN;
     CarInfoForm form(*session_, platform_, asn, this);
-    // The accepted form (fields, remaps, doors and name) is one step of the history.
-    carEdit(*session_, asn, [&] { execDialog(form); });
+    // The accepted form puts its fields, remaps, doors and name in through one editCar: one step.
+    execDialog(form);
     markChanged();
     updateStatusForSelection();
 }

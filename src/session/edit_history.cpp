@@ -6,6 +6,10 @@
 
 namespace torquil {
 
+std::string stepName(const char* what, int number) {
+    return std::string(what) + " " + std::to_string(number);
+}
+
 bool EditHistory::push(EditStep step) {
     if (step.empty()) return false;
     // Forgetting the undone steps: when the save lay among them, the file now differs from every

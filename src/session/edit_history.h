@@ -97,4 +97,7 @@ private:
     bool ended_ = false;
 };
 
+// The name of a step: "Import Sprite 61".
+std::string stepName(const char* what, int number);
+
 } // namespace torquil

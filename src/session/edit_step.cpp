@@ -2,6 +2,7 @@
 
 #include "cars/car_names.h"
 #include "session/loaders.h"
+#include "session/session_io.h"
 #include "session/style_session.h"
 #include "style/page_io.h"
 
@@ -62,6 +63,11 @@ std::vector<std::uint8_t> copyRect(const std::uint8_t* page, const PageArea& r) 
 }
 
 } // namespace
+
+PageArea spriteArea(const SpriteRec& s) {
+    return {s.page, s.xo, s.yo, std::min<int>(s.W, kPageSize - s.xo),
+            std::min<int>(s.H, kPageSize - s.yo)};
+}
 
 DirtyMarks DirtyMarks::of(const StyleFileState& style) {
     DirtyMarks m;

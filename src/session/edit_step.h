@@ -12,11 +12,13 @@
 #include <vector>
 
 #include "cars/car_info.h"
-#include "exchange/deltas.h"
+#include "sprites/delta_table.h"
+#include "style/pages.h" // PageArea
 
 namespace torquil {
 
 class StyleSession;
+struct SpriteRec;
 struct StyleFileState;
 
 // The tables an edit may change; the recorder copies only these.
@@ -42,11 +44,9 @@ struct DirtyMarks {
     bool operator==(const DirtyMarks&) const = default;
 };
 
-// A rectangle of one page, in page pixels.
-struct PageArea {
-    int page = 0, x = 0, y = 0, w = 0, h = 0;
-    bool operator==(const PageArea&) const = default;
-};
+// The sprite's rectangle on its page (clipped to the page): where the edits of a sprite paint, and
+// so where undo repaints a CLUT change.
+PageArea spriteArea(const SpriteRec& sprite);
 
 class EditStep {
 public:

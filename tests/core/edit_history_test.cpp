@@ -10,8 +10,8 @@
 #include "sample_level.h"
 #include "session/delta_sets.h"
 #include "session/edit_history.h"
+#include "session/edits.h"
 #include "session/save_sequence.h"
-#include "session/undoable_edits.h"
 #include "style/page_io.h"
 
 #include <fstream>
@@ -137,7 +137,7 @@ TEST_F(HistoryFixture, SpriteImportWithPaletteAndRemapsIsOneStep) {
     std::ofstream(bmp, std::ios::binary) << bytes;
     platform.scriptedAnswers = {Answer::Ok, Answer::Yes}; // overwrite the CLUT, correct remaps
 
-    roundTrip([&] { EXPECT_TRUE(importSpriteEdit(*session, platform)); },
+    roundTrip([&] { EXPECT_TRUE(importSprite(*session, platform)); },
               "Import Sprite " + std::to_string(asn));
     const EditStep* step = session->history.undo(*session);
     EXPECT_TRUE(step->marks().pages);
@@ -157,7 +157,7 @@ TEST_F(HistoryFixture, TransparencyFixIsOneStep) {
     repaintRect(*session, *makePagePainter(*session), s.page, s.xo, s.yo, s.W, s.H);
     platform.scriptedAnswers = {Answer::Ok, Answer::No};
     roundTrip(
-        [&] { EXPECT_EQ(transparencyFixEdit(*session, platform), TransparencyOutcome::Corrected); },
+        [&] { EXPECT_EQ(transparencyCorrect(*session, platform), TransparencyOutcome::Corrected); },
         "Transparency Fix " + std::to_string(asn));
 }
 
@@ -168,19 +168,24 @@ TEST_F(HistoryFixture, CarEditWithRenameIsOneStep) {
     ASSERT_GT(asn, 0);
     roundTrip(
         [&] {
-            EXPECT_TRUE(carEdit(*session, asn, [&] {
-                CarEntry& car = *session->cars.find(asn);
-                car.info.max_speed += 3;
-                car.doorList.push_back(DoorRec{1, 2, 3, 4});
-                session->style.gSaveCarInfo.push_back(static_cast<std::int16_t>(asn));
-                renameCarModel(*session, car.info.model, "Undone Racer");
-            }));
+            const CarEntry& car = *session->cars.find(asn);
+            CarEdit edit;
+            edit.info = car.info;
+            edit.info->max_speed += 3;
+            edit.doors = car.doorList;
+            edit.doors->push_back(DoorRec{1, 2, 3, 4});
+            edit.name = "Undone Racer";
+            EXPECT_TRUE(editCar(*session, asn, edit));
         },
         "Edit Car " + std::to_string(asn));
     const EditStep* step = session->history.undo(*session);
     EXPECT_EQ(step->marks().cars, std::vector<std::int16_t>{static_cast<std::int16_t>(asn)});
     EXPECT_TRUE(step->marks().names);
     EXPECT_FALSE(step->marks().pages);
+}
+
+TEST_F(HistoryFixture, ARenameFromTheCommandLineIsAStepOfItsOwn) {
+    roundTrip([&] { EXPECT_TRUE(renameCarModel(*session, 0, "Solo Racer")); }, "Rename Model 0");
 }
 
 TEST_F(HistoryFixture, DeltaSetImportIsOneStep) {
@@ -203,7 +208,7 @@ TEST_F(HistoryFixture, DeltaSetImportIsOneStep) {
 
     roundTrip(
         [&] {
-            const DeltaSetImport result = deltaSetImportEdit(*session, platform, set, true);
+            const DeltaSetImport result = importDeltaSet(*session, platform, set, true);
             EXPECT_TRUE(result.imported) << ::testing::PrintToString(messages());
             EXPECT_EQ(result.changed, 1);
         },
@@ -308,7 +313,17 @@ TEST_F(SavePointFixture, NothingChangedIsNoStep) {
     EXPECT_FALSE(session->history.push(recorder.finish(*session, "Nothing")));
     EXPECT_FALSE(session->history.canUndo());
     // Accepting the car editor without a change records nothing either.
-    EXPECT_FALSE(carEdit(*session, firstCar(), [] {}));
+    EXPECT_TRUE(editCar(*session, firstCar(), CarEdit{}));
+    EXPECT_FALSE(session->history.canUndo());
+}
+
+TEST_F(SavePointFixture, MarkingAllChangedIsAStepOfTheFlags) {
+    ASSERT_FALSE(session->style.anyChange());
+    markAllChanged(*session);
+    EXPECT_EQ(session->history.undoName(), "Mark All Changed");
+    EXPECT_TRUE(session->style.gPagesChanged);
+    ASSERT_NE(session->history.undo(*session), nullptr);
+    EXPECT_FALSE(session->style.anyChange());
 }
 
 TEST_F(SavePointFixture, NestedEditScopesMakeOneStepNamedByTheOutermost) {
