@@ -6,7 +6,7 @@
 #include "exchange/delta_frames.h"
 #include "fake_platform.h"
 #include "fuzz_support.h"
-#include "session/delta_set_import.h"
+#include "session/edits.h"
 #include "session/picture_file.h"
 #include "session/session_io.h"
 

@@ -76,7 +76,11 @@ void CarInfoForm::setBoxText(int index, const std::string& text) {
 }
 
 void CarInfoForm::fillBoxes() {
-    for (int i = 0; i < kCarFieldCount; ++i) setBoxText(i, fieldText(entry_, i, cursor_));
+    for (int i = 0; i < kCarFieldCount; ++i) {
+        const std::string text = fieldText(entry_, i, cursor_);
+        setBoxText(i, text);
+        filledText_[static_cast<std::size_t>(i)] = text;
+    }
 }
 
 void CarInfoForm::txtBoxChange(int index) {
@@ -159,7 +163,12 @@ void CarInfoForm::acceptEdits() {
     CarEdit edit;
     CarEntry edited = *target;
     if (recordChanged_) {
-        for (int i = 0; i <= kValueBox; ++i) setFieldText(edited, i, box(i)->text().toStdString());
+        // A box still showing the text it was filled with keeps its stored value exactly (a 16.16
+        // value does not survive its 3-decimal text); a changed box is read back.
+        for (int i = 0; i <= kValueBox; ++i) {
+            const std::string text = box(i)->text().toStdString();
+            if (text != filledText_[static_cast<std::size_t>(i)]) setFieldText(edited, i, text);
+        }
         edit.doors = entry_.doorList;
     }
     // The remap boxes write into the working copy as they change; their tables travel with a

@@ -10,6 +10,7 @@
 #include <QDialog>
 
 #include <array>
+#include <string>
 
 class QLabel;
 class QLineEdit;
@@ -112,6 +113,7 @@ private:
     bool remapChanged_ = false;
     bool filling_ = false; // boxes being filled by the form itself
     bool accepted_ = false;
+    std::array<std::string, kCarFieldCount> filledText_; // each box's text when the form opened
 
     QTabWidget* tabs_ = nullptr;
     std::array<QLineEdit*, kCarFieldCount> boxes_{};

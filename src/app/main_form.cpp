@@ -62,8 +62,18 @@ MainForm::~MainForm() {
 void MainForm::buildWindow() {
     menus_ = std::make_unique<MainMenus>(menuBar());
     for (const char* name : {"mnuSprite", "mnuImport", "mnuExport", "mnuView", "mnuTransp",
-                             "mnuCarInfo", "mnuFile", "mnuFileLoad", "mnuFileBuild"})
+                             "mnuCarInfo", "mnuFile", "mnuFileLoad", "mnuFileBuild", "mnuRecent"})
         menus_->menu(QString::fromLatin1(name))->setToolTipsVisible(true);
+
+    // The platform's undo and redo keys, and Ctrl+Y and Ctrl+Shift+Z wherever redo has another.
+    menus_->action(QStringLiteral("mnuUndo"))->setShortcuts(QKeySequence::Undo);
+    QList<QKeySequence> redoKeys = QKeySequence::keyBindings(QKeySequence::Redo);
+    for (const QKeySequence& extra :
+         {QKeySequence(QStringLiteral("Ctrl+Shift+Z")), QKeySequence(QStringLiteral("Ctrl+Y"))})
+        if (!redoKeys.contains(extra)) redoKeys.append(extra);
+    menus_->action(QStringLiteral("mnuRedo"))->setShortcuts(redoKeys);
+    rebuildRecentMenu();
+    setAcceptDrops(true);
 
     // Zoom lives in the Window menu after its two entries.
     QMenu* window = menus_->menu(QStringLiteral("mnuWindow"));
@@ -125,6 +135,8 @@ void MainForm::connectCommands() {
     connectMenu("mnuBuildGC3", &MainForm::mnuBuildGC3_Click);
     connectMenu("mnuSaveBlock", &MainForm::mnuSaveBlock_Click);
     connectMenu("mnuExit", &MainForm::mnuExit_Click);
+    connectMenu("mnuUndo", &MainForm::undo);
+    connectMenu("mnuRedo", &MainForm::redo);
     connectMenu("mnuImportSprite", &MainForm::mnuImportSprite_Click);
     connectMenu("mnuImportDeltas", &MainForm::mnuImportDeltas_Click);
     connectMenu("mnuExportSprite", &MainForm::mnuExportSprite_Click);
@@ -204,6 +216,8 @@ QString MainForm::unavailableReason(const QString&) const {
 }
 
 bool MainForm::selectionAllows(const QString& control) const {
+    if (control == QLatin1String("mnuUndo")) return session_->history.canUndo();
+    if (control == QLatin1String("mnuRedo")) return session_->history.canRedo();
     if (kNeedSprite.contains(control)) return session_->selectedSprite() != nullptr;
     if (kNeedDeltas.contains(control)) {
         const SpriteRec* sprite = session_->selectedSprite();
@@ -235,6 +249,8 @@ void MainForm::refreshCommands() {
         if (!reason.isEmpty())
             button->setToolTip(button->text() + QStringLiteral(" \u2014 ") + reason);
     }
+    refreshEditCommands();
+    updateTitle();
 }
 
 void MainForm::selectAt(int page, int x, int y) {

@@ -13,6 +13,10 @@
 #include <optional>
 
 class QComboBox;
+class QDragEnterEvent;
+class QDragMoveEvent;
+class QDropEvent;
+class QMimeData;
 class QDialog;
 class QLabel;
 
@@ -60,6 +64,16 @@ public:
     bool askToSaveChanges();
     void setZoom(int zoom);
 
+    // Edit menu: takes back the last edit or does the next undone one again.
+    void undo();
+    void redo();
+    // The File menu's recent style files, newest first: path and load option.
+    QList<QPair<QString, int>> recentFiles() const;
+    // What a drop of these files on the window would do; the drop itself (a style file opens,
+    // a bitmap dropped on a sprite of the board is imported into it).
+    bool acceptsDrop(const QMimeData* data) const;
+    void dropFiles(const QMimeData* data, QPoint windowPos);
+
     // How modal dialogs run: exec() unless replaced (tests drive the dialog instead).
     std::function<int(QDialog&)> runDialog;
     // Asks for an absolute sprite number; nothing when cancelled.
@@ -69,6 +83,9 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     // Building the window (main_form.cpp).
@@ -96,6 +113,13 @@ private:
     void loadStyle(const QString& path, int loadOption);
     void afterLoad(bool loaded);
     void markChanged();
+
+    // Edit menu, unsaved-changes marks, recent files (main_form_edit.cpp).
+    void refreshEditCommands();
+    void updateTitle();
+    void rememberRecent(const QString& path, int loadOption);
+    void rebuildRecentMenu();
+    void openRecent(const QString& path, int loadOption);
 
     // Sprite and car commands (main_form_sprite.cpp).
     void mnuExportSprite_Click();

@@ -58,20 +58,22 @@ void MainForm::loadStyle(const QString& path, int loadOption) {
     try {
         outcome = initHeader(*fresh, platform_, standardLoaders());
     } catch (...) {
-        // Debug mode: the load stopped where the error was raised; the file is not open.
-        session_ = std::move(fresh);
-        session_->style.loaded = false;
+        // Debug mode: the load stopped where the error was raised; what was open stays open.
         restore();
-        afterLoad(false);
+        board_->setSession(session_.get());
+        board_->refresh();
         throw;
     }
     restore();
-    if (outcome == LoadOutcome::FileMissing) {
-        board_->setSession(session_.get()); // nothing changed
+    if (outcome != LoadOutcome::Loaded) {
+        // A file that did not load leaves the open one, its edits and its history as they were.
+        board_->setSession(session_.get());
+        board_->refresh();
         return;
     }
     session_ = std::move(fresh);
-    afterLoad(outcome == LoadOutcome::Loaded);
+    afterLoad(true);
+    rememberRecent(path, loadOption);
 }
 
 void MainForm::afterLoad(bool loaded) {
@@ -87,14 +89,15 @@ void MainForm::afterLoad(bool loaded) {
         setCommandGroup(7, true); // build a car pack
         setCommandGroup(8, true);
         setCommandGroup(9, true); // apply a car pack
-        setWindowTitle(QString::fromStdString(session_->caption));
+        updateTitle();
     }
     updateStatusForSelection();
     board_->refresh();
 }
 
 void MainForm::markChanged() {
-    if (session_->style.anyChange()) setCommandGroup(2, true);
+    // The save command follows the dirty flags: an edit sets them, an undo may clear them.
+    setCommandGroup(2, session_->style.anyChange());
     board_->refresh();
 }
 
@@ -105,14 +108,17 @@ void MainForm::mnuLoadBMP_Click() {
 }
 
 void MainForm::importBitmapFile(const QString& path) {
-    const bool imported = importSpriteNamedBy(*session_, platform_, fs::path(path.toStdString()));
+    // A refused picture may still have overwritten the CLUT: the save command follows the flags.
+    (void)importSpriteNamedBy(*session_, platform_, fs::path(path.toStdString()));
     board_->refresh();
     updateStatusForSelection();
-    if (imported) markChanged();
+    markChanged();
 }
 
 void MainForm::mnuSaveBlock_Click() {
     const SaveOutcome outcome = saveChanges(*session_, platform_);
+    // The history remembers where the file was saved (a failed step leaves its flags set).
+    if (outcome.result != SaveResult::Declined) session_->history.markSaved(session_->style);
     if (outcome.disableSaveCommand()) setCommandGroup(2, false);
     board_->refresh();
 }

@@ -8,8 +8,8 @@
 #include "exchange/sprite_exchange.h"
 #include "exchange/transparency.h"
 #include "platform/qt/qt_platform.h"
-#include "session/delta_set_import.h"
 #include "session/delta_sets.h"
+#include "session/edits.h"
 #include "sprites/sprite_info.h"
 
 #include <QFileDialog>
@@ -27,10 +27,9 @@ void MainForm::mnuExportSprite_Click() {
 }
 
 void MainForm::mnuImportSprite_Click() {
-    if (importSprite(*session_, platform_))
-        markChanged();
-    else
-        board_->refresh();
+    // A refused import may still have overwritten the CLUT: the dirty flags tell.
+    (void)importSprite(*session_, platform_);
+    markChanged();
 }
 
 QString MainForm::chooseDeltaSetFile(bool forSaving, const QString& suggested) {
@@ -70,11 +69,8 @@ void MainForm::mnuImportDeltas_Click() {
     if (kind == Answer::Cancel) return;
     const DeltaSetImport result = importDeltaSet(
         *session_, platform_, std::filesystem::path(chosen.toStdString()), kind == Answer::Yes);
-    if (!result.imported) {
-        board_->refresh();
-        return;
-    }
-    markChanged();
+    markChanged(); // a refused import may still have overwritten the CLUT
+    if (!result.imported) return;
     statusBar()->showMessage(
         tr("Delta set imported: %n delta(s) changed.", nullptr, result.changed), 8000);
 }
@@ -144,7 +140,9 @@ bool MainForm::selectSprite(int asn) {
 void MainForm::mnuEditCar_Click() {
     const SpriteRec* sprite = session_->selectedSprite();
     if (!sprite) return;
-    CarInfoForm form(*session_, platform_, sprite->ASN, this);
+    const int asn = sprite->ASN;
+    CarInfoForm form(*session_, platform_, asn, this);
+    // The accepted form puts its fields, remaps, doors and name in through one editCar: one step.
     execDialog(form);
     markChanged();
     updateStatusForSelection();

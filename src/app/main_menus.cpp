@@ -25,6 +25,7 @@ const std::vector<Item>& menuTree() {
     static const std::vector<Item> tree = {
         {0, Submenu, "mnuFile", "&File"},
         {1, Entry, "mnuOpen", "&Open KRB Data File", "Ctrl+O"},
+        {1, Submenu, "mnuRecent", "Open &Recent"},
         {1, Separator, "void3", ""},
         {1, Submenu, "mnuFileLoad", "&Load"},
         {2, Entry, "mnuLoadGC3", "GC3 Car Pack"},
@@ -35,6 +36,9 @@ const std::vector<Item>& menuTree() {
         {1, Entry, "mnuSaveBlock", "&Save Changes", "Ctrl+S"},
         {1, Separator, "void2", ""},
         {1, Entry, "mnuExit", "E&xit"},
+        {0, Submenu, "mnuEdit", "&Edit"},
+        {1, Entry, "mnuUndo", "&Undo"},
+        {1, Entry, "mnuRedo", "&Redo"},
         {0, Submenu, "mnuSprite", "&Sprite"},
         {1, Submenu, "mnuImport", "&Import"},
         {2, Entry, "mnuImportSprite", "&Sprite"},

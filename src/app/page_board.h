@@ -38,6 +38,8 @@ public:
     QPoint viewportPoint(int page, int x, int y) const;
     // Size of the viewport that shows exactly `pages` pages at the current zoom.
     QSize viewportSizeFor(int pages) const;
+    // The page pixel under a viewport point; none beside the pages.
+    std::optional<PagePoint> pagePointAt(QPoint viewportPos) const;
 
 signals:
     void hovered(int page, int x, int y);      // page -1: the mouse is over no page
@@ -59,7 +61,6 @@ protected:
 private:
     void wrapImage();
     void updateScrollBars();
-    std::optional<PagePoint> pagePointAt(QPoint viewportPos) const;
     QPoint contentOrigin() const; // content coordinate of the viewport's top-left corner
     void paintRuler(class QPainter& p, int pages) const;
     void paintSpriteFrame(QPainter& p, int page, int sib, bool selected) const;

@@ -10,6 +10,7 @@ namespace torquil {
 
 struct DoorRec {
     std::int16_t rpx = 0, rpy = 0, object = 0, delta = 0;
+    bool operator==(const DoorRec&) const = default;
 };
 
 struct CarInfo {
@@ -30,6 +31,7 @@ struct CarInfo {
 
     static constexpr int kFixedSize = 174;
     static constexpr int kDoorSize = 8;
+    bool operator==(const CarInfo&) const = default;
 };
 
 struct CarEntry {
@@ -38,6 +40,7 @@ struct CarEntry {
     std::vector<DoorRec> doorList;
     std::string name;
     std::int32_t fileSeek = 0; // 1-based position of the record in the style file
+    bool operator==(const CarEntry&) const = default;
 };
 
 // Qt defines `slots` as a keyword macro; keep the member's name readable in Qt code as well.

@@ -4,8 +4,8 @@
 #include "cli/cli.h"
 #include "cli/sprite_pick.h"
 
-#include "session/delta_set_import.h"
 #include "session/delta_sets.h"
+#include "session/edits.h"
 #include "session/save_sequence.h"
 
 #include <nlohmann/json.hpp>

@@ -1,19 +1,43 @@
-#include "session/delta_set_import.h"
+// The delta set import (declared with the other edits in session/edits.h).
+
+#include "session/edits.h"
 
 #include "exchange/delta_frames.h"
 #include "exchange/sprite_exchange.h"
 #include "platform/platform.h"
 #include "session/delta_sets.h"
+#include "session/edit_history.h"
 #include "session/picture_file.h"
 #include "session/session_io.h"
+#include "session/style_session.h"
 
 #include <algorithm>
 #include <string>
 
 namespace torquil {
 
-DeltaSetImport importDeltaSet(StyleSession& session, Platform& platform,
-                              const std::filesystem::path& file, bool clean) {
+namespace {
+
+// Gives delta table entries new run lines and marks the pages and deltas changed, so that the save
+// sequence rewrites the delta store. Entries outside the table leave everything alone (false).
+bool setDeltaRuns(StyleSession& session,
+                  std::vector<std::pair<int, std::vector<RunLine>>> replacements) {
+    DeltaTable& table = session.deltas;
+    const int limit = std::min<int>(table.deltaCount, static_cast<int>(table.myDeltas.size()));
+    for (const auto& [index, runs] : replacements)
+        if (index < 0 || index >= limit) return false;
+    for (auto& [index, runs] : replacements)
+        table.myDeltas[static_cast<std::size_t>(index)].runLine = std::move(runs);
+    // The save sequence writes the pages and then the delta store behind them.
+    session.style.gPagesChanged = true;
+    session.style.gDeltasChanged = true;
+    return true;
+}
+
+// The import itself; any refusal returns with the deltas as they were (the CLUT may be
+// overwritten).
+DeltaSetImport readDeltaSet(StyleSession& session, Platform& platform,
+                            const std::filesystem::path& file, bool clean) {
     DeltaSetImport result;
     const SpriteRec* sprite = session.selectedSprite();
     if (!sprite) return result;
@@ -69,18 +93,20 @@ DeltaSetImport importDeltaSet(StyleSession& session, Platform& platform,
     return result;
 }
 
-bool setDeltaRuns(StyleSession& session,
-                  std::vector<std::pair<int, std::vector<RunLine>>> replacements) {
-    DeltaTable& table = session.deltas;
-    const int limit = std::min<int>(table.deltaCount, static_cast<int>(table.myDeltas.size()));
-    for (const auto& [index, runs] : replacements)
-        if (index < 0 || index >= limit) return false;
-    for (auto& [index, runs] : replacements)
-        table.myDeltas[static_cast<std::size_t>(index)].runLine = std::move(runs);
-    // The save sequence writes the pages and then the delta store behind them.
-    session.style.gPagesChanged = true;
-    session.style.gDeltasChanged = true;
-    return true;
+} // namespace
+
+DeltaSetImport importDeltaSet(StyleSession& session, Platform& platform,
+                              const std::filesystem::path& file, bool clean) {
+    const SpriteRec* sprite = session.selectedSprite();
+    if (!sprite) return {};
+    EditScope scope(session, kTouchPages | kTouchCluts | kTouchDeltas,
+                    stepName("Import Delta Set", sprite->ASN));
+    scope.touch(spriteArea(*sprite));
+    const int clut = sprite->clut;
+    const DeltaSetImport result = readDeltaSet(session, platform, file, clean);
+    // A refused picture may still have overwritten the CLUT.
+    if (!result.imported) scope.rename(stepName("Overwrite CLUT", clut));
+    return result;
 }
 
 } // namespace torquil

@@ -1,6 +1,7 @@
 #pragma once
 // A sprite's delta set: all its deltas side by side in one picture, frame i at x = i * width.
-// Export, the view's frames and the command line's listing; the import is delta_set_import.h.
+// Export, the view's frames and the command line's listing; the import is importDeltaSet
+// (session/edits.h).
 
 #include "exchange/delta_frames.h"
 

@@ -2,6 +2,7 @@
 
 #include "exchange/bitmap_names.h"
 #include "platform/platform.h"
+#include "session/edit_history.h"
 #include "session/loaders.h"
 #include "session/picture_file.h"
 #include "session/session_io.h"
@@ -34,6 +35,7 @@ int spriteOfBitmap(StyleSession& session, const BitmapTarget& target) {
 bool editCar(StyleSession& session, int asn, const CarEdit& edit) {
     CarEntry* car = session.cars.find(asn);
     if (!car) return false;
+    EditScope scope(session, kTouchCars | kTouchNames, stepName("Edit Car", asn));
     if (edit.info || edit.doors) {
         if (edit.info) car->info = *edit.info;
         if (edit.doors) car->doorList = *edit.doors;
@@ -44,6 +46,7 @@ bool editCar(StyleSession& session, int asn, const CarEdit& edit) {
 }
 
 void markAllChanged(StyleSession& session) {
+    EditScope scope(session, 0, "Mark All Changed"); // only the flags change
     StyleFileState& style = session.style;
     style.gPagesChanged = true;
     style.gClutChanged = style.gIs24Bit; // an 8-bit file has no CLUT section
@@ -57,6 +60,7 @@ void markAllChanged(StyleSession& session) {
 
 bool renameCarModel(StyleSession& session, int model, const std::string& name) {
     if (model < 0 || model >= kCarNameCount) return false;
+    EditScope scope(session, kTouchCars | kTouchNames, stepName("Rename Model", model));
     session.names.names[static_cast<std::size_t>(model)] = name;
     session.style.gCarNamesChanged = true;
     // Every loaded car of the model shows the new name.
@@ -74,6 +78,10 @@ bool importSprite(StyleSession& session, Platform& platform) {
 bool importSpriteFrom(StyleSession& session, Platform& platform, const fs::path& file) {
     SpriteRec* sprite = session.selectedSprite();
     if (!sprite) return false;
+    EditScope scope(session, kTouchPages | kTouchCluts, stepName("Import Sprite", sprite->ASN));
+    scope.touch(spriteArea(*sprite));
+    // A refused picture may still have overwritten the CLUT (the step is then named after that).
+    scope.rename(stepName("Overwrite CLUT", sprite->clut));
     ProgressSink& progress = platform.progress();
     progress.open("Importing", file.filename().string(), std::max(0, sprite->H - 1));
     std::vector<std::uint8_t> pixels;
@@ -85,6 +93,7 @@ bool importSpriteFrom(StyleSession& session, Platform& platform, const fs::path&
     // without repainting every page.
     repaintArea(session, putSpritePixels(session.pages, *sprite, pixels, progress));
     session.style.gPagesChanged = true;
+    scope.rename(stepName("Import Sprite", sprite->ASN));
     platform.desktop().refreshBoard();
     progress.close();
     return true;
@@ -121,6 +130,8 @@ bool importSpriteNamedBy(StyleSession& session, Platform& platform, const fs::pa
 TransparencyOutcome transparencyCorrect(StyleSession& session, Platform& platform) {
     SpriteRec* sprite = session.selectedSprite();
     if (!sprite) return TransparencyOutcome::NoSprite;
+    EditScope scope(session, kTouchPages | kTouchCluts, stepName("Transparency Fix", sprite->ASN));
+    scope.touch(spriteArea(*sprite));
     if (!session.style.gIs24Bit) {
         platform.message("Sorry , Transparency Correction not supported on 8bit style files.");
         return TransparencyOutcome::EightBit;
@@ -150,6 +161,7 @@ TransparencyOutcome transparencyCorrect(StyleSession& session, Platform& platfor
 
 bool overwriteClut(StyleSession& session, int clut, const BmpColourTable& colours) {
     if (!clutInTable(session.colours, clut)) return false;
+    EditScope scope(session, kTouchCluts, stepName("Overwrite CLUT", clut));
     for (int c = 0; c < 256; ++c) {
         const BmpColour& in = colours[static_cast<std::size_t>(c)];
         session.colours.entry(clut, c) = {in.r, in.g, in.b};
@@ -162,6 +174,11 @@ bool comparePalette(StyleSession& session, Platform& platform, int clut,
                     const BmpColourTable& imported) {
     const BmpColourTable original = clutColourTable(session, clut);
     if (!clutInTable(session.colours, clut)) return false;
+    // The CLUT and the recoloured remap CLUTs; the sprite shows the change where the caller's
+    // edit paints it.
+    EditScope scope(session, kTouchCluts, stepName("Overwrite CLUT", clut));
+    if (const SpriteRec* sprite = session.selectedSprite(); sprite && sprite->clut == clut)
+        scope.touch(spriteArea(*sprite));
     if (sameColours(original, imported)) {
         if (session.options.debugMode)
             platform.message("Imported Sprite's Palette is identical to original.\r"

@@ -2,11 +2,14 @@
 // Every change of an open style's data enters the session through one of these functions; the
 // window and the command line both call them, and only they set the dirty flags that the save
 // sequence reads (gPagesChanged, gClutChanged, gDeltasChanged, gCarNamesChanged, gSaveCarInfo).
-// An undo stack wraps these calls.
+// Each one records itself as one step of the session's undo history (an EditScope); an edit made
+// of other edits (an import that overwrites a CLUT) is one step, named by the outermost.
 
 #include "cars/car_info.h"
 #include "exchange/palette_compare.h"
 #include "exchange/transparency.h"
+
+#include "sprites/delta_table.h"
 
 #include <filesystem>
 #include <optional>
@@ -51,6 +54,20 @@ struct CarEdit {
 // fits no sprite or the copy fails.
 [[nodiscard]] bool importSpriteNamedBy(StyleSession& session, Platform& platform,
                                        const std::filesystem::path& file);
+
+struct DeltaSetImport {
+    bool imported = false;
+    int changed = 0; // deltas whose run lines were replaced
+};
+
+// Reads a clean or dirty delta set (BMP, or PNG by the name) back into the selected sprite's
+// deltas, checked as the sprite import checks a picture (its palette may overwrite the CLUT). A
+// frame that shows its delta as it is keeps its run lines exactly; a changed frame becomes new run
+// lines. Any refusal (a picture the checks refuse, a frame that cannot be a delta) shows its
+// message and leaves the deltas as they were. On success gPagesChanged and gDeltasChanged are set,
+// so that the save sequence rewrites the delta store. Recorded as "Import Delta Set N".
+[[nodiscard]] DeltaSetImport importDeltaSet(StyleSession& session, Platform& platform,
+                                            const std::filesystem::path& file, bool clean);
 
 // Transparency fix of the selected sprite: finds its background index from its corners and
 // exchanges it with index 0 in the sprite's pixels and CLUT (through comparePalette), so the

@@ -6,6 +6,7 @@
 #include "base/runtime_error.h"
 #include "cars/car_info.h"
 #include "cars/car_names.h"
+#include "session/edit_history.h"
 #include "sprites/colour_tables.h"
 #include "sprites/delta_table.h"
 #include "sprites/selection.h"
@@ -38,6 +39,7 @@ public:
     Selection selection;
     std::string stepText; // the step in progress, quoted by the failure messages
     std::string caption;  // the window caption after a successful load
+    EditHistory history;  // undo and redo of this file's edits
 
     // The currently selected sprite record, or nullptr.
     const SpriteRec* selectedSprite() const;

@@ -12,6 +12,7 @@ struct RunLine {
     std::uint16_t offset = 0; // row * 256 + column from the sprite's top-left pixel
     std::uint8_t length = 0;
     std::vector<std::uint8_t> data;
+    bool operator==(const RunLine&) const = default;
 };
 
 struct DeltaRec {

@@ -42,6 +42,7 @@ struct Pages {
 struct PageArea {
     int page = -1, x = 0, y = 0, w = 0, h = 0;
     bool empty() const { return page < 0 || w <= 0 || h <= 0; }
+    bool operator==(const PageArea&) const = default;
 };
 
 // 0x00RRGGBB pixels, kImageWidth x 256, row-major; owned by the core, wrapped by the window.

@@ -7,8 +7,8 @@
 #include "exchange/png_codec.h"
 #include "exchange/sprite_exchange.h"
 #include "sample_level.h"
-#include "session/delta_set_import.h"
 #include "session/delta_sets.h"
+#include "session/edits.h"
 #include "session/picture_file.h"
 #include "session/save_sequence.h"
 
