@@ -2,6 +2,8 @@
 
 #include "cli/cli.h"
 
+#include "base/utf8_path.h"
+
 #include "sound/sound_preview.h"
 
 #include <limits>
@@ -46,19 +48,24 @@ void registerSoundCommand(CLI::App& app, Context& ctx) {
         auto platform = makePlatform(ctx, args->common);
         platform->setPlaybackEnabled(args->play);
         StyleSession session(options);
-        prepareStyle(session.style, std::filesystem::absolute(args->style), kLoadSprites);
+        prepareStyle(session.style, std::filesystem::absolute(argumentPath(args->style)),
+                     kLoadSprites);
         const auto number = static_cast<std::int16_t>(args->number);
         const auto repeat = static_cast<std::int16_t>(args->repeat);
 
         SoundOutcome outcome = SoundOutcome::Done;
         if (!args->output.empty())
             outcome = writeSoundWav(session, *platform, number, args->rate, repeat,
-                                    std::filesystem::absolute(args->output));
+                                    std::filesystem::absolute(argumentPath(args->output)));
         if (outcome == SoundOutcome::Done && args->play)
             outcome = playSound(session, *platform, number, args->rate, repeat);
+        if (outcome == SoundOutcome::Done && args->play && !platform->playbackError().empty()) {
+            ctx.err << "sound: could not play: " << platform->playbackError() << '\n';
+            outcome = SoundOutcome::Failed;
+        }
         if (outcome == SoundOutcome::NoBank)
-            ctx.err << "sound: no sound bank: " << sdtFilePath(session).string() << " or "
-                    << rawFilePath(session).string() << " is missing\n";
+            ctx.err << "sound: no sound bank: " << utf8Of(sdtFilePath(session)) << " or "
+                    << utf8Of(rawFilePath(session)) << " is missing\n";
         ctx.exitCode = outcome == SoundOutcome::Done ? kExitOk : kExitFailed;
     });
 }
