@@ -234,7 +234,7 @@ TEST_F(SaveFixture, ReadOnlyFileStopsAtFileOpenWithNothingWritten) {
     fs::permissions(path, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
     if (writableDespiteReadOnly(path)) {
         fs::permissions(path, fs::perms::owner_all);
-        GTEST_SKIP() << "read-only files are writable for this user (root)";
+        GTEST_SKIP() << "read-only files are writable here (root, or the flag is ignored)";
     }
     markStyleChanged();
     const SaveOutcome out = save();
@@ -452,7 +452,7 @@ TEST(ShrinkStyleFile, CopyThatCannotBeWrittenLeavesTheStyleFileAlone) {
     if (std::ofstream probe(folder / "probe", std::ios::binary); probe.is_open()) {
         probe.close();
         fs::permissions(folder, fs::perms::owner_all);
-        GTEST_SKIP() << "read-only folders are writable for this user (root)";
+        GTEST_SKIP() << "read-only folders are writable here (root, or Windows)";
     }
     tb::FakePlatform platform;
     EXPECT_EQ(shrinkStyleFile(path, 100, platform), err::PathFileAccess);
