@@ -42,7 +42,7 @@ else()
                  ${PROJECT_BINARY_DIR}/org.torquil.torquil.metainfo.xml @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/org.torquil.torquil.metainfo.xml
           DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
-  install(FILES ${PROJECT_SOURCE_DIR}/docs/readme.txt DESTINATION ${CMAKE_INSTALL_DOCDIR})
+  install(FILES ${PROJECT_SOURCE_DIR}/docs/readme.txt DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/torquil)
 endif()
 
 include(CPack)
