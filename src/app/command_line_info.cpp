@@ -16,6 +16,7 @@ std::string windowUsage() {
            "  --settings FILE    keep the settings in this INI file\n"
            "  --zoom N           the board's zoom, 1 to 4\n"
            "  --select N         select sprite N after the load\n"
+           "  --view-deltas K    open the selected sprite's delta view (K: car or sprite)\n"
            "  --no-splash        start without the splash window\n"
            "  --screenshot PNG   save a picture of the window after the load, then quit\n"
            "  -h, --help         print this help and exit\n"
