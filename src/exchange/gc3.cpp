@@ -2,7 +2,7 @@
 
 #include "base/binary_file.h"
 #include "platform/platform.h"
-#include "session/safe_replace.h"
+#include "platform/safe_replace.h"
 #include "style/level_name.h"
 
 #include <algorithm>
@@ -362,6 +362,19 @@ bool applyGC3(const fs::path& packPath, const fs::path& style, const fs::path& f
     platform.detail("GC3 style runs applied:" + std::to_string(pack.styleRecords.size()));
     platform.detail("GC3 FXT runs applied:" + std::to_string(pack.fxtRecords.size()));
     return true;
+}
+
+std::vector<std::string> gc3HeaderLines(const Gc3Header& h) {
+    return {"File Type:" + h.fileType,
+            "ver:" + std::to_string(h.ver),
+            "encrypt:" + std::to_string(h.encrypt),
+            "stylenum:" + std::to_string(h.stylenum),
+            "StyleDataPosition:" + std::to_string(h.StyleDataPosition),
+            "StyleDataPositionEnd:" + std::to_string(h.StyleDataPositionEnd),
+            "StyleDataLOF:" + std::to_string(h.StyleDataLOF),
+            "FXTDataPosition:" + std::to_string(h.FXTDataPosition),
+            "FXTDataPositionEnd:" + std::to_string(h.FXTDataPositionEnd),
+            "FXTDataLOF:" + std::to_string(h.FXTDataLOF)};
 }
 
 } // namespace torquil

@@ -6,7 +6,7 @@
 #include "session/load_sequence.h"
 #include "session/loaders.h"
 #include "session/save_sequence.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 #include "style_builder.h"
 #include "test_dir.h"
 

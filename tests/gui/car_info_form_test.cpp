@@ -9,7 +9,7 @@
 #include "sample_level.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 #include "sprites/clut.h"
 
 #include "app/car_info_form.h"
