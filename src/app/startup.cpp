@@ -1,9 +1,11 @@
 #include "app/startup.h"
 
+#include "app/command_line_info.h"
 #include "app/delta_pic_form.h"
 #include "app/main_form.h"
 #include "app/main_menus.h"
 #include "app/splash_form.h"
+#include "base/version.h"
 #include "base/work_dir.h"
 #include "platform/qt/qt_platform.h"
 
@@ -15,8 +17,10 @@
 #include <QPixmap>
 #include <QTimer>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <iostream>
 #include <string>
 #include <vector>
 
@@ -63,10 +67,14 @@ int saveScreenshot(QWidget& window, const QString& file) {
 } // namespace
 
 int runTorquil(int argc, char** argv) {
+    {
+        std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+        if (const auto status = answerInfoOptions(arguments, std::cout)) return *status;
+    }
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Torquil"));
     QApplication::setApplicationName(QStringLiteral("Torquil"));
-    QApplication::setApplicationVersion(QStringLiteral("0.1.0"));
+    QApplication::setApplicationVersion(QString::fromLatin1(kVersion));
 
     std::vector<std::string> raw;
     for (int i = 1; i < argc; ++i) raw.emplace_back(argv[i]);

@@ -39,6 +39,9 @@ struct CommonOptions {
     void addDumpOption(CLI::App& cmd);
 };
 
+// A file named on the command line (UTF-8 text) as a path, in every script.
+std::filesystem::path argumentPath(const std::string& utf8);
+
 // Builds the session options (debug mode, work directory, dump flags) from the common options;
 // throws CLI::ValidationError for an unknown dump kind.
 AppOptions makeAppOptions(const Context& ctx, const CommonOptions& common);
@@ -48,8 +51,8 @@ std::unique_ptr<ConsolePlatform> makePlatform(const Context& ctx, const CommonOp
 // Loads a style for a command with output of its own: details lines are not echoed, message
 // boxes still go to standard error. Returns nullptr (and sets ctx.exitCode) when the load failed.
 std::unique_ptr<StyleSession> loadStyle(Context& ctx, ConsolePlatform& platform,
-                                        const AppOptions& options,
-                                        const std::filesystem::path& style, int loadOption);
+                                        const AppOptions& options, const std::string& style,
+                                        int loadOption);
 
 // Each command file provides one of these; cli_app.cpp calls them all.
 void registerOpenCommand(CLI::App& app, Context& ctx);

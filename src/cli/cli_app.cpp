@@ -1,6 +1,8 @@
 #include "cli/cli.h"
 
 #include "base/runtime_error.h"
+#include "base/utf8_path.h"
+#include "base/version.h"
 #include "base/work_dir.h"
 #include "session/loaders.h"
 
@@ -23,11 +25,16 @@ void CommonOptions::addDumpOption(CLI::App& cmd) {
                    "Comma list of dump files to write: carinfo, spriteinfo, clut, delta");
 }
 
+std::filesystem::path argumentPath(const std::string& utf8) {
+    return pathFromUtf8(utf8);
+}
+
 AppOptions makeAppOptions(const Context& ctx, const CommonOptions& common) {
     AppOptions options;
     options.debugMode = common.debug;
-    options.workDir = common.workdir.empty() ? defaultWorkDir(ctx.executable)
-                                             : std::filesystem::absolute(common.workdir);
+    options.workDir = common.workdir.empty()
+                          ? defaultWorkDir(ctx.executable)
+                          : std::filesystem::absolute(argumentPath(common.workdir));
     std::error_code ec;
     std::filesystem::create_directories(options.workDir, ec);
     std::stringstream list(common.dumps);
@@ -54,11 +61,11 @@ std::unique_ptr<ConsolePlatform> makePlatform(const Context& ctx, const CommonOp
 }
 
 std::unique_ptr<StyleSession> loadStyle(Context& ctx, ConsolePlatform& platform,
-                                        const AppOptions& options,
-                                        const std::filesystem::path& style, int loadOption) {
+                                        const AppOptions& options, const std::string& style,
+                                        int loadOption) {
     platform.setDetailsEcho(false);
     auto session = std::make_unique<StyleSession>(options);
-    prepareStyle(session->style, std::filesystem::absolute(style), loadOption);
+    prepareStyle(session->style, std::filesystem::absolute(argumentPath(style)), loadOption);
     LoadOutcome outcome = initHeader(*session, platform, standardLoaders());
     if (outcome != LoadOutcome::Loaded) {
         ctx.exitCode = kExitFailed;
@@ -74,8 +81,9 @@ int run(const std::vector<std::string>& args, std::ostream& out, std::ostream& e
 }
 
 int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
-    Context ctx{out, err, argc > 0 ? std::filesystem::path(argv[0]) : std::filesystem::path{}};
+    Context ctx{out, err, argc > 0 ? pathFromUtf8(argv[0]) : std::filesystem::path{}};
     CLI::App app{"torquil-cli: the Torquil style file editor for scripts"};
+    app.set_version_flag("--version", std::string("torquil-cli ") + kVersion);
     app.require_subcommand(1);
     registerOpenCommand(app, ctx);
     registerSpriteCommand(app, ctx);

@@ -1,6 +1,8 @@
 // torquil-cli export-sprite: the sprite (or tile) as an 8-bit BMP, as "Export Sprite" does.
 
 #include "cli/cli.h"
+
+#include "base/utf8_path.h"
 #include "cli/sprite_pick.h"
 
 #include "exchange/sprite_exchange.h"
@@ -40,7 +42,7 @@ void registerExportSpriteCommand(CLI::App& app, Context& ctx) {
         if (args->output.empty()) {
             written = exportSprite(*session, *platform);
         } else {
-            const auto target = std::filesystem::absolute(args->output);
+            const auto target = std::filesystem::absolute(argumentPath(args->output));
             if (exportSpriteTo(*session, *platform, target)) written = target;
         }
         if (written.empty()) {
@@ -49,7 +51,7 @@ void registerExportSpriteCommand(CLI::App& app, Context& ctx) {
             ctx.exitCode = kExitFailed;
             return;
         }
-        ctx.out << written.string() << '\n';
+        ctx.out << utf8Of(written) << '\n';
         ctx.exitCode = kExitOk;
     });
 }

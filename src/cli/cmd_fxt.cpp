@@ -24,7 +24,10 @@ void registerFxtCommands(CLI::App& app, Context& ctx) {
     fxt2txtCmd->callback([decode, &ctx] {
         auto platform = makePlatform(ctx, decode->common);
         CarNames names;
-        ctx.exitCode = fxt2txt(decode->from, decode->to, &names, *platform) ? kExitOk : kExitFailed;
+        ctx.exitCode =
+            fxt2txt(argumentPath(decode->from), argumentPath(decode->to), &names, *platform)
+                ? kExitOk
+                : kExitFailed;
     });
 
     auto encode = std::make_shared<Args>();
@@ -37,7 +40,9 @@ void registerFxtCommands(CLI::App& app, Context& ctx) {
     txt2fxtCmd->add_option("FXT", encode->to, "The coded text file to write")->required();
     txt2fxtCmd->callback([encode, &ctx] {
         auto platform = makePlatform(ctx, encode->common);
-        ctx.exitCode = txt2fxt(encode->from, encode->to, *platform) ? kExitOk : kExitFailed;
+        ctx.exitCode = txt2fxt(argumentPath(encode->from), argumentPath(encode->to), *platform)
+                           ? kExitOk
+                           : kExitFailed;
     });
 }
 

@@ -80,7 +80,8 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
     write->callback([w, &ctx] {
         auto platform = makePlatform(ctx, w->common);
         ctx.exitCode =
-            writeGC3(w->modStyle, w->origStyle, w->modFxt, w->origFxt, w->pack, *platform)
+            writeGC3(argumentPath(w->modStyle), argumentPath(w->origStyle), argumentPath(w->modFxt),
+                     argumentPath(w->origFxt), argumentPath(w->pack), *platform)
                 ? kExitOk
                 : kExitFailed;
     });
@@ -98,7 +99,7 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
     read->callback([r, &ctx] {
         auto platform = makePlatform(ctx, r->common);
         Gc3Header header;
-        if (!readGC3(r->pack, header, *platform)) {
+        if (!readGC3(argumentPath(r->pack), header, *platform)) {
             ctx.exitCode = kExitFailed;
             return;
         }
@@ -174,7 +175,10 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
     apply->add_option("FXT", a->fxt, "The ENGLISH.FXT to change")->required();
     apply->callback([a, &ctx] {
         auto platform = makePlatform(ctx, a->common);
-        ctx.exitCode = applyGC3(a->pack, a->style, a->fxt, *platform) ? kExitOk : kExitFailed;
+        ctx.exitCode =
+            applyGC3(argumentPath(a->pack), argumentPath(a->style), argumentPath(a->fxt), *platform)
+                ? kExitOk
+                : kExitFailed;
     });
 }
 

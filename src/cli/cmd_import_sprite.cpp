@@ -1,6 +1,8 @@
 // torquil-cli import-sprite: an edited BMP back into the sprite, then saved into the style file.
 
 #include "cli/cli.h"
+
+#include "base/utf8_path.h"
 #include "cli/sprite_pick.h"
 
 #include "exchange/sprite_exchange.h"
@@ -40,7 +42,7 @@ void registerImportSpriteCommand(CLI::App& app, Context& ctx) {
         auto session = loadStyle(ctx, *platform, options, args->style,
                                  args->tiles ? kLoadTiles : kLoadSprites);
         if (!session || !pickSprite(ctx, *session, *platform, args->asn, "import-sprite")) return;
-        const auto bmp = std::filesystem::absolute(args->bmp);
+        const auto bmp = std::filesystem::absolute(argumentPath(args->bmp));
         if (!importSpriteFrom(*session, *platform, bmp)) {
             ctx.exitCode = kExitFailed;
             return;
@@ -50,7 +52,7 @@ void registerImportSpriteCommand(CLI::App& app, Context& ctx) {
             ctx.exitCode = kExitFailed;
             return;
         }
-        ctx.out << "imported: " << bmp.string() << '\n';
+        ctx.out << "imported: " << utf8Of(bmp) << '\n';
         if (clutChanged) ctx.out << "clut changed\n";
         ctx.exitCode = kExitOk;
     });

@@ -30,7 +30,7 @@ void registerOpenCommand(CLI::App& app, Context& ctx) {
         AppOptions options = makeAppOptions(ctx, args->common);
         auto platform = makePlatform(ctx, args->common);
         StyleSession session(options);
-        prepareStyle(session.style, std::filesystem::absolute(args->style),
+        prepareStyle(session.style, std::filesystem::absolute(argumentPath(args->style)),
                      args->tiles ? kLoadTiles : kLoadSprites);
         LoadOutcome outcome = initHeader(session, *platform, standardLoaders());
         if (outcome == LoadOutcome::Loaded) {

@@ -2,6 +2,8 @@
 
 #include "cli/cli.h"
 
+#include "base/utf8_path.h"
+
 #include "sound/sound_preview.h"
 
 #include <limits>
@@ -27,9 +29,7 @@ void registerSoundCommand(CLI::App& app, Context& ctx) {
         "Exit status: 0 done, 1 no bank, out of range or failed, 2 usage error.");
     args->common.addTo(*cmd);
     constexpr int kMax16 = std::numeric_limits<std::int16_t>::max();
-    cmd->add_option("STYLE", args->style, "The style file (its name gives the level)")
-        ->required()
-        ->check(CLI::ExistingFile);
+    cmd->add_option("STYLE", args->style, "The style file (its name gives the level)")->required();
     cmd->add_option("N", args->number, "Sound number")
         ->required()
         ->check(CLI::Range(-kMax16 - 1, kMax16));
@@ -42,23 +42,31 @@ void registerSoundCommand(CLI::App& app, Context& ctx) {
     cmd->callback([args, &ctx] {
         if (args->output.empty() && !args->play)
             throw CLI::ValidationError("sound", "give -o WAV, --play, or both");
+        // Checked here rather than by CLI11, whose test reads the name in the Windows code page.
+        const auto style = std::filesystem::absolute(argumentPath(args->style));
+        if (!std::filesystem::is_regular_file(style))
+            throw CLI::ValidationError("STYLE", "File does not exist: " + args->style);
         AppOptions options = makeAppOptions(ctx, args->common);
         auto platform = makePlatform(ctx, args->common);
         platform->setPlaybackEnabled(args->play);
         StyleSession session(options);
-        prepareStyle(session.style, std::filesystem::absolute(args->style), kLoadSprites);
+        prepareStyle(session.style, style, kLoadSprites);
         const auto number = static_cast<std::int16_t>(args->number);
         const auto repeat = static_cast<std::int16_t>(args->repeat);
 
         SoundOutcome outcome = SoundOutcome::Done;
         if (!args->output.empty())
             outcome = writeSoundWav(session, *platform, number, args->rate, repeat,
-                                    std::filesystem::absolute(args->output));
+                                    std::filesystem::absolute(argumentPath(args->output)));
         if (outcome == SoundOutcome::Done && args->play)
             outcome = playSound(session, *platform, number, args->rate, repeat);
+        if (outcome == SoundOutcome::Done && args->play && !platform->playbackError().empty()) {
+            ctx.err << "sound: could not play: " << platform->playbackError() << '\n';
+            outcome = SoundOutcome::Failed;
+        }
         if (outcome == SoundOutcome::NoBank)
-            ctx.err << "sound: no sound bank: " << sdtFilePath(session).string() << " or "
-                    << rawFilePath(session).string() << " is missing\n";
+            ctx.err << "sound: no sound bank: " << utf8Of(sdtFilePath(session)) << " or "
+                    << utf8Of(rawFilePath(session)) << " is missing\n";
         ctx.exitCode = outcome == SoundOutcome::Done ? kExitOk : kExitFailed;
     });
 }

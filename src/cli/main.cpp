@@ -1,7 +1,9 @@
 #include "cli/cli.h"
+#include "platform/console_setup.h"
 
 #include <iostream>
 
 int main(int argc, char** argv) {
-    return torquil::cli::run(argc, argv, std::cout, std::cerr);
+    torquil::setBinaryStdio();
+    return torquil::cli::run(torquil::utf8Arguments(argc, argv), std::cout, std::cerr);
 }

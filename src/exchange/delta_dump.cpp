@@ -15,7 +15,7 @@ std::string timeAndDate() {
 } // namespace
 
 DeltaLoadDump::DeltaLoadDump(const std::filesystem::path& file)
-    : out_(file, std::ios::out | std::ios::trunc) {
+    : out_(file, std::ios::out | std::ios::binary | std::ios::trunc) {
     out_ << timeAndDate() << " loadDelta \n";
 }
 
@@ -40,7 +40,7 @@ void DeltaLoadDump::endDelta(std::int64_t calculatedSize) {
 }
 
 DeltaSaveDump::DeltaSaveDump(const std::filesystem::path& file)
-    : out_(file, std::ios::out | std::ios::trunc) {}
+    : out_(file, std::ios::out | std::ios::binary | std::ios::trunc) {}
 
 void DeltaSaveDump::beginDelta(int index, std::int32_t newPtr) {
     out_ << " SAVE DELTA:" << index << "  ptr:" << newPtr << '\n';

@@ -2,6 +2,7 @@
 
 #include "base/binary_file.h"
 #include "platform/platform.h"
+#include "platform/safe_replace.h"
 #include "style/level_name.h"
 
 #include <algorithm>
@@ -113,7 +114,9 @@ bool writeFileBytes(const fs::path& path, const std::vector<std::uint8_t>& bytes
 }
 
 fs::path tempBeside(const fs::path& path) {
-    return fs::path(path.string() + "~gc3");
+    fs::path side = path; // appended as a path, so names in any script survive
+    side += "~gc3";
+    return side;
 }
 
 } // namespace
@@ -364,8 +367,8 @@ bool applyGC3(const fs::path& packPath, const fs::path& style, const fs::path& f
         }
     }
     for (Target& t : targets) {
-        fs::rename(tempBeside(t.path), t.path, ec);
-        if (ec) {
+        // One step per file (a rename over an existing file fails on Windows).
+        if (!replaceFile(tempBeside(t.path), t.path, ec)) {
             fs::remove(tempBeside(t.path), ec);
             platform.message(kWriteError);
             return false;

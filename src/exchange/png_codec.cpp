@@ -3,7 +3,6 @@
 #include <png.h>
 
 #include <algorithm>
-#include <cctype>
 #include <csetjmp>
 #include <cstdio>
 #include <cstring>
@@ -210,12 +209,8 @@ std::vector<std::uint8_t> encodeIndexedPng(std::span<const std::uint8_t> pixels,
     return out;
 }
 
-bool hasPngExtension(const std::string& fileName) {
-    if (fileName.size() < 4) return false;
-    std::string tail = fileName.substr(fileName.size() - 4);
-    std::transform(tail.begin(), tail.end(), tail.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return tail == ".png";
+bool pngSupported() {
+    return true;
 }
 
 } // namespace torquil

@@ -50,6 +50,11 @@ std::vector<std::uint8_t> encodeIndexedPng(std::span<const std::uint8_t> pixels,
                                            int height, const BmpColourTable& colours,
                                            std::string& error);
 
+// False in a build without libpng (TORQUIL_PNG=OFF): then decoding gives Damaged and encoding
+// fails, both with kPngUnsupported as the reason.
+bool pngSupported();
+inline constexpr const char* kPngUnsupported = "PNG pictures are not supported in this build";
+
 // True when the file name ends in ".png" (any case).
 bool hasPngExtension(const std::string& fileName);
 

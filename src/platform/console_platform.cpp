@@ -1,6 +1,7 @@
 #include "platform/console_platform.h"
 
-#include <cstdlib>
+#include "platform/console_sound.h"
+
 #include <ostream>
 
 namespace torquil {
@@ -75,16 +76,8 @@ void ConsolePlatform::set(const std::string& section, const std::string& key,
 
 bool ConsolePlatform::playWavSync(const std::filesystem::path& wav) {
     if (!playback_) return false;
-#if defined(_WIN32)
-    return false;
-#elif defined(__APPLE__)
-    std::string cmd = "afplay '" + wav.string() + "' >/dev/null 2>&1";
-#else
-    std::string cmd = "aplay -q '" + wav.string() + "' >/dev/null 2>&1";
-#endif
-#if !defined(_WIN32)
-    return std::system(cmd.c_str()) == 0;
-#endif
+    playbackError_.clear();
+    return playWavFileSync(wav, playbackError_);
 }
 
 bool ConsolePlatform::openTextFile(const std::filesystem::path& file) {

@@ -26,6 +26,8 @@ public:
     void setAnswer(std::optional<Answer> answer) { answer_ = answer; }
     // Whether --play may really play sounds (through the system's command line player).
     void setPlaybackEnabled(bool on) { playback_ = on; }
+    // Why the last playback failed; empty when it played (or was not tried).
+    const std::string& playbackError() const { return playbackError_; }
     // Whether details lines go to standard output (off for commands with their own output).
     void setDetailsEcho(bool on) { echoDetails_ = on; }
     const std::vector<std::string>& detailLines() const { return detailLines_; }
@@ -66,6 +68,7 @@ private:
     std::ostream& err_;
     std::optional<Answer> answer_;
     bool playback_ = false;
+    std::string playbackError_;
     bool echoDetails_ = true;
     std::vector<std::string> detailLines_;
     bool stop_ = false;

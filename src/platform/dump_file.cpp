@@ -6,7 +6,7 @@ bool DumpFile::open(const std::filesystem::path& folder, const std::string& name
                     ErrorState& errors) {
     close();
     const std::filesystem::path path = folder.empty() ? std::filesystem::path(name) : folder / name;
-    out_.open(path, std::ios::trunc);
+    out_.open(path, std::ios::binary | std::ios::trunc); // LF line ends on every system
     if (!out_.is_open()) {
         errors.raise(err::PathFileAccess, path.string());
         return false;

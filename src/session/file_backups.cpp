@@ -1,6 +1,6 @@
 #include "session/file_backups.h"
 
-#include "session/safe_replace.h"
+#include "platform/safe_replace.h"
 
 namespace torquil {
 

@@ -2,7 +2,7 @@
 
 #include "base/runtime_error.h"
 #include "platform/platform.h"
-#include "session/safe_replace.h"
+#include "platform/safe_replace.h"
 
 #include <cstdio>
 #include <memory>

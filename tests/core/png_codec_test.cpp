@@ -4,7 +4,9 @@
 #include "exchange/png_codec.h"
 
 #include <gtest/gtest.h>
+#if TORQUIL_PNG
 #include <png.h>
+#endif
 
 #include <numeric>
 
@@ -26,6 +28,14 @@ std::vector<std::uint8_t> rampPixels(int w, int h) {
     return p;
 }
 
+// Every codec test skips in a build without libpng; PngCodecWithoutLibpng covers that build.
+class PngCodec : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!pngSupported()) GTEST_SKIP() << kPngUnsupported << " (TORQUIL_PNG=OFF)";
+    }
+};
+
 std::vector<std::uint8_t> encoded(int w, int h) {
     std::string error;
     auto bytes = encodeIndexedPng(rampPixels(w, h), w, h, rampColours(), error);
@@ -33,6 +43,7 @@ std::vector<std::uint8_t> encoded(int w, int h) {
     return bytes;
 }
 
+#if TORQUIL_PNG
 // A PNG written through libpng's simplified API, the way other programs write them.
 std::vector<std::uint8_t> simplePng(std::uint32_t format, int w, int h,
                                     const std::vector<std::uint8_t>& pixels,
@@ -53,16 +64,17 @@ std::vector<std::uint8_t> simplePng(std::uint32_t format, int w, int h,
     out.resize(size);
     return out;
 }
+#endif
 
 } // namespace
 
-TEST(PngCodec, WritesAnEightBitPaletteImageThatReadsBackExactly) {
+TEST_F(PngCodec, WritesAnEightBitPaletteImageThatReadsBackExactly) {
     for (const auto& [w, h] : {std::pair{1, 1}, std::pair{30, 7}, std::pair{255, 3}}) {
         const auto bytes = encoded(w, h);
         // IHDR: bit depth 8, colour type 3 (palette); PLTE with all 256 colours follows.
         ASSERT_GT(bytes.size(), 41u);
         EXPECT_EQ(bytes[24], 8);
-        EXPECT_EQ(bytes[25], PNG_COLOR_TYPE_PALETTE);
+        EXPECT_EQ(bytes[25], 3); // colour type 3: palette
         EXPECT_EQ(std::string(bytes.begin() + 37, bytes.begin() + 41), "PLTE");
         const PngDecoded d = decodeIndexedPng(bytes, w, h);
         ASSERT_EQ(d.status, PngStatus::Ok) << d.detail;
@@ -76,7 +88,8 @@ TEST(PngCodec, WritesAnEightBitPaletteImageThatReadsBackExactly) {
     }
 }
 
-TEST(PngCodec, ReadsAPaletteImageWithTransparencyAndAShortPaletteAsItsIndexes) {
+#if TORQUIL_PNG
+TEST_F(PngCodec, ReadsAPaletteImageWithTransparencyAndAShortPaletteAsItsIndexes) {
     // 17 colours with alpha (a tRNS chunk) and indexes 0..15, as a paint program saves them (with
     // 16 colours or fewer libpng would pack the pixels below 8 bits).
     std::vector<std::uint8_t> colormap;
@@ -94,7 +107,7 @@ TEST(PngCodec, ReadsAPaletteImageWithTransparencyAndAShortPaletteAsItsIndexes) {
     EXPECT_EQ(d.picture.colours[5].r, 80);
 }
 
-TEST(PngCodec, RefusesWhatIsNotAnEightBitPaletteImageOfTheExpectedSize) {
+TEST_F(PngCodec, RefusesWhatIsNotAnEightBitPaletteImageOfTheExpectedSize) {
     // Not a PNG at all, or too short to hold the header.
     const std::vector<std::uint8_t> text(100, 'x');
     EXPECT_EQ(decodeIndexedPng(text).status, PngStatus::NotPng);
@@ -115,8 +128,9 @@ TEST(PngCodec, RefusesWhatIsNotAnEightBitPaletteImageOfTheExpectedSize) {
     EXPECT_EQ(wrong.fileWidth, 30);
     EXPECT_EQ(wrong.fileHeight, 7);
 }
+#endif
 
-TEST(PngCodec, EveryTruncationAndADamagedChecksumAreRefusedNotCrashed) {
+TEST_F(PngCodec, EveryTruncationAndADamagedChecksumAreRefusedNotCrashed) {
     const auto bytes = encoded(40, 20);
     for (std::size_t n = 0; n < bytes.size(); ++n) {
         const std::vector<std::uint8_t> cut(bytes.begin(), bytes.begin() + n);
@@ -131,9 +145,21 @@ TEST(PngCodec, EveryTruncationAndADamagedChecksumAreRefusedNotCrashed) {
     EXPECT_FALSE(d.detail.empty());
 }
 
-TEST(PngCodec, ExtensionDecidesTheFormat) {
+TEST(PngFileName, ExtensionDecidesTheFormat) {
     EXPECT_TRUE(hasPngExtension("CAR1_5.png"));
     EXPECT_TRUE(hasPngExtension("a.PNG"));
     EXPECT_FALSE(hasPngExtension("CAR1_5.bmp"));
     EXPECT_FALSE(hasPngExtension("png"));
 }
+
+#if !TORQUIL_PNG
+TEST(PngCodecWithoutLibpng, EveryPictureIsRefusedWithTheBuildsReason) {
+    const PngDecoded d = decodeIndexedPng(std::vector<std::uint8_t>(100, 'x'), 4, 4);
+    EXPECT_EQ(d.status, PngStatus::Damaged);
+    EXPECT_EQ(d.detail, "PNG pictures are not supported in this build");
+    EXPECT_TRUE(d.picture.pixels.empty());
+    std::string error;
+    EXPECT_TRUE(encodeIndexedPng(rampPixels(4, 4), 4, 4, rampColours(), error).empty());
+    EXPECT_EQ(error, "PNG pictures are not supported in this build");
+}
+#endif

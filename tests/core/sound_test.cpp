@@ -192,3 +192,16 @@ TEST_F(SoundFixture, CommandLineWritesTheWavThatWouldBePlayed) {
 }
 
 } // namespace
+
+TEST(ConsoleSound, PlaybackThatFailsSaysWhyAndTheCommandLineNamesAMissingStyle) {
+    tb::TempDir dir;
+    std::ostringstream out, err;
+    ConsolePlatform platform(out, err);
+    platform.setPlaybackEnabled(true);
+    EXPECT_FALSE(platform.playWavSync(dir / "missing.wav"));
+    EXPECT_FALSE(platform.playbackError().empty());
+
+    const auto missing = tb::runCli({"sound", (dir / "STYLE001.G24").string(), "1", "--play"});
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_TRUE(tb::contains(missing.err, "File does not exist")) << missing.err;
+}

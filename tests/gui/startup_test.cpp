@@ -1,13 +1,17 @@
 // Start-up: the command line and the splash form.
 
+#include "app/command_line_info.h"
 #include "app/splash_form.h"
 #include "app/startup.h"
+#include "base/version.h"
 #include "base/work_dir.h"
 
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTimer>
 #include <QtTest>
+
+#include <sstream>
 
 using namespace torquil;
 
@@ -16,6 +20,7 @@ class StartupTest : public QObject {
 private slots:
     void commandLineNamesTheStyleAndTheHiddenOptions();
     void splashClosesByTimerKeyOrButton();
+    void helpAndVersionAnswerWithoutAWindow();
 };
 
 void StartupTest::commandLineNamesTheStyleAndTheHiddenOptions() {
@@ -62,6 +67,22 @@ void StartupTest::splashClosesByTimerKeyOrButton() {
         QTest::mouseClick(splash.findChild<QPushButton*>("cmdOK"), Qt::LeftButton);
         QVERIFY(!splash.isVisible());
     }
+}
+
+void StartupTest::helpAndVersionAnswerWithoutAWindow() {
+    std::ostringstream out;
+    QCOMPARE(torquil::answerInfoOptions({"--version"}, out).value_or(-1), 0);
+    QCOMPARE(out.str(), std::string("torquil ") + torquil::kVersion + "\n");
+    for (const char* help : {"--help", "-h"}) {
+        std::ostringstream usage;
+        QCOMPARE(torquil::answerInfoOptions({"STYLE001.G24", help}, usage).value_or(-1), 0);
+        QCOMPARE(usage.str(), torquil::windowUsage());
+    }
+    QVERIFY(torquil::windowUsage().starts_with("Usage: torquil "));
+    // Anything else starts the window, printing nothing.
+    std::ostringstream none;
+    QVERIFY(!torquil::answerInfoOptions({"--zoom", "2", "STYLE001.G24"}, none).has_value());
+    QVERIFY(none.str().empty());
 }
 
 QTEST_MAIN(StartupTest)

@@ -1,4 +1,4 @@
-#include "session/safe_replace.h"
+#include "platform/safe_replace.h"
 
 #include <vector>
 

@@ -1,0 +1,15 @@
+# Makes an INTERFACE target of a header-only library installed on the build machine, for cross
+# builds: its header folder is linked into the build tree, so the cross compiler sees only it.
+function(torquil_header_only target header_folder)
+  if(TARGET ${target})
+    return()
+  endif()
+  set(root ${CMAKE_BINARY_DIR}/header-only/include)
+  get_filename_component(name ${header_folder} NAME)
+  if(NOT EXISTS ${root}/${name})
+    file(MAKE_DIRECTORY ${root})
+    file(CREATE_LINK ${header_folder} ${root}/${name} SYMBOLIC)
+  endif()
+  add_library(${target} INTERFACE IMPORTED GLOBAL)
+  set_target_properties(${target} PROPERTIES INTERFACE_INCLUDE_DIRECTORIES ${root})
+endfunction()
