@@ -66,15 +66,38 @@ bool BinaryFile::open(const std::filesystem::path& path, Mode mode) {
     return true;
 }
 
+void BinaryFile::openInMemory(const std::filesystem::path& path, std::vector<std::uint8_t> bytes) {
+    close();
+    path_ = path;
+    memory_ = std::move(bytes);
+    inMemory_ = true;
+    length_ = static_cast<std::int64_t>(memory_.size());
+    pos_ = 0;
+}
+
+std::vector<std::uint8_t> BinaryFile::takeBytes() {
+    inMemory_ = false;
+    length_ = 0;
+    return std::move(memory_);
+}
+
+void BinaryFile::truncateInMemory(std::int64_t length) {
+    if (length >= 0 && length < static_cast<std::int64_t>(memory_.size())) {
+        memory_.resize(static_cast<std::size_t>(length));
+        if (inMemory_) length_ = length;
+    }
+}
+
 void BinaryFile::close() {
     if (file_) std::fclose(file_);
     file_ = nullptr;
+    inMemory_ = false;
     window_.clear();
     osPos_ = -1;
 }
 
 void BinaryFile::seek(std::int64_t position1) {
-    if (!file_) {
+    if (!isOpen()) {
         errors_.raise(err::BadFileNameOrNumber, "seek");
         return;
     }
@@ -110,11 +133,19 @@ bool BinaryFile::fillWindow(std::int64_t at) {
 
 std::size_t BinaryFile::read(std::span<std::uint8_t> dest) {
     std::fill(dest.begin(), dest.end(), std::uint8_t{0});
-    if (!file_) {
+    if (!isOpen()) {
         errors_.raise(err::BadFileNameOrNumber, "read");
         return 0;
     }
     std::size_t done = 0;
+    if (inMemory_) {
+        if (pos_ < length_)
+            done = static_cast<std::size_t>(
+                std::min<std::int64_t>(length_ - pos_, static_cast<std::int64_t>(dest.size())));
+        if (done > 0) std::memcpy(dest.data(), memory_.data() + pos_, done);
+        pos_ += static_cast<std::int64_t>(dest.size());
+        return done;
+    }
     while (done < dest.size() && pos_ + static_cast<std::int64_t>(done) < length_) {
         std::int64_t at = pos_ + static_cast<std::int64_t>(done);
         std::int64_t windowEnd = windowStart_ + static_cast<std::int64_t>(window_.size());
@@ -157,11 +188,20 @@ std::int32_t BinaryFile::readI32() {
 }
 
 void BinaryFile::write(std::span<const std::uint8_t> src) {
-    if (!file_) {
+    if (!isOpen()) {
         errors_.raise(err::BadFileNameOrNumber, "write");
         return;
     }
     if (src.empty()) return;
+    if (inMemory_) {
+        // Writing past the end fills the gap with zeros, as on disk.
+        const auto end = static_cast<std::size_t>(pos_) + src.size();
+        if (end > memory_.size()) memory_.resize(end, 0);
+        std::memcpy(memory_.data() + pos_, src.data(), src.size());
+        pos_ += static_cast<std::int64_t>(src.size());
+        length_ = static_cast<std::int64_t>(memory_.size());
+        return;
+    }
     window_.clear(); // the cache may hold the old bytes
     // Writing past the end first fills the gap with zeros, as the original runtime did.
     if (pos_ > length_) {

@@ -29,8 +29,14 @@ public:
     // Opens the file; on failure raises "File not found" (53) or "Path/File access error" (75)
     // and returns false.
     bool open(const std::filesystem::path& path, Mode mode);
+    // Opens `bytes` as the content of the file at `path`: reads and writes go to memory, and
+    // takeBytes() hands the new content over for one write of the whole file.
+    void openInMemory(const std::filesystem::path& path, std::vector<std::uint8_t> bytes);
+    std::vector<std::uint8_t> takeBytes();
+    // Cuts the content held in memory to `length` bytes (a file on disk is cut by a copy).
+    void truncateInMemory(std::int64_t length);
     void close();
-    bool isOpen() const { return file_ != nullptr; }
+    bool isOpen() const { return file_ != nullptr || inMemory_; }
     const std::filesystem::path& path() const { return path_; }
 
     // LOF: the file's length in bytes.
@@ -70,6 +76,8 @@ private:
     std::vector<std::uint8_t> window_;
     std::int64_t windowStart_ = 0;
     std::int64_t osPos_ = -1; // where the OS file pointer is, -1 when unknown
+    bool inMemory_ = false;
+    std::vector<std::uint8_t> memory_; // the content while inMemory_ (and after its close)
 };
 
 // Little-endian helpers for byte buffers (never a struct laid over bytes).

@@ -1,11 +1,13 @@
 #pragma once
-// Car names: read from ENGLISH.FXT beside the style file when a style is opened (the decoded copy
-// "~TMP.TXT" stays in the program's directory for the save), written back into it after names
-// were changed in the editor.
+// Car names: read from ENGLISH.FXT beside the style file when a style is opened (the decoded text
+// stays in memory for the save), written back into it after names were changed in the editor.
 
 #include "cars/car_names.h"
 
+#include <cstdint>
+#include <filesystem>
 #include <string>
+#include <vector>
 
 namespace torquil {
 
@@ -18,8 +20,21 @@ class StyleSession;
 // existing file could not be decoded.
 bool loadCarNames(StyleSession& session, BinaryFile& file, Platform& platform);
 
-// Rebuilds ENGLISH.FXT from "~TMP.TXT" with the names of session.names (through "~TMPN.TXT").
+// The new ENGLISH.FXT: the decoded text of the load with the names of session.names, coded.
+// False (with the message shown) when the load had no ENGLISH.FXT to decode.
+bool buildCarNamesFxt(StyleSession& session, Platform& platform, std::vector<std::uint8_t>& fxt);
+
+// Builds ENGLISH.FXT and replaces the file with it in one step (the save sequence instead writes
+// it together with the style file).
 bool saveCarNames(StyleSession& session, Platform& platform);
+
+// What ENGLISH.FXT looks like now (after a load or a save of it), and whether it changed since.
+void rememberFxtState(CarNames& names, const std::filesystem::path& fxt);
+bool fxtChangedSinceLoad(const CarNames& names, const std::filesystem::path& fxt);
+
+// The note shown after car names were saved.
+inline constexpr const char* kCarNamesSavedNote =
+    "Note: Car name changes are not accepted by KRB until it is restarted.";
 
 // The names the editor uses when the style has no ENGLISH.FXT (no keys).
 void fillBuiltInNames(CarNames& names);

@@ -1,5 +1,6 @@
 #include "cli/cli.h"
 
+#include "base/file_lock.h"
 #include "base/runtime_error.h"
 #include "base/work_dir.h"
 #include "session/loaders.h"
@@ -75,6 +76,7 @@ int run(const std::vector<std::string>& args, std::ostream& out, std::ostream& e
 
 int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
     Context ctx{out, err, argc > 0 ? std::filesystem::path(argv[0]) : std::filesystem::path{}};
+    setLockProgramName("torquil-cli");
     CLI::App app{"torquil-cli: the Torquil style file editor for scripts"};
     app.require_subcommand(1);
     registerOpenCommand(app, ctx);

@@ -14,7 +14,7 @@ SaverSet standardSavers() {
     set.pages = savePages;
     set.clut = saveCLUT;
     set.deltas = saveDeltas;
-    set.carNames = saveCarNames;
+    set.carNames = buildCarNamesFxt;
     return set;
 }
 

@@ -1,5 +1,6 @@
 #include "sound/sound_preview.h"
 
+#include "base/atomic_file.h"
 #include "base/binary_file.h"
 #include "platform/platform.h"
 #include "session/style_session.h"
@@ -14,8 +15,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::int64_t kCopyBlock = 1024;
-
 std::int32_t fitInt32(ErrorState& errors, double value, const char* what) {
     if (!std::isfinite(value) || value < std::numeric_limits<std::int32_t>::min() ||
         value > std::numeric_limits<std::int32_t>::max()) {
@@ -29,21 +28,9 @@ void putTag(std::uint8_t* p, const char* tag) {
     for (int i = 0; i < 4; ++i) p[i] = static_cast<std::uint8_t>(tag[i]);
 }
 
-// Copies the record's sample once. The sample is read from the 1-based position `offset`, so
-// the first byte copied is the one just before the recorded start: the bank's records are read
-// that way by the preview, and an offset of 0 is refused as a bad record number.
-void copySample(BinaryFile& raw, BinaryFile& wav, const SdtRecord& record) {
-    raw.seek(record.offset);
-    std::int64_t left = record.length;
-    std::uint8_t block[kCopyBlock];
-    while (left > kCopyBlock) {
-        raw.read(block);
-        wav.write(block);
-        left -= kCopyBlock;
-    }
-    for (; left > 0; --left) wav.writeU8(raw.readU8());
-}
-
+// The sample is read from the 1-based position `offset`, so the first byte copied is the one
+// just before the recorded start: the bank's records are read that way by the preview, and an
+// offset of 0 is refused.
 SoundOutcome checkNumber(StyleSession& session, Platform& platform, std::int16_t soundNumber,
                          SoundTable& table) {
     if (!loadSDT(session, table)) return SoundOutcome::NoBank;
@@ -55,29 +42,64 @@ SoundOutcome checkNumber(StyleSession& session, Platform& platform, std::int16_t
     return SoundOutcome::Done;
 }
 
-bool writeWavFile(StyleSession& session, const SoundTable& table, std::int16_t soundNumber,
-                  double rateMultiplier, std::int16_t repeatCount, const fs::path& path) {
+// Why a record cannot be previewed with these values, checked before anything is written; empty
+// when it can.
+std::string previewLimitProblem(const SdtRecord& record, std::int64_t rawLength,
+                                double rateMultiplier, int repeatCount, std::int16_t soundNumber) {
+    const std::string sound = "Sound " + std::to_string(soundNumber);
+    if (repeatCount < 1 || repeatCount > kMaxRepeatCount)
+        return sound + ": the repeat count must be 1 to " + std::to_string(kMaxRepeatCount) + ".";
+    if (!(rateMultiplier >= kMinRateMultiplier && rateMultiplier <= kMaxRateMultiplier))
+        return sound + ": the rate multiplier must be 0.01 to 100.";
+    // With the one-byte shift the last byte copied is at 0-based offset + length - 2.
+    if (record.offset < 1 || record.length < 0 ||
+        std::int64_t{record.offset} + record.length - 1 > rawLength)
+        return sound + " lies outside its RAW file (offset " + std::to_string(record.offset) +
+               ", length " + std::to_string(record.length) + ", file " +
+               std::to_string(rawLength) + " bytes).";
+    const double rate = std::nearbyint(static_cast<double>(record.rate) * rateMultiplier);
+    if (!(rate >= kMinWavRate && rate <= kMaxWavRate))
+        return sound + ": its rate " + std::to_string(record.rate) + " x " +
+               std::to_string(rateMultiplier) + " is outside 1 to 1000000 samples per second.";
+    if (std::int64_t{record.length} * repeatCount > kMaxWavData)
+        return sound + " repeated " + std::to_string(repeatCount) +
+               " times would be more than 64 MB of sound.";
+    return {};
+}
+
+enum class WavWrite { Written, Refused, Failed };
+
+WavWrite writeWavFile(StyleSession& session, Platform& platform, const SoundTable& table,
+                      std::int16_t soundNumber, double rateMultiplier, std::int16_t repeatCount,
+                      const fs::path& path) {
     ErrorState& errors = session.errors;
     errors.clear();
     const SdtRecord& record = table.SDT[static_cast<std::size_t>(soundNumber)];
-    const auto header = wavHeader(errors, record, rateMultiplier, repeatCount);
-    if (errors.hasPending()) return false;
-
-    BinaryFile raw(errors);
-    if (!raw.open(table.rawPath, BinaryFile::Mode::Read)) return false;
-    // With the one-byte shift the last byte copied is at 0-based offset + length - 2.
-    if (record.length < 0 ||
-        (record.length > 0 && std::int64_t{record.offset} + record.length - 1 > raw.length())) {
-        errors.raise(err::BadRecordNumber, "sound " + std::to_string(soundNumber) +
-                                               " lies past the end of " + table.rawPath.string());
-        return false;
+    std::vector<std::uint8_t> raw;
+    if (!readWholeFile(table.rawPath, raw)) {
+        errors.raise(err::PathFileAccess, table.rawPath.string());
+        return WavWrite::Failed;
     }
-    BinaryFile wav(errors);
-    if (!wav.open(path, BinaryFile::Mode::Create)) return false;
-    wav.write(header);
-    for (int i = 0; i < repeatCount && !errors.hasPending(); ++i) copySample(raw, wav, record);
-    wav.flush();
-    return !errors.hasPending();
+    const std::string problem = previewLimitProblem(
+        record, static_cast<std::int64_t>(raw.size()), rateMultiplier, repeatCount, soundNumber);
+    if (!problem.empty()) {
+        platform.message(problem);
+        return WavWrite::Refused;
+    }
+    const auto header = wavHeader(errors, record, rateMultiplier, repeatCount);
+    if (errors.hasPending()) return WavWrite::Failed;
+
+    // The sample starts one byte before its recorded offset (see copySample).
+    std::vector<std::uint8_t> wav(header.begin(), header.end());
+    wav.reserve(wav.size() + static_cast<std::size_t>(record.length) * repeatCount);
+    const auto first = raw.begin() + (record.offset - 1);
+    for (int i = 0; i < repeatCount; ++i) wav.insert(wav.end(), first, first + record.length);
+    if (const ReplaceFailure failure = replaceFileAtomically(path, wav)) {
+        platform.message("The sound could not be written to " + path.string() + ": " +
+                         describeCause(failure.cause) + ".");
+        return WavWrite::Refused;
+    }
+    return WavWrite::Written;
 }
 
 void reportGeneralError(const ErrorState& errors, Platform& platform) {
@@ -135,11 +157,16 @@ SoundOutcome writeSoundWav(StyleSession& session, Platform& platform, std::int16
     SoundTable table;
     const SoundOutcome checked = checkNumber(session, platform, soundNumber, table);
     if (checked != SoundOutcome::Done) return checked;
-    if (!writeWavFile(session, table, soundNumber, rateMultiplier, repeatCount, wav)) {
-        reportGeneralError(session.errors, platform);
+    switch (writeWavFile(session, platform, table, soundNumber, rateMultiplier, repeatCount, wav)) {
+    case WavWrite::Written:
+        return SoundOutcome::Done;
+    case WavWrite::Refused:
         return SoundOutcome::Failed;
+    case WavWrite::Failed:
+        break;
     }
-    return SoundOutcome::Done;
+    reportGeneralError(session.errors, platform);
+    return SoundOutcome::Failed;
 }
 
 SoundOutcome playSound(StyleSession& session, Platform& platform, std::int16_t soundNumber,
@@ -150,7 +177,12 @@ SoundOutcome playSound(StyleSession& session, Platform& platform, std::int16_t s
     if (checked != SoundOutcome::Done) return checked;
     const fs::path wav = session.workPath("~tmp" + std::to_string(soundNumber) + ".wav");
     TemporaryFile cleanup(wav);
-    if (!writeWavFile(session, table, soundNumber, rateMultiplier, repeatCount, wav)) {
+    switch (writeWavFile(session, platform, table, soundNumber, rateMultiplier, repeatCount, wav)) {
+    case WavWrite::Written:
+        break;
+    case WavWrite::Refused:
+        return SoundOutcome::Failed;
+    case WavWrite::Failed:
         reportGeneralError(session.errors, platform);
         return SoundOutcome::Failed;
     }
