@@ -28,9 +28,6 @@ void putTag(std::uint8_t* p, const char* tag) {
     for (int i = 0; i < 4; ++i) p[i] = static_cast<std::uint8_t>(tag[i]);
 }
 
-// The sample is read from the 1-based position `offset`, so the first byte copied is the one
-// just before the recorded start: the bank's records are read that way by the preview, and an
-// offset of 0 is refused.
 SoundOutcome checkNumber(StyleSession& session, Platform& platform, std::int16_t soundNumber,
                          SoundTable& table) {
     if (!loadSDT(session, table)) return SoundOutcome::NoBank;
@@ -43,20 +40,14 @@ SoundOutcome checkNumber(StyleSession& session, Platform& platform, std::int16_t
 }
 
 // Why a record cannot be previewed with these values, checked before anything is written; empty
-// when it can.
-std::string previewLimitProblem(const SdtRecord& record, std::int64_t rawLength,
-                                double rateMultiplier, int repeatCount, std::int16_t soundNumber) {
+// when it can. (A record outside the RAW file is a run-time error, checked before this.)
+std::string previewLimitProblem(const SdtRecord& record, double rateMultiplier, int repeatCount,
+                                std::int16_t soundNumber) {
     const std::string sound = "Sound " + std::to_string(soundNumber);
     if (repeatCount < 1 || repeatCount > kMaxRepeatCount)
         return sound + ": the repeat count must be 1 to " + std::to_string(kMaxRepeatCount) + ".";
     if (!(rateMultiplier >= kMinRateMultiplier && rateMultiplier <= kMaxRateMultiplier))
         return sound + ": the rate multiplier must be 0.01 to 100.";
-    // With the one-byte shift the last byte copied is at 0-based offset + length - 2.
-    if (record.offset < 1 || record.length < 0 ||
-        std::int64_t{record.offset} + record.length - 1 > rawLength)
-        return sound + " lies outside its RAW file (offset " + std::to_string(record.offset) +
-               ", length " + std::to_string(record.length) + ", file " +
-               std::to_string(rawLength) + " bytes).";
     const double rate = std::nearbyint(static_cast<double>(record.rate) * rateMultiplier);
     if (!(rate >= kMinWavRate && rate <= kMaxWavRate))
         return sound + ": its rate " + std::to_string(record.rate) + " x " +
@@ -80,16 +71,25 @@ WavWrite writeWavFile(StyleSession& session, Platform& platform, const SoundTabl
         errors.raise(err::PathFileAccess, table.rawPath.string());
         return WavWrite::Failed;
     }
-    const std::string problem = previewLimitProblem(
-        record, static_cast<std::int64_t>(raw.size()), rateMultiplier, repeatCount, soundNumber);
+    const auto header = wavHeader(errors, record, rateMultiplier, repeatCount);
+    if (errors.hasPending()) return WavWrite::Failed;
+    // With the one-byte shift the first byte copied is at 0-based offset - 1 and the last at
+    // offset + length - 2, so an offset of 0 is a bad record number.
+    if (record.offset < 1 || record.length < 0 ||
+        std::int64_t{record.offset} + record.length - 1 > static_cast<std::int64_t>(raw.size())) {
+        errors.raise(err::BadRecordNumber, "sound " + std::to_string(soundNumber) +
+                                               " lies outside " + table.rawPath.string());
+        return WavWrite::Failed;
+    }
+    const std::string problem =
+        previewLimitProblem(record, rateMultiplier, repeatCount, soundNumber);
     if (!problem.empty()) {
         platform.message(problem);
         return WavWrite::Refused;
     }
-    const auto header = wavHeader(errors, record, rateMultiplier, repeatCount);
-    if (errors.hasPending()) return WavWrite::Failed;
 
-    // The sample starts one byte before its recorded offset (see copySample).
+    // The sample is read from the 1-based position `offset`: the bank's records are read that
+    // way by the preview.
     std::vector<std::uint8_t> wav(header.begin(), header.end());
     wav.reserve(wav.size() + static_cast<std::size_t>(record.length) * repeatCount);
     const auto first = raw.begin() + (record.offset - 1);
