@@ -165,9 +165,8 @@ std::error_code SideFile::replaceTarget() {
 std::error_code SideFile::markComplete() {
     std::string name = path_.filename().string();
     const auto at = name.rfind(kPendingMarker);
-    const fs::path done =
-        path_.parent_path() /
-        (name.substr(0, at) + std::string(kCompleteMarker) + name.substr(at + kPendingMarker.size()));
+    const fs::path done = path_.parent_path() / (name.substr(0, at) + std::string(kCompleteMarker) +
+                                                 name.substr(at + kPendingMarker.size()));
     if (auto ec = injected("rename", target_)) return ec;
     std::error_code ec;
     fs::rename(path_, done, ec);
@@ -269,8 +268,7 @@ std::vector<fs::path> findInterruptedSaves(const fs::path& target) {
 
 std::string interruptedSaveMessage(const fs::path& leftover, const fs::path& target) {
     const std::string name = target.filename().string();
-    const bool complete =
-        leftover.filename().string().find(kCompleteMarker) != std::string::npos;
+    const bool complete = leftover.filename().string().find(kCompleteMarker) != std::string::npos;
     std::string text = "A save of " + name + " was interrupted and left the file " +
                        leftover.string() + " beside it." + "\r" + name +
                        " itself is whole: it holds the file from before that save.";
@@ -278,8 +276,8 @@ std::string interruptedSaveMessage(const fs::path& leftover, const fs::path& tar
         return text + "\r" + "The leftover file is the complete new " + name +
                " of that save. To finish that save, rename it to " + name +
                "; to keep the file as it is, delete it.";
-    return text + "\r" + "The leftover file was not written to its end and is of no use:" +
-           " delete it.";
+    return text + "\r" +
+           "The leftover file was not written to its end and is of no use:" + " delete it.";
 }
 
 } // namespace torquil

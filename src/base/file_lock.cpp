@@ -126,7 +126,8 @@ FileLock::Result FileLock::acquire(const fs::path& file, const std::string& prog
         }
         // The holder before us may have removed the file between our open and our lock: the lock
         // counts only when it is on the file that has the name now.
-        struct stat opened {}, named {};
+        struct stat opened {
+        }, named{};
         if (::fstat(fd, &opened) != 0 || ::stat(lockPath_.c_str(), &named) != 0 ||
             opened.st_ino != named.st_ino || opened.st_dev != named.st_dev) {
             ::close(fd);
@@ -134,8 +135,8 @@ FileLock::Result FileLock::acquire(const fs::path& file, const std::string& prog
         }
         holder_ = describeSelf(program);
         // A lock file left by a run that died still names it: this run's name replaces it.
-        if (::ftruncate(fd, 0) != 0 ||
-            ::pwrite(fd, holder_.data(), holder_.size(), 0) != static_cast<ssize_t>(holder_.size())) {
+        if (::ftruncate(fd, 0) != 0 || ::pwrite(fd, holder_.data(), holder_.size(), 0) !=
+                                           static_cast<ssize_t>(holder_.size())) {
             // The lock holds without the text; a second run then names an unknown holder.
         }
         handle_ = fd;

@@ -92,9 +92,9 @@ bool loadCarNames(StyleSession& s, BinaryFile& /*file*/, Platform& platform) {
 bool buildCarNamesFxt(StyleSession& s, Platform& platform, std::vector<std::uint8_t>& fxt) {
     fxt.clear();
     if (!s.names.fromFxt) {
-        platform.message("Unable to reload:" +
-                         findFileNoCase(s.style.dataFolder(), kFxtName).string() + "\r" +
-                         "Can't save Car Names without it!");
+        platform.message(
+            "Unable to reload:" + findFileNoCase(s.style.dataFolder(), kFxtName).string() + "\r" +
+            "Can't save Car Names without it!");
         return false;
     }
     std::vector<std::uint8_t> text;

@@ -152,7 +152,8 @@ bool decodeFxtFile(const fs::path& fxt, std::vector<std::uint8_t>& text, CarName
 
 std::vector<std::uint8_t> encodeFxtWithProgress(std::span<const std::uint8_t> text,
                                                 Platform& platform) {
-    ProgressScope progress(platform.progress(), "Writing FXT file", "Writing New Car Names...", 100);
+    ProgressScope progress(platform.progress(), "Writing FXT file", "Writing New Car Names...",
+                           100);
     return encodeFxtBytes(text, percentOf(progress, platform, text.size()));
 }
 

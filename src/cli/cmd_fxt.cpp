@@ -44,8 +44,8 @@ void registerFxtCommands(CLI::App& app, Context& ctx) {
         std::error_code ec;
         if (!processBackups().ensureBackup(encode->to, ec)) {
             platform->message("FXT could not be copied to " + backupPathOf(encode->to).string() +
-                              ", so nothing was written." + "\r" + "The system said: " +
-                              ec.message() + ".");
+                              ", so nothing was written." + "\r" +
+                              "The system said: " + ec.message() + ".");
             ctx.exitCode = kExitFailed;
             return;
         }

@@ -99,8 +99,7 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
         auto keep = [](const std::filesystem::path& file, std::error_code& ec) {
             return processBackups().ensureBackup(file, ec);
         };
-        ctx.exitCode =
-            applyGC3(a->pack, a->style, a->fxt, *platform, keep) ? kExitOk : kExitFailed;
+        ctx.exitCode = applyGC3(a->pack, a->style, a->fxt, *platform, keep) ? kExitOk : kExitFailed;
     });
 }
 

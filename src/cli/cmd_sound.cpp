@@ -35,7 +35,8 @@ void registerSoundCommand(CLI::App& app, Context& ctx) {
     cmd->add_option("N", args->number, "Sound number")
         ->required()
         ->check(CLI::Range(-kMax16 - 1, kMax16));
-    cmd->add_option("--rate", args->rate, "Multiplier of the sample's rate, 0.01 to 100 (default 1)")
+    cmd->add_option("--rate", args->rate,
+                    "Multiplier of the sample's rate, 0.01 to 100 (default 1)")
         ->check(CLI::Range(kMinRateMultiplier, kMaxRateMultiplier));
     cmd->add_option("--repeat", args->repeat,
                     "How many times the sample plays, 1 to 100 (default 1)")

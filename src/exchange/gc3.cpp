@@ -261,8 +261,8 @@ bool writeGC3(const fs::path& modStyle, const fs::path& origStyle, const fs::pat
     }
     const std::vector<std::uint8_t> bytes = out.takeBytes();
     if (const ReplaceFailure failure = replaceFileAtomically(pack, bytes)) {
-        platform.message(std::string(kWriteError) + "\r" + "The system said: " +
-                         describeCause(failure.cause) + ".");
+        platform.message(std::string(kWriteError) + "\r" +
+                         "The system said: " + describeCause(failure.cause) + ".");
         return false;
     }
     return true;
@@ -325,7 +325,7 @@ bool parseGc3(const std::vector<std::uint8_t>& bytes, Gc3Pack& pack, std::string
 }
 
 Gc3Applied applyGc3Pack(const fs::path& packPath, const fs::path& style, const fs::path& fxt,
-                       Platform& platform, const Gc3KeepBackup& keepBackup) {
+                        Platform& platform, const Gc3KeepBackup& keepBackup) {
     BusyCursor busy(platform);
     auto refused = [](Gc3Outcome outcome, std::string message) {
         return Gc3Applied{outcome, std::move(message)};
@@ -341,10 +341,10 @@ Gc3Applied applyGc3Pack(const fs::path& packPath, const fs::path& style, const f
     }
     const int level = levelOf(style);
     if (pack.header.stylenum != level) {
-        return refused(Gc3Outcome::OtherLevel,
-                       "This GC3 car pack is for level " + std::to_string(pack.header.stylenum) +
-                           ", but " + style.filename().string() + " is level " +
-                           std::to_string(level) + ".");
+        return refused(Gc3Outcome::OtherLevel, "This GC3 car pack is for level " +
+                                                   std::to_string(pack.header.stylenum) + ", but " +
+                                                   style.filename().string() + " is level " +
+                                                   std::to_string(level) + ".");
     }
 
     // One writer of the style file at a time.
@@ -370,19 +370,19 @@ Gc3Applied applyGc3Pack(const fs::path& packPath, const fs::path& style, const f
         const std::uint32_t styleCrc = crc32(targets[0].original);
         const std::uint32_t fxtCrc = crc32(targets[1].original);
         if (styleCrc == trailer->resultStyle && fxtCrc == trailer->resultFxt)
-            return refused(Gc3Outcome::AlreadyApplied,
-                           "This GC3 car pack is already applied to " + style.string() + " and " +
-                               fxt.string() + ": nothing was written.");
+            return refused(Gc3Outcome::AlreadyApplied, "This GC3 car pack is already applied to " +
+                                                           style.string() + " and " + fxt.string() +
+                                                           ": nothing was written.");
         const bool styleFits = styleCrc == trailer->originalStyle;
         const bool fxtFits = fxtCrc == trailer->originalFxt;
         if (!styleFits || !fxtFits) {
             std::string which = !styleFits && !fxtFits ? style.string() + " and " + fxt.string()
-                                : !styleFits          ? style.string()
-                                                      : fxt.string();
+                                : !styleFits           ? style.string()
+                                                       : fxt.string();
             return refused(Gc3Outcome::FilesDiffer,
                            "This GC3 car pack was made against other files than " + which +
-                               " (their contents differ from the files it was made from)." +
-                               "\r" + "Nothing was written.");
+                               " (their contents differ from the files it was made from)." + "\r" +
+                               "Nothing was written.");
         }
     }
     for (Target& t : targets) {

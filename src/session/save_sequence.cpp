@@ -273,9 +273,8 @@ SaveOutcome SaveRun::run() {
         std::vector<std::uint8_t> head(static_cast<std::size_t>(style.header.headSize()));
         file_.seek(1);
         file_.read(head);
-        const std::string mismatch =
-            sectionMismatch(style.path, parseStyleHeader(head.data(), style.header.is24),
-                            file_.length());
+        const std::string mismatch = sectionMismatch(
+            style.path, parseStyleHeader(head.data(), style.header.is24), file_.length());
         if (!mismatch.empty()) return refuse(mismatch);
         // Nothing is written before the original is safe in its .bak.
         std::error_code ec;

@@ -10,8 +10,8 @@
 #include "session/file_backups.h"
 #include "session/shrink_style_file.h"
 
-#include <filesystem>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>

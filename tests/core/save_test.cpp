@@ -359,9 +359,9 @@ TEST_F(SaveFixture, CrashAtAnyPointLeavesTheOldFileOrTheNewOne) {
     const auto saved = bytes();
     ASSERT_NE(saved, original);
 
-    for (const char* point : {"File Open", "Save Car Info", "Save Pages", "Save CLUT",
-                              "Save Deltas", "Sprite Numbers Written", "Files Built",
-                              "Files Replaced"}) {
+    for (const char* point :
+         {"File Open", "Save Car Info", "Save Pages", "Save CLUT", "Save Deltas",
+          "Sprite Numbers Written", "Files Built", "Files Replaced"}) {
         SCOPED_TRACE(point);
         tb::writeFile(path, original);
         fs::remove(bak());
