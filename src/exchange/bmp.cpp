@@ -1,5 +1,6 @@
 #include "exchange/bmp.h"
 
+#include "base/atomic_file.h"
 #include "base/binary_file.h"
 #include "platform/platform.h"
 #include "session/style_session.h"
@@ -112,8 +113,9 @@ bool writeBmp(StyleSession& session, Platform& platform, const fs::path& file,
     const BmpColourTable colours =
         session.style.gIs24Bit ? clutColourTable(session, clut) : palette8ColourTable(session);
 
+    // Built in memory and written whole in one replace: the old picture or the new one.
     BinaryFile out(errors);
-    if (!out.open(file, BinaryFile::Mode::Create)) return false;
+    out.openInMemory(file, {});
     // Place holder; the real file header is written once the size is known.
     const std::uint8_t zeros[kBmpFileHeaderSize] = {};
     out.write(zeros);
@@ -148,7 +150,13 @@ bool writeBmp(StyleSession& session, Platform& platform, const fs::path& file,
     out.seek(1);
     out.write(header);
     out.close();
-    return !errors.hasPending();
+    if (errors.hasPending()) return false;
+    const std::vector<std::uint8_t> bytes = out.takeBytes();
+    if (const ReplaceFailure failure = replaceFileAtomically(file, bytes)) {
+        errors.raise(err::PathFileAccess, file.string() + ": " + describeCause(failure.cause));
+        return false;
+    }
+    return true;
 }
 
 bool readBmp(StyleSession& session, Platform& platform, const fs::path& file, int clut, int width,
