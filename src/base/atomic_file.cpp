@@ -1,6 +1,7 @@
 #include "base/atomic_file.h"
 
 #include <atomic>
+#include <cstdio>
 #include <mutex>
 
 #ifdef _WIN32
@@ -204,7 +205,34 @@ bool isWriteProtected(const fs::path& target, std::error_code& ec) {
     return false;
 }
 
+// A device or a pipe (/dev/stdout) has no old content to keep: it is written straight.
+static bool isStream(const fs::path& target) {
+    std::error_code ec;
+    const fs::file_status status = fs::status(target, ec);
+    return !ec && fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
+}
+
+static std::error_code writeStream(const fs::path& target, std::span<const std::uint8_t> bytes) {
+    std::FILE* out = nullptr;
+#ifdef _WIN32
+    out = _wfopen(target.c_str(), L"wb");
+#else
+    out = std::fopen(target.c_str(), "wb");
+#endif
+    if (!out) return lastSystemError();
+    const bool ok = std::fwrite(bytes.data(), 1, bytes.size(), out) == bytes.size();
+    std::error_code ec = ok ? std::error_code{} : lastSystemError();
+    if (std::fclose(out) != 0 && !ec) ec = lastSystemError();
+    return ec;
+}
+
 ReplaceFailure replaceFilesAtomically(std::span<const FileContent> files) {
+    for (const FileContent& f : files)
+        if (isStream(f.target)) {
+            if (files.size() != 1)
+                return {f.target, std::make_error_code(std::errc::invalid_argument)};
+            return {f.target, writeStream(f.target, f.bytes)};
+        }
     std::vector<SideFile> sides(files.size());
     for (std::size_t i = 0; i < files.size(); ++i) {
         std::error_code ec;

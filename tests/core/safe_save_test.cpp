@@ -312,6 +312,10 @@ TEST(SafeSave, ReplaceKeepsTheFilesPermissions) {
     ASSERT_FALSE(replaceFileAtomically(file, std::vector<std::uint8_t>{2, 3}));
     EXPECT_EQ(tb::readFile(file), (std::vector<std::uint8_t>{2, 3}));
     EXPECT_EQ(fs::status(file).permissions() & fs::perms::all, mode);
+
+    // A device or a pipe is written straight: there is no old file to keep.
+    EXPECT_FALSE(replaceFileAtomically("/dev/null", std::vector<std::uint8_t>{1}));
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
 
 TEST(SafeSave, SaveHeldByAnotherRunIsRefusedAndNamesTheHolder) {
