@@ -59,6 +59,8 @@ public:
     std::function<int(QDialog&)> runDialog;
     // Asks for an absolute sprite number; nothing when cancelled.
     std::function<std::optional<int>()> askSpriteNumber;
+    // Asks for a delta set picture to write (forSaving) or read; empty when cancelled.
+    std::function<QString(bool forSaving, const QString& suggested)> askDeltaSetFile;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -96,6 +98,7 @@ private:
     void mnuExportDeltas_Click(int index);
     void mnuImportDeltas_Click();
     void mnuViewDeltas_Click(int index);
+    QString chooseDeltaSetFile(bool forSaving, const QString& suggested);
     void mnuTranspCheck_Click();
     void mnuTranspCorrect_Click();
     void mnuFindCar_Click();
