@@ -1,5 +1,6 @@
 #include "base/atomic_file.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <mutex>
