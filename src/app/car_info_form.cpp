@@ -4,7 +4,8 @@
 #include "base/runtime_error.h"
 #include "cars/fixed_point.h"
 #include "platform/platform.h"
-#include "session/style_session.h"
+#include "session/edits.h"
+#include "session/session_io.h"
 #include "sound/sound_preview.h"
 #include "sprites/clut.h"
 
@@ -152,33 +153,25 @@ void CarInfoForm::acceptEdits() {
     if (accepted_) return;
     accepted_ = true;
     timer1_->stop();
-    CarEntry* target = session_.cars.find(asn_);
+    const CarEntry* target = session_.cars.find(asn_);
     if (!target) return;
 
+    CarEdit edit;
+    CarEntry edited = *target;
     if (recordChanged_) {
-        for (int i = 0; i <= kValueBox; ++i) setFieldText(*target, i, box(i)->text().toStdString());
-        target->doorList = entry_.doorList;
+        for (int i = 0; i <= kValueBox; ++i) setFieldText(edited, i, box(i)->text().toStdString());
+        edit.doors = entry_.doorList;
     }
     // The remap boxes write into the working copy as they change; their tables travel with a
     // changed record, and a remap-only edit is kept as well.
     if (recordChanged_ || remapChanged_) {
-        target->info.remap24 = entry_.info.remap24;
-        target->info.remap8 = entry_.info.remap8;
-        session_.style.gSaveCarInfo.push_back(static_cast<std::int16_t>(asn_));
+        edited.info.remap24 = entry_.info.remap24;
+        edited.info.remap8 = entry_.info.remap8;
+        edit.info = edited.info;
     }
-    if (nameChanged_) {
-        const std::string name = toGameText(box(kNameBox)->text());
-        const int model = target->info.model;
-        if (model < kCarNameCount) {
-            session_.names.names[static_cast<std::size_t>(model)] = name;
-            session_.style.gCarNamesChanged = true;
-        }
-        // Every loaded car of this model shows the new name.
-        for (int other = 1; other <= session_.cars.highest; ++other)
-            if (CarEntry* car = session_.cars.find(other); car && car->info.model == model)
-                car->name = name;
-        target->name = name;
-    }
+    if (nameChanged_) edit.name = toGameText(box(kNameBox)->text());
+    // A model outside the names table keeps its name; the record is applied all the same.
+    (void)editCar(session_, asn_, edit);
 }
 
 } // namespace torquil

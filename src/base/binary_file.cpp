@@ -66,32 +66,40 @@ bool BinaryFile::open(const std::filesystem::path& path, Mode mode) {
     return true;
 }
 
-void BinaryFile::openInMemory(const std::filesystem::path& path, std::vector<std::uint8_t> bytes) {
+void BinaryFile::openBytes(std::vector<std::uint8_t>& bytes, const std::filesystem::path& name) {
     close();
-    path_ = path;
-    memory_ = std::move(bytes);
-    inMemory_ = true;
-    length_ = static_cast<std::int64_t>(memory_.size());
+    path_ = name;
+    memory_ = &bytes;
+    length_ = static_cast<std::int64_t>(bytes.size());
     pos_ = 0;
 }
 
+void BinaryFile::openInMemory(const std::filesystem::path& path, std::vector<std::uint8_t> bytes) {
+    close();
+    ownedBytes_ = std::move(bytes);
+    openBytes(ownedBytes_, path);
+}
+
 std::vector<std::uint8_t> BinaryFile::takeBytes() {
-    inMemory_ = false;
-    length_ = 0;
-    return std::move(memory_);
+    if (memory_ == &ownedBytes_) {
+        memory_ = nullptr;
+        length_ = 0;
+    }
+    return std::move(ownedBytes_);
 }
 
 void BinaryFile::truncateInMemory(std::int64_t length) {
-    if (length >= 0 && length < static_cast<std::int64_t>(memory_.size())) {
-        memory_.resize(static_cast<std::size_t>(length));
-        if (inMemory_) length_ = length;
+    std::vector<std::uint8_t>& bytes = memory_ ? *memory_ : ownedBytes_;
+    if (length >= 0 && length < static_cast<std::int64_t>(bytes.size())) {
+        bytes.resize(static_cast<std::size_t>(length));
+        if (memory_) length_ = length;
     }
 }
 
 void BinaryFile::close() {
     if (file_) std::fclose(file_);
     file_ = nullptr;
-    inMemory_ = false;
+    memory_ = nullptr;
     window_.clear();
     osPos_ = -1;
 }
@@ -138,11 +146,11 @@ std::size_t BinaryFile::read(std::span<std::uint8_t> dest) {
         return 0;
     }
     std::size_t done = 0;
-    if (inMemory_) {
+    if (memory_) {
         if (pos_ < length_)
             done = static_cast<std::size_t>(
                 std::min<std::int64_t>(length_ - pos_, static_cast<std::int64_t>(dest.size())));
-        if (done > 0) std::memcpy(dest.data(), memory_.data() + pos_, done);
+        if (done > 0) std::memcpy(dest.data(), memory_->data() + pos_, done);
         pos_ += static_cast<std::int64_t>(dest.size());
         return done;
     }
@@ -193,17 +201,17 @@ void BinaryFile::write(std::span<const std::uint8_t> src) {
         return;
     }
     if (src.empty()) return;
-    if (inMemory_) {
-        // Writing past the end fills the gap with zeros, as on disk.
+    if (memory_) {
+        // A gap before the position fills with zeros, as in a file.
         const auto end = static_cast<std::size_t>(pos_) + src.size();
-        if (end > memory_.size()) memory_.resize(end, 0);
-        std::memcpy(memory_.data() + pos_, src.data(), src.size());
+        if (memory_->size() < end) memory_->resize(end, 0);
+        std::memcpy(memory_->data() + pos_, src.data(), src.size());
         pos_ += static_cast<std::int64_t>(src.size());
-        length_ = static_cast<std::int64_t>(memory_.size());
+        length_ = static_cast<std::int64_t>(memory_->size());
         return;
     }
     window_.clear(); // the cache may hold the old bytes
-    // Writing past the end first fills the gap with zeros, as the original runtime did.
+    // Writing past the end first fills the gap with zeros: the file never has a hole.
     if (pos_ > length_) {
         if (!seekOs(length_)) {
             errors_.raise(err::PathFileAccess, "write " + path_.string());

@@ -1,7 +1,8 @@
 #pragma once
-// A file opened "for binary access" the way the game tools' original code used it: 1-based
-// positions, reads past the end that yield zeros (and leave the file at its end) instead of
-// failing, and errors that become the session's pending run-time error.
+// A style file read and written field by field: 1-based positions as the formats are described,
+// reads past the end that yield zeros (and leave the file at its end) instead of failing, and
+// errors that become the session's pending run-time error. It reads and writes a file on disk or
+// bytes in memory (the fuzz targets and tests feed inputs that way).
 
 #include "base/runtime_error.h"
 
@@ -28,15 +29,19 @@ public:
 
     // Opens the file; on failure raises "File not found" (53) or "Path/File access error" (75)
     // and returns false.
-    bool open(const std::filesystem::path& path, Mode mode);
-    // Opens `bytes` as the content of the file at `path`: reads and writes go to memory, and
-    // takeBytes() hands the new content over for one write of the whole file.
+    [[nodiscard]] bool open(const std::filesystem::path& path, Mode mode);
+    // Reads and writes `bytes` in place of a file: writes change and grow the vector, which must
+    // outlive the BinaryFile (or the next open/close). `name` stands for the path in messages.
+    void openBytes(std::vector<std::uint8_t>& bytes,
+                   const std::filesystem::path& name = "(memory)");
+    // Opens `bytes`, kept by the BinaryFile, as the content of the file at `path`; takeBytes()
+    // hands the new content over (also after close()) for one write of the whole file.
     void openInMemory(const std::filesystem::path& path, std::vector<std::uint8_t> bytes);
-    std::vector<std::uint8_t> takeBytes();
+    [[nodiscard]] std::vector<std::uint8_t> takeBytes();
     // Cuts the content held in memory to `length` bytes (a file on disk is cut by a copy).
     void truncateInMemory(std::int64_t length);
     void close();
-    bool isOpen() const { return file_ != nullptr || inMemory_; }
+    bool isOpen() const { return file_ != nullptr || memory_ != nullptr; }
     const std::filesystem::path& path() const { return path_; }
 
     // LOF: the file's length in bytes.
@@ -69,15 +74,15 @@ private:
 
     ErrorState& errors_;
     std::FILE* file_ = nullptr;
+    std::vector<std::uint8_t>* memory_ = nullptr; // the bytes of openBytes()
     std::filesystem::path path_;
     std::int64_t length_ = 0;
     std::int64_t pos_ = 0; // 0-based
     // Read cache: bytes [windowStart_, windowStart_ + window_.size()) of the file.
     std::vector<std::uint8_t> window_;
     std::int64_t windowStart_ = 0;
-    std::int64_t osPos_ = -1; // where the OS file pointer is, -1 when unknown
-    bool inMemory_ = false;
-    std::vector<std::uint8_t> memory_; // the content while inMemory_ (and after its close)
+    std::int64_t osPos_ = -1;              // where the OS file pointer is, -1 when unknown
+    std::vector<std::uint8_t> ownedBytes_; // the content of openInMemory() (kept after close)
 };
 
 // Little-endian helpers for byte buffers (never a struct laid over bytes).
@@ -103,6 +108,6 @@ inline void putI32(std::uint8_t* p, std::int32_t v) {
 }
 
 // Reads a whole file into memory; returns false (and leaves out empty) when it cannot be read.
-bool readWholeFile(const std::filesystem::path& path, std::vector<std::uint8_t>& out);
+[[nodiscard]] bool readWholeFile(const std::filesystem::path& path, std::vector<std::uint8_t>& out);
 
 } // namespace torquil

@@ -4,10 +4,10 @@
 #include "base/binary_file.h"
 #include "base/work_dir.h"
 #include "cars/fxt.h"
+#include "platform/format_context.h"
 #include "platform/platform.h"
-#include "session/style_session.h"
+#include "style/style_file.h"
 
-#include <fstream>
 #include <optional>
 
 namespace torquil {
@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* kFxtName = "ENGLISH.FXT";
 
-// Lines as the original's Line Input read them: ended by CR or CR LF; a lone LF stays in the line.
+// Lines of the decoded text: ended by CR or CR LF; a lone LF stays in the line.
 std::vector<std::string> readLines(const std::vector<std::uint8_t>& bytes) {
     std::vector<std::string> lines;
     std::string line;
@@ -71,36 +71,39 @@ bool fxtChangedSinceLoad(const CarNames& names, const fs::path& fxt) {
            fs::last_write_time(fxt, ec) != names.fxtWriteTime;
 }
 
-bool loadCarNames(StyleSession& s, BinaryFile& /*file*/, Platform& platform) {
-    s.names = CarNames{};
-    const fs::path folder = s.style.dataFolder();
+bool loadCarNames(CarNames& names, const StyleFileState& style, FormatContext& ctx) {
+    Platform& platform = ctx.platform;
+    names = CarNames{};
+    const fs::path folder = style.dataFolder();
     const fs::path fxt = findFileNoCase(folder, kFxtName);
     std::error_code ec;
     if (fs::is_regular_file(fxt, ec)) {
-        s.names.fromFxt = decodeFxtFile(fxt, s.names.decodedText, &s.names, platform);
-        rememberFxtState(s.names, fxt);
-        return s.names.fromFxt;
+        names.fromFxt = decodeFxtFile(fxt, names.decodedText, &names, platform);
+        rememberFxtState(names, fxt);
+        return names.fromFxt;
     }
     platform.message("Warning: ENGLISH.FXT was not with the style file in the\r" + folder.string() +
                      " directory.\r" +
                      "You will not be able to load or save the real car names. (defaults names "
                      "used)");
-    fillBuiltInNames(s.names);
+    fillBuiltInNames(names);
     return true;
 }
 
-bool buildCarNamesFxt(StyleSession& s, Platform& platform, std::vector<std::uint8_t>& fxt) {
+bool buildCarNamesFxt(const CarNames& names, const StyleFileState& style, FormatContext& ctx,
+                      std::vector<std::uint8_t>& fxt) {
+    Platform& platform = ctx.platform;
     fxt.clear();
-    if (!s.names.fromFxt) {
+    if (!names.fromFxt) {
         platform.message(
-            "Unable to reload:" + findFileNoCase(s.style.dataFolder(), kFxtName).string() + "\r" +
+            "Unable to reload:" + findFileNoCase(style.dataFolder(), kFxtName).string() + "\r" +
             "Can't save Car Names without it!");
         return false;
     }
     std::vector<std::uint8_t> text;
-    text.reserve(s.names.decodedText.size() + 64);
-    for (const std::string& line : readLines(s.names.decodedText)) {
-        if (auto kept = rebuiltLine(line, s.names)) {
+    text.reserve(names.decodedText.size() + 64);
+    for (const std::string& line : readLines(names.decodedText)) {
+        if (auto kept = rebuiltLine(line, names)) {
             text.insert(text.end(), kept->begin(), kept->end());
             text.push_back('\r');
             text.push_back('\n');
@@ -110,27 +113,18 @@ bool buildCarNamesFxt(StyleSession& s, Platform& platform, std::vector<std::uint
     return true;
 }
 
-bool saveCarNames(StyleSession& s, Platform& platform) {
+bool saveCarNames(CarNames& names, const StyleFileState& style, FormatContext& ctx) {
+    Platform& platform = ctx.platform;
     std::vector<std::uint8_t> coded;
-    if (!buildCarNamesFxt(s, platform, coded)) return false;
-    const fs::path fxt = findFileNoCase(s.style.dataFolder(), kFxtName);
+    if (!buildCarNamesFxt(names, style, ctx, coded)) return false;
+    const fs::path fxt = findFileNoCase(style.dataFolder(), kFxtName);
     if (const ReplaceFailure failure = replaceFileAtomically(fxt, coded)) {
         platform.message(std::string("Error occured during write of FXT file.") + "\r" +
                          "The system said: " + describeCause(failure.cause) + ".");
         return false;
     }
-    rememberFxtState(s.names, fxt);
+    rememberFxtState(names, fxt);
     platform.message(kCarNamesSavedNote);
-    return true;
-}
-
-bool renameCarModel(StyleSession& s, int model, const std::string& name) {
-    if (model < 0 || model >= kCarNameCount) return false;
-    s.names.names[static_cast<std::size_t>(model)] = name;
-    s.style.gCarNamesChanged = true;
-    // Every loaded car of the model shows the new name.
-    for (CarEntry& car : s.cars.slots)
-        if (car.inUse && car.info.model == model) car.name = name;
     return true;
 }
 

@@ -11,26 +11,26 @@
 
 namespace torquil {
 
-class BinaryFile;
-class Platform;
-class StyleSession;
+struct FormatContext;
+struct StyleFileState;
 
-// Fills session.names from ENGLISH.FXT (found in the style's folder ignoring case). Without the
-// file: a three-line warning and the built-in names; the load goes on. False only when the
-// existing file could not be decoded.
-bool loadCarNames(StyleSession& session, BinaryFile& file, Platform& platform);
+// Fills `names` from ENGLISH.FXT (found in the style's folder ignoring case). Without the file: a
+// three-line warning and the built-in names; the load goes on. False only when the existing file
+// could not be decoded.
+[[nodiscard]] bool loadCarNames(CarNames& names, const StyleFileState& style, FormatContext& ctx);
 
-// The new ENGLISH.FXT: the decoded text of the load with the names of session.names, coded.
-// False (with the message shown) when the load had no ENGLISH.FXT to decode.
-bool buildCarNamesFxt(StyleSession& session, Platform& platform, std::vector<std::uint8_t>& fxt);
+// The new ENGLISH.FXT: the decoded text of the load with `names`, coded. False (with the message
+// shown) when the load had no ENGLISH.FXT to decode.
+[[nodiscard]] bool buildCarNamesFxt(const CarNames& names, const StyleFileState& style,
+                                    FormatContext& ctx, std::vector<std::uint8_t>& fxt);
 
 // Builds ENGLISH.FXT and replaces the file with it in one step (the save sequence instead writes
-// it together with the style file).
-bool saveCarNames(StyleSession& session, Platform& platform);
+// it together with the style file); `names` then remembers the new file.
+[[nodiscard]] bool saveCarNames(CarNames& names, const StyleFileState& style, FormatContext& ctx);
 
 // What ENGLISH.FXT looks like now (after a load or a save of it), and whether it changed since.
 void rememberFxtState(CarNames& names, const std::filesystem::path& fxt);
-bool fxtChangedSinceLoad(const CarNames& names, const std::filesystem::path& fxt);
+[[nodiscard]] bool fxtChangedSinceLoad(const CarNames& names, const std::filesystem::path& fxt);
 
 // The note shown after car names were saved.
 inline constexpr const char* kCarNamesSavedNote =
@@ -38,9 +38,5 @@ inline constexpr const char* kCarNamesSavedNote =
 
 // The names the editor uses when the style has no ENGLISH.FXT (no keys).
 void fillBuiltInNames(CarNames& names);
-
-// Gives car `model` a new name in the names table and in every loaded car of that model, and
-// marks the names for saving. False (and nothing changed) for a model outside the table.
-bool renameCarModel(StyleSession& session, int model, const std::string& name);
 
 } // namespace torquil

@@ -29,11 +29,12 @@ using FxtProgress = std::function<void(std::int64_t position)>;
 
 // The decoded text of a coded file (entries as lines ended by CR LF); fills `names` (when given)
 // from the car name entries.
-std::vector<std::uint8_t> decodeFxtBytes(std::span<const std::uint8_t> coded, CarNames* names,
-                                         const FxtProgress& progress = {});
+[[nodiscard]] std::vector<std::uint8_t> decodeFxtBytes(std::span<const std::uint8_t> coded,
+                                                       CarNames* names,
+                                                       const FxtProgress& progress = {});
 // The coded form of a decoded text (every LF ends an entry, CR is dropped), end marker included.
-std::vector<std::uint8_t> encodeFxtBytes(std::span<const std::uint8_t> text,
-                                         const FxtProgress& progress = {});
+[[nodiscard]] std::vector<std::uint8_t> encodeFxtBytes(std::span<const std::uint8_t> text,
+                                                       const FxtProgress& progress = {});
 
 // Takes "[carN]Name" into the car names table when N is 0..90; other entries change nothing.
 void takeCarName(const std::string& entry, CarNames& names);
@@ -42,15 +43,16 @@ void takeCarName(const std::string& entry, CarNames& names);
 // missing; "Error occured during load of FXT file." / "... write of FXT file." on other errors.
 // Files are written whole beside the old one and renamed over it; a failed write adds the cause
 // the system gave.
-bool fxt2txt(const fs::path& fxt, const fs::path& txt, CarNames* names, Platform& platform);
-bool txt2fxt(const fs::path& txt, const fs::path& fxt, Platform& platform);
+[[nodiscard]] bool fxt2txt(const fs::path& fxt, const fs::path& txt, CarNames* names,
+                           Platform& platform);
+[[nodiscard]] bool txt2fxt(const fs::path& txt, const fs::path& fxt, Platform& platform);
 
 // A coded file decoded into memory, with the progress form; "Unable to open :" + path or
 // "Error occured during load of FXT file." on failure.
-bool decodeFxtFile(const fs::path& fxt, std::vector<std::uint8_t>& text, CarNames* names,
-                   Platform& platform);
+[[nodiscard]] bool decodeFxtFile(const fs::path& fxt, std::vector<std::uint8_t>& text,
+                                 CarNames* names, Platform& platform);
 // encodeFxtBytes with the progress form of a write.
-std::vector<std::uint8_t> encodeFxtWithProgress(std::span<const std::uint8_t> text,
-                                                Platform& platform);
+[[nodiscard]] std::vector<std::uint8_t> encodeFxtWithProgress(std::span<const std::uint8_t> text,
+                                                              Platform& platform);
 
 } // namespace torquil

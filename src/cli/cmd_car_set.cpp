@@ -170,12 +170,14 @@ void registerCarSetCommand(CLI::App& app, Context& ctx) {
         }
 
         const CarEntry before = *car;
+        CarEdit edit;
         if (recordChanged) {
-            car->info = edited.info;
-            car->doorList = edited.doorList;
-            session->style.gSaveCarInfo.push_back(static_cast<std::int16_t>(args->asn));
+            edit.info = edited.info;
+            edit.doors = edited.doorList;
         }
-        if (nameChanged) renameCarModel(*session, edited.info.model, edited.name);
+        if (nameChanged) edit.name = edited.name;
+        // The model was checked against the names table above.
+        (void)editCar(*session, args->asn, edit);
 
         // The editor's "Save Changes": backups first, then the record in place and the names.
         const SaveOutcome outcome = saveChanges(*session, *platform);

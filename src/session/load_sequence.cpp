@@ -4,7 +4,7 @@
 #include "platform/platform.h"
 #include "session/loaders.h"
 #include "session/save_sequence.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 #include "style/level_name.h"
 #include "style/page_io.h"
 
@@ -105,8 +105,10 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
     }
 
     BinaryFile file(s.errors);
+    // A load fills a fresh session: no error of an earlier command belongs to it.
     s.errors.clear();
-    file.open(style.path, BinaryFile::Mode::Read);
+    // The file was just found; an open that still fails leaves its error pending.
+    (void)file.open(style.path, BinaryFile::Mode::Read);
     style.fileLength = file.length();
     style.loadedWriteTime = std::filesystem::last_write_time(style.path, ec);
     style.header = readStyleHeader(file, style.gIs24Bit);

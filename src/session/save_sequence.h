@@ -7,6 +7,7 @@
 // files before the program first writes them. The save holds the style file's lock, refuses a
 // file whose header does not add up to its length, and names the system's cause of a failure.
 
+#include "session/edits.h" // markAllChanged
 #include "session/file_backups.h"
 #include "session/shrink_style_file.h"
 
@@ -66,23 +67,22 @@ struct SaveOutcome {
 };
 
 // mnuSaveBlock_Click without the window: the real savers and this run's backups.
-SaveOutcome saveChanges(StyleSession& session, Platform& platform);
-SaveOutcome saveChanges(StyleSession& session, Platform& platform, const SaveOptions& options);
-
-// Marks every part of a loaded style as changed (pages, the CLUTs of a .G24 file, deltas, every
-// loaded car, the car names), so the next save rewrites all of it.
-void markAllChanged(StyleSession& session);
+[[nodiscard]] SaveOutcome saveChanges(StyleSession& session, Platform& platform);
+[[nodiscard]] SaveOutcome saveChanges(StyleSession& session, Platform& platform,
+                                      const SaveOptions& options);
 
 // The message of a failed save, lines joined with "\r", ending with where the backup is and, when
 // the system gave one, its cause.
-std::string saveFailureMessage(const std::string& step, const std::filesystem::path& path,
-                               const std::filesystem::path& backup, const std::string& cause = {});
+[[nodiscard]] std::string saveFailureMessage(const std::string& step,
+                                             const std::filesystem::path& path,
+                                             const std::filesystem::path& backup,
+                                             const std::string& cause = {});
 
 // Tells the user of side files that an interrupted save left beside the style file or its
 // ENGLISH.FXT (one message each). Returns how many there were.
 int reportInterruptedSaves(const std::filesystem::path& styleFile, Platform& platform);
 
 // The question asked before writing over a style file that changed on disk since it was loaded.
-std::string changedOnDiskQuestion(const std::filesystem::path& path);
+[[nodiscard]] std::string changedOnDiskQuestion(const std::filesystem::path& path);
 
 } // namespace torquil

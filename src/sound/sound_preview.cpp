@@ -2,8 +2,9 @@
 
 #include "base/atomic_file.h"
 #include "base/binary_file.h"
+#include "platform/format_context.h"
 #include "platform/platform.h"
-#include "session/style_session.h"
+#include "style/style_file.h"
 
 #include <cmath>
 #include <limits>
@@ -28,9 +29,9 @@ void putTag(std::uint8_t* p, const char* tag) {
     for (int i = 0; i < 4; ++i) p[i] = static_cast<std::uint8_t>(tag[i]);
 }
 
-SoundOutcome checkNumber(StyleSession& session, Platform& platform, std::int16_t soundNumber,
+SoundOutcome checkNumber(const StyleFileState& style, Platform& platform, std::int16_t soundNumber,
                          SoundTable& table) {
-    if (!loadSDT(session, table)) return SoundOutcome::NoBank;
+    if (!loadSDT(style, table)) return SoundOutcome::NoBank;
     // The table's last record can never be played.
     if (soundNumber < 0 || soundNumber > table.lastIndex() - 1) {
         platform.message("Sound is out of range.");
@@ -60,11 +61,10 @@ std::string previewLimitProblem(const SdtRecord& record, double rateMultiplier, 
 
 enum class WavWrite { Written, Refused, Failed };
 
-WavWrite writeWavFile(StyleSession& session, Platform& platform, const SoundTable& table,
+// Expects no pending error (the callers start a fresh scope).
+WavWrite writeWavFile(ErrorState& errors, Platform& platform, const SoundTable& table,
                       std::int16_t soundNumber, double rateMultiplier, std::int16_t repeatCount,
                       const fs::path& path) {
-    ErrorState& errors = session.errors;
-    errors.clear();
     const SdtRecord& record = table.SDT[static_cast<std::size_t>(soundNumber)];
     std::vector<std::uint8_t> raw;
     if (!readWholeFile(table.rawPath, raw)) {
@@ -151,13 +151,17 @@ std::array<std::uint8_t, kWavHeaderSize> wavHeader(ErrorState& errors, const Sdt
     return h;
 }
 
-SoundOutcome writeSoundWav(StyleSession& session, Platform& platform, std::int16_t soundNumber,
-                           double rateMultiplier, std::int16_t repeatCount, const fs::path& wav) {
+SoundOutcome writeSoundWav(const StyleFileState& style, FormatContext& ctx,
+                           std::int16_t soundNumber, double rateMultiplier,
+                           std::int16_t repeatCount, const fs::path& wav) {
+    Platform& platform = ctx.platform;
     BusyCursor busy(platform);
     SoundTable table;
-    const SoundOutcome checked = checkNumber(session, platform, soundNumber, table);
+    const SoundOutcome checked = checkNumber(style, platform, soundNumber, table);
     if (checked != SoundOutcome::Done) return checked;
-    switch (writeWavFile(session, platform, table, soundNumber, rateMultiplier, repeatCount, wav)) {
+    const PendingErrorScope fresh(ctx.errors);
+    switch (
+        writeWavFile(ctx.errors, platform, table, soundNumber, rateMultiplier, repeatCount, wav)) {
     case WavWrite::Written:
         return SoundOutcome::Done;
     case WavWrite::Refused:
@@ -165,25 +169,28 @@ SoundOutcome writeSoundWav(StyleSession& session, Platform& platform, std::int16
     case WavWrite::Failed:
         break;
     }
-    reportGeneralError(session.errors, platform);
+    reportGeneralError(ctx.errors, platform);
     return SoundOutcome::Failed;
 }
 
-SoundOutcome playSound(StyleSession& session, Platform& platform, std::int16_t soundNumber,
+SoundOutcome playSound(const StyleFileState& style, FormatContext& ctx, std::int16_t soundNumber,
                        double rateMultiplier, std::int16_t repeatCount) {
+    Platform& platform = ctx.platform;
     BusyCursor busy(platform);
     SoundTable table;
-    const SoundOutcome checked = checkNumber(session, platform, soundNumber, table);
+    const SoundOutcome checked = checkNumber(style, platform, soundNumber, table);
     if (checked != SoundOutcome::Done) return checked;
-    const fs::path wav = session.workPath("~tmp" + std::to_string(soundNumber) + ".wav");
+    const fs::path wav = ctx.options.workPath("~tmp" + std::to_string(soundNumber) + ".wav");
     TemporaryFile cleanup(wav);
-    switch (writeWavFile(session, platform, table, soundNumber, rateMultiplier, repeatCount, wav)) {
+    const PendingErrorScope fresh(ctx.errors);
+    switch (
+        writeWavFile(ctx.errors, platform, table, soundNumber, rateMultiplier, repeatCount, wav)) {
     case WavWrite::Written:
         break;
     case WavWrite::Refused:
         return SoundOutcome::Failed;
     case WavWrite::Failed:
-        reportGeneralError(session.errors, platform);
+        reportGeneralError(ctx.errors, platform);
         return SoundOutcome::Failed;
     }
     platform.sound().playWavSync(wav);

@@ -12,7 +12,8 @@ namespace torquil {
 
 class ErrorState;
 class Platform;
-class StyleSession;
+struct FormatContext;
+struct StyleFileState;
 
 inline constexpr int kWavHeaderSize = 44;
 
@@ -38,14 +39,14 @@ std::array<std::uint8_t, kWavHeaderSize> wavHeader(ErrorState& errors, const Sdt
 // Writes the WAV that playSound plays for `soundNumber` to `wav`, without playing it. The record
 // is checked against the RAW file and the limits first; the WAV is built in memory and written
 // whole in one replace, so a failed WAV never stays on the disk.
-SoundOutcome writeSoundWav(StyleSession& session, Platform& platform, std::int16_t soundNumber,
-                           double rateMultiplier, std::int16_t repeatCount,
-                           const std::filesystem::path& wav);
+SoundOutcome writeSoundWav(const StyleFileState& style, FormatContext& ctx,
+                           std::int16_t soundNumber, double rateMultiplier,
+                           std::int16_t repeatCount, const std::filesystem::path& wav);
 
 // Plays sound `soundNumber` of the bank: the table is read afresh, the WAV goes to
 // "~tmp" + number + ".wav" in the work directory, is played to its end and deleted. A run-time
 // error is reported as the general error message (in debug mode it escapes as RuntimeError).
-SoundOutcome playSound(StyleSession& session, Platform& platform, std::int16_t soundNumber,
+SoundOutcome playSound(const StyleFileState& style, FormatContext& ctx, std::int16_t soundNumber,
                        double rateMultiplier, std::int16_t repeatCount);
 
 } // namespace torquil

@@ -104,7 +104,7 @@ void change(StyleSession& s, Change what) {
         markAllChanged(s);
         s.style.gCarNamesChanged = false;
     }
-    if (what != Change::Style) renameCarModel(s, 43, "Caf\xE9 Bus");
+    if (what != Change::Style) ASSERT_TRUE(renameCarModel(s, 43, "Caf\xE9 Bus"));
 }
 
 struct SaveCase {
@@ -176,7 +176,7 @@ TEST_P(FaultedSave, CrashAtEveryStepLeavesEachFileOldOrNewAndTheNextOpenNamesThe
         auto crash = [&] {
             FaultAt fault{n, true};
             ScopedFault hook(fault);
-            saveChanges(*s, p);
+            (void)saveChanges(*s, p);
         };
         EXPECT_EXIT(crash(), ::testing::ExitedWithCode(9), "");
         expectOldOrNew(level.style, level.styleBytes, newStyle);
@@ -254,8 +254,9 @@ TEST(FaultedCommands, Txt2FxtAndGc3ApplyLeaveEachFileOldOrNew) {
             expectOldOrNew(level.style, level.styleBytes, c.newStyle);
             expectOldOrNew(level.fxt, level.fxtBytes, c.newFxt);
             // The backup of each replaced file is its original.
-            if (fs::exists(fs::path(level.fxt.string() + ".bak")))
+            if (fs::exists(fs::path(level.fxt.string() + ".bak"))) {
                 EXPECT_EQ(tb::readFile(fs::path(level.fxt.string() + ".bak")), level.fxtBytes);
+            }
         }
     }
 }
@@ -352,7 +353,7 @@ TEST(SafeSave, SecondSaveOfOneFileNeverLosesTheFirstSilently) {
     auto second = level.load(p2);
     change(*first, Change::Both);
     change(*second, Change::Both);
-    renameCarModel(*second, 43, "Other Bus");
+    ASSERT_TRUE(renameCarModel(*second, 43, "Other Bus"));
     ASSERT_EQ(saveChanges(*first, p1).result, SaveResult::Saved);
     const auto savedStyle = tb::readFile(level.style), savedFxt = tb::readFile(level.fxt);
     // The second run is asked; answering no (the default) writes nothing.
@@ -366,8 +367,8 @@ TEST(SafeSave, SecondSaveOfOneFileNeverLosesTheFirstSilently) {
     // Names only: the same question for ENGLISH.FXT.
     tb::FakePlatform p3;
     auto third = level.load(p3);
-    renameCarModel(*third, 43, "Third Bus");
-    renameCarModel(*first, 43, "First Again");
+    ASSERT_TRUE(renameCarModel(*third, 43, "Third Bus"));
+    ASSERT_TRUE(renameCarModel(*first, 43, "First Again"));
     ASSERT_TRUE(saveChanges(*first, p1).namesSaved);
     const SaveOutcome names = saveChanges(*third, p3);
     EXPECT_FALSE(names.namesSaved);
@@ -387,8 +388,8 @@ TEST(SafeSave, TwoLevelsSavedAtOnceKeepTheirOwnTexts) {
     // Both sessions share one work folder, as two runs of one install do.
     auto sa = a.load(pa, dir / "work");
     auto sb = b.load(pb, dir / "work");
-    renameCarModel(*sa, 43, "Bus A");
-    renameCarModel(*sb, 43, "Bus B");
+    ASSERT_TRUE(renameCarModel(*sa, 43, "Bus A"));
+    ASSERT_TRUE(renameCarModel(*sb, 43, "Bus B"));
     ASSERT_TRUE(saveChanges(*sa, pa).namesSaved);
     ASSERT_TRUE(saveChanges(*sb, pb).namesSaved);
     const auto textA = tb::decodeFxt(tb::readFile(a.fxt));

@@ -7,7 +7,7 @@
 #include "session/load_sequence.h"
 #include "session/loaders.h"
 #include "session/save_sequence.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 #include "style_builder.h"
 #include "test_dir.h"
 
@@ -318,7 +318,8 @@ TEST_F(SaveFixture, BackupIsMadeOnceAndNeverOverwritten) {
     ASSERT_NE(firstSave, original);
     EXPECT_EQ(tb::readFile(bak()), original);
 
-    // Later saves of the same run, and saves of a later run, keep the pristine original.
+    // Later saves of the same run, and saves of a later run, keep the backup of the unmodified
+    // file.
     session->style.gPagesChanged = true;
     session->pages.pixel(0, 1, 0) ^= 0xFF;
     ASSERT_EQ(save().result, SaveResult::Saved);
