@@ -74,6 +74,28 @@ void BinaryFile::openBytes(std::vector<std::uint8_t>& bytes, const std::filesyst
     pos_ = 0;
 }
 
+void BinaryFile::openInMemory(const std::filesystem::path& path, std::vector<std::uint8_t> bytes) {
+    close();
+    ownedBytes_ = std::move(bytes);
+    openBytes(ownedBytes_, path);
+}
+
+std::vector<std::uint8_t> BinaryFile::takeBytes() {
+    if (memory_ == &ownedBytes_) {
+        memory_ = nullptr;
+        length_ = 0;
+    }
+    return std::move(ownedBytes_);
+}
+
+void BinaryFile::truncateInMemory(std::int64_t length) {
+    std::vector<std::uint8_t>& bytes = memory_ ? *memory_ : ownedBytes_;
+    if (length >= 0 && length < static_cast<std::int64_t>(bytes.size())) {
+        bytes.resize(static_cast<std::size_t>(length));
+        if (memory_) length_ = length;
+    }
+}
+
 void BinaryFile::close() {
     if (file_) std::fclose(file_);
     file_ = nullptr;

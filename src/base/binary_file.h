@@ -34,6 +34,12 @@ public:
     // outlive the BinaryFile (or the next open/close). `name` stands for the path in messages.
     void openBytes(std::vector<std::uint8_t>& bytes,
                    const std::filesystem::path& name = "(memory)");
+    // Opens `bytes`, kept by the BinaryFile, as the content of the file at `path`; takeBytes()
+    // hands the new content over (also after close()) for one write of the whole file.
+    void openInMemory(const std::filesystem::path& path, std::vector<std::uint8_t> bytes);
+    [[nodiscard]] std::vector<std::uint8_t> takeBytes();
+    // Cuts the content held in memory to `length` bytes (a file on disk is cut by a copy).
+    void truncateInMemory(std::int64_t length);
     void close();
     bool isOpen() const { return file_ != nullptr || memory_ != nullptr; }
     const std::filesystem::path& path() const { return path_; }
@@ -75,7 +81,8 @@ private:
     // Read cache: bytes [windowStart_, windowStart_ + window_.size()) of the file.
     std::vector<std::uint8_t> window_;
     std::int64_t windowStart_ = 0;
-    std::int64_t osPos_ = -1; // where the OS file pointer is, -1 when unknown
+    std::int64_t osPos_ = -1;              // where the OS file pointer is, -1 when unknown
+    std::vector<std::uint8_t> ownedBytes_; // the content of openInMemory() (kept after close)
 };
 
 // Little-endian helpers for byte buffers (never a struct laid over bytes).

@@ -1,5 +1,6 @@
 #include "cars/car_names_io.h"
 
+#include "base/atomic_file.h"
 #include "base/binary_file.h"
 #include "base/work_dir.h"
 #include "cars/fxt.h"
@@ -7,7 +8,6 @@
 #include "platform/platform.h"
 #include "style/style_file.h"
 
-#include <fstream>
 #include <optional>
 
 namespace torquil {
@@ -15,8 +15,6 @@ namespace torquil {
 namespace {
 
 constexpr const char* kFxtName = "ENGLISH.FXT";
-constexpr const char* kDecodedName = "~TMP.TXT";
-constexpr const char* kRebuiltName = "~TMPN.TXT";
 
 // Lines of the decoded text: ended by CR or CR LF; a lone LF stays in the line.
 std::vector<std::string> readLines(const std::vector<std::uint8_t>& bytes) {
@@ -58,15 +56,30 @@ std::optional<std::string> rebuiltLine(const std::string& line, const CarNames& 
 
 } // namespace
 
+void rememberFxtState(CarNames& names, const fs::path& fxt) {
+    std::error_code ec;
+    const auto size = fs::file_size(fxt, ec);
+    names.fxtLength = ec ? -1 : static_cast<std::int64_t>(size);
+    names.fxtWriteTime = fs::last_write_time(fxt, ec);
+}
+
+bool fxtChangedSinceLoad(const CarNames& names, const fs::path& fxt) {
+    std::error_code ec;
+    const auto size = fs::file_size(fxt, ec);
+    if (ec) return names.fxtLength >= 0;
+    return static_cast<std::int64_t>(size) != names.fxtLength ||
+           fs::last_write_time(fxt, ec) != names.fxtWriteTime;
+}
+
 bool loadCarNames(CarNames& names, const StyleFileState& style, FormatContext& ctx) {
     Platform& platform = ctx.platform;
     names = CarNames{};
     const fs::path folder = style.dataFolder();
     const fs::path fxt = findFileNoCase(folder, kFxtName);
-    const fs::path decoded = ctx.options.workPath(kDecodedName);
     std::error_code ec;
     if (fs::is_regular_file(fxt, ec)) {
-        names.fromFxt = fxt2txt(fxt, decoded, &names, platform);
+        names.fromFxt = decodeFxtFile(fxt, names.decodedText, &names, platform);
+        rememberFxtState(names, fxt);
         return names.fromFxt;
     }
     platform.message("Warning: ENGLISH.FXT was not with the style file in the\r" + folder.string() +
@@ -74,34 +87,44 @@ bool loadCarNames(CarNames& names, const StyleFileState& style, FormatContext& c
                      "You will not be able to load or save the real car names. (defaults names "
                      "used)");
     fillBuiltInNames(names);
-    // A decoded copy left over from another style must not be saved into this one's folder.
-    fs::remove(decoded, ec);
     return true;
 }
 
-bool saveCarNames(const CarNames& names, const StyleFileState& style, FormatContext& ctx) {
+bool buildCarNamesFxt(const CarNames& names, const StyleFileState& style, FormatContext& ctx,
+                      std::vector<std::uint8_t>& fxt) {
     Platform& platform = ctx.platform;
-    const fs::path decoded = ctx.options.workPath(kDecodedName);
-    const fs::path rebuilt = ctx.options.workPath(kRebuiltName);
-    const fs::path fxt = findFileNoCase(style.dataFolder(), kFxtName);
-    std::error_code ec;
-    std::vector<std::uint8_t> bytes;
-    if (!fs::is_regular_file(decoded, ec) || !readWholeFile(decoded, bytes)) {
-        platform.message("Unable to reload:" + decoded.string() + "\r" +
-                         "Can't save Car Names without it!");
+    fxt.clear();
+    if (!names.fromFxt) {
+        platform.message(
+            "Unable to reload:" + findFileNoCase(style.dataFolder(), kFxtName).string() + "\r" +
+            "Can't save Car Names without it!");
         return false;
     }
-    {
-        std::ofstream out(rebuilt, std::ios::binary | std::ios::trunc);
-        for (const std::string& line : readLines(bytes))
-            if (auto kept = rebuiltLine(line, names)) out << *kept << "\r\n";
-        if (!out) {
-            platform.message("Error occured during write of FXT file.");
-            return false;
+    std::vector<std::uint8_t> text;
+    text.reserve(names.decodedText.size() + 64);
+    for (const std::string& line : readLines(names.decodedText)) {
+        if (auto kept = rebuiltLine(line, names)) {
+            text.insert(text.end(), kept->begin(), kept->end());
+            text.push_back('\r');
+            text.push_back('\n');
         }
     }
-    if (!txt2fxt(rebuilt, fxt, platform)) return false;
-    platform.message("Note: Car name changes are not accepted by KRB until it is restarted.");
+    fxt = encodeFxtWithProgress(text, platform);
+    return true;
+}
+
+bool saveCarNames(CarNames& names, const StyleFileState& style, FormatContext& ctx) {
+    Platform& platform = ctx.platform;
+    std::vector<std::uint8_t> coded;
+    if (!buildCarNamesFxt(names, style, ctx, coded)) return false;
+    const fs::path fxt = findFileNoCase(style.dataFolder(), kFxtName);
+    if (const ReplaceFailure failure = replaceFileAtomically(fxt, coded)) {
+        platform.message(std::string("Error occured during write of FXT file.") + "\r" +
+                         "The system said: " + describeCause(failure.cause) + ".");
+        return false;
+    }
+    rememberFxtState(names, fxt);
+    platform.message(kCarNamesSavedNote);
     return true;
 }
 

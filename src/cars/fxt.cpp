@@ -1,5 +1,6 @@
 #include "cars/fxt.h"
 
+#include "base/atomic_file.h"
 #include "base/binary_file.h"
 #include "platform/platform.h"
 #include "platform/progress_scope.h"
@@ -22,14 +23,6 @@ constexpr std::array<std::uint8_t, 6> kEndMarker{0x5C, 0x5E, 0x1A, 0x01, 0x5C, 0
 std::int64_t positionAfterBlock(std::size_t index, std::size_t length) {
     const std::size_t block = (index - kFxtKey.size()) / kBlock;
     return static_cast<std::int64_t>(std::min(kFxtKey.size() + (block + 1) * kBlock, length)) + 1;
-}
-
-bool writeBytes(const fs::path& path, const std::vector<std::uint8_t>& bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (!out) return false;
-    out.write(reinterpret_cast<const char*>(bytes.data()),
-              static_cast<std::streamsize>(bytes.size()));
-    return static_cast<bool>(out);
 }
 
 FxtProgress percentOf(ProgressScope& scope, Platform& platform, std::size_t length) {
@@ -135,7 +128,9 @@ std::vector<std::uint8_t> encodeFxtBytes(std::span<const std::uint8_t> text,
     return coded;
 }
 
-bool fxt2txt(const fs::path& fxt, const fs::path& txt, CarNames* names, Platform& platform) {
+bool decodeFxtFile(const fs::path& fxt, std::vector<std::uint8_t>& text, CarNames* names,
+                   Platform& platform) {
+    text.clear();
     std::error_code ec;
     if (!fs::is_regular_file(fxt, ec)) {
         platform.message("Unable to open :" + fxt.string());
@@ -146,12 +141,31 @@ bool fxt2txt(const fs::path& fxt, const fs::path& txt, CarNames* names, Platform
         ProgressScope progress(platform.progress(), "Reading FXT file", "Reading Car Names...",
                                100);
         std::vector<std::uint8_t> coded;
-        if (readWholeFile(fxt, coded))
-            ok = writeBytes(
-                txt, decodeFxtBytes(coded, names, percentOf(progress, platform, coded.size())));
+        if (readWholeFile(fxt, coded)) {
+            text = decodeFxtBytes(coded, names, percentOf(progress, platform, coded.size()));
+            ok = true;
+        }
     }
     if (!ok) platform.message("Error occured during load of FXT file.");
     return ok;
+}
+
+std::vector<std::uint8_t> encodeFxtWithProgress(std::span<const std::uint8_t> text,
+                                                Platform& platform) {
+    ProgressScope progress(platform.progress(), "Writing FXT file", "Writing New Car Names...",
+                           100);
+    return encodeFxtBytes(text, percentOf(progress, platform, text.size()));
+}
+
+bool fxt2txt(const fs::path& fxt, const fs::path& txt, CarNames* names, Platform& platform) {
+    std::vector<std::uint8_t> text;
+    if (!decodeFxtFile(fxt, text, names, platform)) return false;
+    if (const ReplaceFailure failure = replaceFileAtomically(txt, text)) {
+        platform.message(std::string("Error occured during load of FXT file.") + "\r" +
+                         "The system said: " + describeCause(failure.cause) + ".");
+        return false;
+    }
+    return true;
 }
 
 bool txt2fxt(const fs::path& txt, const fs::path& fxt, Platform& platform) {
@@ -160,21 +174,24 @@ bool txt2fxt(const fs::path& txt, const fs::path& fxt, Platform& platform) {
         platform.message("Unable to open :" + txt.string());
         return false;
     }
-    bool ok = false;
-    {
-        ProgressScope progress(platform.progress(), "Writing FXT file", "Writing New Car Names...",
-                               100);
-        std::vector<std::uint8_t> text;
-        if (readWholeFile(txt, text)) {
-            // The old file is deleted before the new one is written.
-            ok = !fs::exists(fxt, ec) || fs::remove(fxt, ec);
-            if (ok)
-                ok = writeBytes(fxt,
-                                encodeFxtBytes(text, percentOf(progress, platform, text.size())));
-        }
+    std::vector<std::uint8_t> text;
+    if (!readWholeFile(txt, text)) {
+        platform.message("Error occured during write of FXT file.");
+        return false;
     }
-    if (!ok) platform.message("Error occured during write of FXT file.");
-    return ok;
+    const std::vector<std::uint8_t> coded = encodeFxtWithProgress(text, platform);
+    std::error_code cause;
+    if (isWriteProtected(fxt, cause)) {
+        platform.message(std::string("Error occured during write of FXT file.") + "\r" +
+                         "The system said: " + describeCause(cause) + ".");
+        return false;
+    }
+    if (const ReplaceFailure failure = replaceFileAtomically(fxt, coded)) {
+        platform.message(std::string("Error occured during write of FXT file.") + "\r" +
+                         "The system said: " + describeCause(failure.cause) + ".");
+        return false;
+    }
+    return true;
 }
 
 } // namespace torquil

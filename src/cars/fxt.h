@@ -41,8 +41,18 @@ void takeCarName(const std::string& entry, CarNames& names);
 
 // File to file, with the progress form. Messages: "Unable to open :" + path when the input is
 // missing; "Error occured during load of FXT file." / "... write of FXT file." on other errors.
+// Files are written whole beside the old one and renamed over it; a failed write adds the cause
+// the system gave.
 [[nodiscard]] bool fxt2txt(const fs::path& fxt, const fs::path& txt, CarNames* names,
                            Platform& platform);
 [[nodiscard]] bool txt2fxt(const fs::path& txt, const fs::path& fxt, Platform& platform);
+
+// A coded file decoded into memory, with the progress form; "Unable to open :" + path or
+// "Error occured during load of FXT file." on failure.
+[[nodiscard]] bool decodeFxtFile(const fs::path& fxt, std::vector<std::uint8_t>& text,
+                                 CarNames* names, Platform& platform);
+// encodeFxtBytes with the progress form of a write.
+[[nodiscard]] std::vector<std::uint8_t> encodeFxtWithProgress(std::span<const std::uint8_t> text,
+                                                              Platform& platform);
 
 } // namespace torquil

@@ -1,5 +1,6 @@
 #include "cli/cli.h"
 
+#include "base/file_lock.h"
 #include "base/runtime_error.h"
 #include "base/utf8_path.h"
 #include "base/version.h"
@@ -82,6 +83,7 @@ int run(const std::vector<std::string>& args, std::ostream& out, std::ostream& e
 
 int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
     Context ctx{out, err, argc > 0 ? pathFromUtf8(argv[0]) : std::filesystem::path{}};
+    setLockProgramName("torquil-cli");
     CLI::App app{"torquil-cli: the Torquil style file editor for scripts"};
     app.set_version_flag("--version", std::string("torquil-cli ") + kVersion);
     app.require_subcommand(1);

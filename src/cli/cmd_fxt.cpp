@@ -3,6 +3,7 @@
 #include "cli/cli.h"
 
 #include "cars/fxt.h"
+#include "session/file_backups.h"
 
 #include <ostream>
 
@@ -34,12 +35,23 @@ void registerFxtCommands(CLI::App& app, Context& ctx) {
     CLI::App* txt2fxtCmd = app.add_subcommand(
         "txt2fxt",
         "Encode a text file (one entry per line) into a coded text file, replacing it; the file\n"
-        "ends with the end marker the editor writes. Exit status: 0 written, 1 failed, 2 usage.");
+        "ends with the end marker the editor writes. The coded file it replaces is kept once as\n"
+        "FXT.bak (an existing .bak is never overwritten). Exit status: 0 written, 1 failed,\n"
+        "2 usage.");
     encode->common.addTo(*txt2fxtCmd);
     txt2fxtCmd->add_option("TXT", encode->from, "The text file")->required();
     txt2fxtCmd->add_option("FXT", encode->to, "The coded text file to write")->required();
     txt2fxtCmd->callback([encode, &ctx] {
         auto platform = makePlatform(ctx, encode->common);
+        // The coded file replaced is kept as its ".bak" before anything is written over it.
+        std::error_code ec;
+        if (!processBackups().ensureBackup(argumentPath(encode->to), ec)) {
+            platform->message(
+                "FXT could not be copied to " + pathToUtf8(backupPathOf(argumentPath(encode->to))) +
+                ", so nothing was written." + "\r" + "The system said: " + ec.message() + ".");
+            ctx.exitCode = kExitFailed;
+            return;
+        }
         ctx.exitCode = txt2fxt(argumentPath(encode->from), argumentPath(encode->to), *platform)
                            ? kExitOk
                            : kExitFailed;

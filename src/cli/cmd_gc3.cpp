@@ -9,6 +9,7 @@
 #include "exchange/gc3.h"
 #include "session/car_pack.h"
 #include "session/car_pack_preview.h"
+#include "session/file_backups.h"
 
 #include <nlohmann/json.hpp>
 
@@ -167,7 +168,10 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
         "apply",
         "Apply PACK to STYLE and FXT (the files the pack was made against), so that they become\n"
         "the changed files. Nothing is written when the pack is for another level, damaged, or\n"
-        "does not fit the files. Standard output: the number of runs applied to each file.\n"
+        "does not fit the files; a pack written here also refuses files other than those it was\n"
+        "made against and says \"already applied\" when the files already are its results. Each\n"
+        "file is first kept once as its .bak; both new files are complete before either is\n"
+        "replaced. Standard output: the number of runs applied to each file.\n"
         "Exit status: 0 applied, 1 refused or failed, 2 usage error.");
     a->common.addTo(*apply);
     apply->add_option("PACK", a->pack, "The pack")->required();
@@ -175,10 +179,13 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
     apply->add_option("FXT", a->fxt, "The ENGLISH.FXT to change")->required();
     apply->callback([a, &ctx] {
         auto platform = makePlatform(ctx, a->common);
-        ctx.exitCode =
-            applyGC3(argumentPath(a->pack), argumentPath(a->style), argumentPath(a->fxt), *platform)
-                ? kExitOk
-                : kExitFailed;
+        auto keep = [](const std::filesystem::path& file, std::error_code& ec) {
+            return processBackups().ensureBackup(file, ec);
+        };
+        ctx.exitCode = applyGC3(argumentPath(a->pack), argumentPath(a->style), argumentPath(a->fxt),
+                                *platform, keep)
+                           ? kExitOk
+                           : kExitFailed;
     });
 }
 

@@ -25,7 +25,9 @@ void registerSoundCommand(CLI::App& app, Context& ctx) {
         "sound",
         "Cut sound N out of the level's bank (audio/LEVEL00n.SDT and .RAW beside STYLE) and\n"
         "write it as a WAV file (-o), play it (--play), or both. Numbers run from 0 to the\n"
-        "bank's record count - 1; the bank's last record cannot be played.\n"
+        "bank's record count - 1; the bank's last record cannot be played. Limits: --repeat 1 to\n"
+        "100, --rate 0.01 to 100, the WAV's rate 1 to 1000000 samples per second and its sound\n"
+        "at most 64 MB; the record must lie inside the RAW file. Nothing is written otherwise.\n"
         "Exit status: 0 done, 1 no bank, out of range or failed, 2 usage error.");
     args->common.addTo(*cmd);
     constexpr int kMax16 = std::numeric_limits<std::int16_t>::max();
@@ -33,10 +35,12 @@ void registerSoundCommand(CLI::App& app, Context& ctx) {
     cmd->add_option("N", args->number, "Sound number")
         ->required()
         ->check(CLI::Range(-kMax16 - 1, kMax16));
-    cmd->add_option("--rate", args->rate, "Multiplier of the sample's rate (default 1)")
-        ->check(CLI::PositiveNumber);
-    cmd->add_option("--repeat", args->repeat, "How many times the sample plays (default 1)")
-        ->check(CLI::Range(1, kMax16));
+    cmd->add_option("--rate", args->rate,
+                    "Multiplier of the sample's rate, 0.01 to 100 (default 1)")
+        ->check(CLI::Range(kMinRateMultiplier, kMaxRateMultiplier));
+    cmd->add_option("--repeat", args->repeat,
+                    "How many times the sample plays, 1 to 100 (default 1)")
+        ->check(CLI::Range(1, kMaxRepeatCount));
     cmd->add_option("-o,--output", args->output, "Write the WAV here");
     cmd->add_flag("--play", args->play, "Play it through the system's sound player");
     cmd->callback([args, &ctx] {

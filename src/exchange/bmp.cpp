@@ -1,5 +1,6 @@
 #include "exchange/bmp.h"
 
+#include "base/atomic_file.h"
 #include "base/binary_file.h"
 #include "cars/car_info.h"
 #include "platform/format_context.h"
@@ -105,8 +106,9 @@ bool writeBmp(const ColourTables& styleColours, const StyleFileState& style, con
     const BmpColourTable colours = style.gIs24Bit ? clutColourTable(styleColours, errors, clut)
                                                   : palette8ColourTable(styleColours);
 
+    // Built in memory and written whole in one replace: the old picture or the new one.
     BinaryFile out(errors);
-    if (!out.open(file, BinaryFile::Mode::Create)) return false;
+    out.openInMemory(file, {});
     // Place holder; the real file header is written once the size is known.
     const std::uint8_t zeros[kBmpFileHeaderSize] = {};
     out.write(zeros);
@@ -141,7 +143,13 @@ bool writeBmp(const ColourTables& styleColours, const StyleFileState& style, con
     out.seek(1);
     out.write(header);
     out.close();
-    return !errors.hasPending();
+    if (errors.hasPending()) return false;
+    const std::vector<std::uint8_t> bytes = out.takeBytes();
+    if (const ReplaceFailure failure = replaceFileAtomically(file, bytes)) {
+        errors.raise(err::PathFileAccess, file.string() + ": " + describeCause(failure.cause));
+        return false;
+    }
+    return true;
 }
 
 bool readBmp(const fs::path& file, int width, int height, std::vector<std::uint8_t>& pixels,

@@ -1,6 +1,9 @@
 #include "exchange/gc3.h"
 
+#include "base/atomic_file.h"
 #include "base/binary_file.h"
+#include "base/crc32.h"
+#include "base/file_lock.h"
 #include "platform/platform.h"
 #include "platform/safe_replace.h"
 #include "style/level_name.h"
@@ -11,6 +14,7 @@
 #include <ctime>
 #include <fstream>
 #include <limits>
+#include <optional>
 
 namespace torquil {
 
@@ -105,18 +109,10 @@ ApplyFault rebuild(const std::vector<std::uint8_t>& original, const std::vector<
     return ApplyFault::None;
 }
 
-bool writeFileBytes(const fs::path& path, const std::vector<std::uint8_t>& bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(reinterpret_cast<const char*>(bytes.data()),
-              static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    return static_cast<bool>(out);
-}
-
-fs::path tempBeside(const fs::path& path) {
-    fs::path side = path; // appended as a path, so names in any script survive
-    side += "~gc3";
-    return side;
+std::uint32_t crcOfFile(const fs::path& path, bool& ok) {
+    std::vector<std::uint8_t> bytes;
+    ok = ok && readWholeFile(path, bytes);
+    return crc32(bytes);
 }
 
 } // namespace
@@ -239,10 +235,8 @@ bool writeGC3(const fs::path& modStyle, const fs::path& origStyle, const fs::pat
 
     ErrorState errors;
     BinaryFile out(errors);
-    if (!out.open(pack, BinaryFile::Mode::Create)) {
-        platform.message(kWriteError);
-        return false;
-    }
+    // The pack is built in memory and written whole in one replace.
+    out.openInMemory(pack, {});
     Gc3Header header;
     header.encrypt = gc3EncryptByte(clock ? clock() : 0.0);
     header.stylenum = static_cast<std::uint8_t>(level);
@@ -267,14 +261,51 @@ bool writeGC3(const fs::path& modStyle, const fs::path& origStyle, const fs::pat
     diffPair(modFxt, origFxt, header.FXTDataPosition, header.FXTDataPositionEnd, header.FXTDataLOF);
     out.seek(1);
     out.write(encodeGc3Header(header));
-    out.flush();
+    Gc3Trailer trailer;
+    bool read = true;
+    trailer.originalStyle = crcOfFile(origStyle, read);
+    trailer.originalFxt = crcOfFile(origFxt, read);
+    trailer.resultStyle = crcOfFile(modStyle, read);
+    trailer.resultFxt = crcOfFile(modFxt, read);
+    out.seek(out.length() + 1);
+    out.write(encodeGc3Trailer(trailer));
     out.close();
     progress.close();
-    if (errors.hasPending() || !sizesFit) {
+    if (errors.hasPending() || !sizesFit || !read) {
         platform.message(kWriteError);
         return false;
     }
+    const std::vector<std::uint8_t> bytes = out.takeBytes();
+    if (const ReplaceFailure failure = replaceFileAtomically(pack, bytes)) {
+        platform.message(std::string(kWriteError) + "\r" +
+                         "The system said: " + describeCause(failure.cause) + ".");
+        return false;
+    }
     return true;
+}
+
+std::vector<std::uint8_t> encodeGc3Trailer(const Gc3Trailer& t) {
+    std::vector<std::uint8_t> b(kGc3TrailerSize, 0);
+    std::copy(kGc3TrailerMagic.begin(), kGc3TrailerMagic.end(), b.begin());
+    const std::uint32_t crcs[] = {t.originalStyle, t.originalFxt, t.resultStyle, t.resultFxt};
+    for (std::size_t i = 0; i < 4; ++i) putI32(&b[4 + 4 * i], static_cast<std::int32_t>(crcs[i]));
+    return b;
+}
+
+std::optional<Gc3Trailer> findGc3Trailer(const std::vector<std::uint8_t>& bytes,
+                                         const Gc3Header& h) {
+    // The trailer follows the last record directly and ends the pack.
+    const std::int64_t records = std::max<std::int64_t>(
+        {std::int64_t{kGc3HeaderSize}, h.StyleDataPositionEnd, h.FXTDataPositionEnd});
+    if (static_cast<std::int64_t>(bytes.size()) != records + kGc3TrailerSize) return std::nullopt;
+    const std::uint8_t* t = bytes.data() + records;
+    if (!std::equal(kGc3TrailerMagic.begin(), kGc3TrailerMagic.end(), t)) return std::nullopt;
+    Gc3Trailer trailer;
+    trailer.originalStyle = static_cast<std::uint32_t>(getI32(t + 4));
+    trailer.originalFxt = static_cast<std::uint32_t>(getI32(t + 8));
+    trailer.resultStyle = static_cast<std::uint32_t>(getI32(t + 12));
+    trailer.resultFxt = static_cast<std::uint32_t>(getI32(t + 16));
+    return trailer;
 }
 
 bool readGC3(const fs::path& pack, Gc3Header& header, Platform& platform) {
@@ -309,9 +340,12 @@ bool parseGc3(const std::vector<std::uint8_t>& bytes, Gc3Pack& pack, std::string
            parseRecords(bytes, h.FXTDataPosition, h.FXTDataPositionEnd, pack.fxtRecords, error);
 }
 
-bool applyGC3(const fs::path& packPath, const fs::path& style, const fs::path& fxt,
-              Platform& platform) {
+Gc3Applied applyGc3Pack(const fs::path& packPath, const fs::path& style, const fs::path& fxt,
+                        Platform& platform, const Gc3KeepBackup& keepBackup) {
     BusyCursor busy(platform);
+    auto refused = [](Gc3Outcome outcome, std::string message) {
+        return Gc3Applied{outcome, std::move(message)};
+    };
     std::vector<std::uint8_t> packBytes;
     Gc3Pack pack;
     std::string why;
@@ -319,64 +353,101 @@ bool applyGC3(const fs::path& packPath, const fs::path& style, const fs::path& f
     if (!fs::is_regular_file(packPath, ec) || !readWholeFile(packPath, packBytes) ||
         !parseGc3(packBytes, pack, why)) {
         if (!why.empty()) platform.detail("GC3 pack:" + why);
-        platform.message(kReadError);
-        return false;
+        return refused(Gc3Outcome::Unreadable, kReadError);
     }
     const int level = levelOf(style);
     if (pack.header.stylenum != level) {
-        platform.message("This GC3 car pack is for level " + std::to_string(pack.header.stylenum) +
-                         ", but " + style.filename().string() + " is level " +
-                         std::to_string(level) + ".");
-        return false;
+        return refused(Gc3Outcome::OtherLevel, "This GC3 car pack is for level " +
+                                                   std::to_string(pack.header.stylenum) + ", but " +
+                                                   style.filename().string() + " is level " +
+                                                   std::to_string(level) + ".");
     }
+
+    // One writer of the style file at a time.
+    FileLock lock;
+    if (lock.acquire(style, lockProgramName()) == FileLock::Result::HeldByOther)
+        return refused(Gc3Outcome::Locked, lockHeldMessage(style, lock.holder()));
 
     struct Target {
         const fs::path& path;
         const std::vector<Gc3Record>& runs;
         std::int32_t length;
-        std::vector<std::uint8_t> result;
+        std::vector<std::uint8_t> original, result;
     };
-    Target targets[] = {{style, pack.styleRecords, pack.header.StyleDataLOF, {}},
-                        {fxt, pack.fxtRecords, pack.header.FXTDataLOF, {}}};
+    Target targets[] = {{style, pack.styleRecords, pack.header.StyleDataLOF, {}, {}},
+                        {fxt, pack.fxtRecords, pack.header.FXTDataLOF, {}, {}}};
     for (Target& t : targets) {
-        std::vector<std::uint8_t> original;
-        if (!fs::is_regular_file(t.path, ec) || !readWholeFile(t.path, original)) {
-            platform.message("Unable to read " + t.path.string() + ".");
-            return false;
+        if (!fs::is_regular_file(t.path, ec) || !readWholeFile(t.path, t.original))
+            return refused(Gc3Outcome::Unreadable, "Unable to read " + t.path.string() + ".");
+    }
+    // Torquil's packs say what they were made against and what they make.
+    const std::optional<Gc3Trailer> trailer = findGc3Trailer(packBytes, pack.header);
+    if (trailer) {
+        const std::uint32_t styleCrc = crc32(targets[0].original);
+        const std::uint32_t fxtCrc = crc32(targets[1].original);
+        if (styleCrc == trailer->resultStyle && fxtCrc == trailer->resultFxt)
+            return refused(Gc3Outcome::AlreadyApplied, "This GC3 car pack is already applied to " +
+                                                           style.string() + " and " + fxt.string() +
+                                                           ": nothing was written.");
+        const bool styleFits = styleCrc == trailer->originalStyle;
+        const bool fxtFits = fxtCrc == trailer->originalFxt;
+        if (!styleFits || !fxtFits) {
+            std::string which = !styleFits && !fxtFits ? style.string() + " and " + fxt.string()
+                                : !styleFits           ? style.string()
+                                                       : fxt.string();
+            return refused(Gc3Outcome::FilesDiffer,
+                           "This GC3 car pack was made against other files than " + which +
+                               " (their contents differ from the files it was made from)." + "\r" +
+                               "Nothing was written.");
         }
-        switch (rebuild(original, t.runs, t.length, t.result)) {
+    }
+    for (Target& t : targets) {
+        switch (rebuild(t.original, t.runs, t.length, t.result)) {
         case ApplyFault::None:
             break;
         case ApplyFault::TooShort:
-            platform.message("The file " + t.path.string() +
-                             " is too short for this GC3 car pack.");
-            return false;
+            return refused(Gc3Outcome::FilesDiffer,
+                           "The file " + t.path.string() + " is too short for this GC3 car pack.");
         case ApplyFault::PastLength:
-            platform.message("This GC3 car pack has a run past the recorded length of " +
-                             t.path.string() + ".");
-            return false;
+            return refused(Gc3Outcome::Damaged, "This GC3 car pack has a run past the recorded " +
+                                                    std::string("length of ") + t.path.string() +
+                                                    ".");
         }
     }
+    if (trailer && (crc32(targets[0].result) != trailer->resultStyle ||
+                    crc32(targets[1].result) != trailer->resultFxt))
+        return refused(Gc3Outcome::Damaged,
+                       "This GC3 car pack is damaged: applied, it does not give the files it was "
+                       "made from. Nothing was written.");
 
-    // Both files are complete before either original is replaced.
+    // Both originals are kept once as ".bak" before either is written.
     for (Target& t : targets) {
-        if (!writeFileBytes(tempBeside(t.path), t.result)) {
-            for (Target& u : targets) fs::remove(tempBeside(u.path), ec);
-            platform.message(kWriteError);
-            return false;
-        }
+        std::error_code cause;
+        if (isWriteProtected(t.path, cause))
+            return refused(Gc3Outcome::WriteFailed, std::string(kWriteError) + "\r" +
+                                                        t.path.string() + ": " +
+                                                        describeCause(cause) + ".");
+        if (keepBackup && !keepBackup(t.path, cause))
+            return refused(Gc3Outcome::WriteFailed,
+                           std::string(kWriteError) + "\r" + "No backup of " + t.path.string() +
+                               " could be made: " + describeCause(cause) + ".");
     }
-    for (Target& t : targets) {
-        // One step per file (a rename over an existing file fails on Windows).
-        if (!replaceFile(tempBeside(t.path), t.path, ec)) {
-            fs::remove(tempBeside(t.path), ec);
-            platform.message(kWriteError);
-            return false;
-        }
-    }
+    // Both files are complete and on the disk before either original is replaced.
+    const FileContent files[] = {{style, targets[0].result}, {fxt, targets[1].result}};
+    if (const ReplaceFailure failure = replaceFilesAtomically(files))
+        return refused(Gc3Outcome::WriteFailed, std::string(kWriteError) + "\r" +
+                                                    failure.file.string() + ": " +
+                                                    describeCause(failure.cause) + ".");
     platform.detail("GC3 style runs applied:" + std::to_string(pack.styleRecords.size()));
     platform.detail("GC3 FXT runs applied:" + std::to_string(pack.fxtRecords.size()));
-    return true;
+    return {Gc3Outcome::Applied, {}};
+}
+
+bool applyGC3(const fs::path& packPath, const fs::path& style, const fs::path& fxt,
+              Platform& platform, const Gc3KeepBackup& keepBackup) {
+    const Gc3Applied applied = applyGc3Pack(packPath, style, fxt, platform, keepBackup);
+    if (applied.outcome != Gc3Outcome::Applied) platform.message(applied.message);
+    return applied.outcome == Gc3Outcome::Applied;
 }
 
 std::vector<std::string> gc3HeaderLines(const Gc3Header& h) {

@@ -5,12 +5,18 @@
 //   and last byte of the style records and the modified style's length, the same for the text
 //   file's records;
 //   records: position (i32, the 1-based position of the run's last byte in the modified file),
-//   length (i32), then `length` bytes of the modified file.
+//   length (i32), then `length` bytes of the modified file;
+//   packs written here end with a trailer right after the last record, which readers that follow
+//   the header never reach: "TQ32", then the CRC-32 (u32) of the original style file, the
+//   original text file, the modified style file and the modified text file.
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace torquil {
@@ -87,11 +93,50 @@ struct Gc3Pack {
 bool rebuildFromRuns(const std::vector<std::uint8_t>& original, const std::vector<Gc3Record>& runs,
                      std::int32_t length, std::vector<std::uint8_t>& out, std::string& error);
 
+inline constexpr int kGc3TrailerSize = 20;
+inline constexpr std::array<std::uint8_t, 4> kGc3TrailerMagic{'T', 'Q', '3', '2'};
+
+struct Gc3Trailer {
+    std::uint32_t originalStyle = 0, originalFxt = 0, resultStyle = 0, resultFxt = 0;
+};
+[[nodiscard]] std::vector<std::uint8_t> encodeGc3Trailer(const Gc3Trailer& trailer);
+// The trailer of a pack written here; nullopt for packs without one.
+[[nodiscard]] std::optional<Gc3Trailer> findGc3Trailer(const std::vector<std::uint8_t>& bytes,
+                                                       const Gc3Header& header);
+
+// How an apply ended; `message` says it in words for every outcome but Applied.
+enum class Gc3Outcome {
+    Applied,        // both files are now the pack's modified files
+    AlreadyApplied, // the files already are the pack's results: nothing written
+    Unreadable,     // the pack or a file could not be read, or the pack is not a GC3 pack
+    OtherLevel,     // the pack is for another level than the style file's name
+    FilesDiffer,    // the files are not the ones the pack was made against
+    Damaged,        // the pack's runs do not fit its own lengths or checksums
+    Locked,         // another run of the program is saving the style file
+    WriteFailed     // a file is read-only, its backup failed, or the write failed (with the cause)
+};
+struct Gc3Applied {
+    Gc3Outcome outcome = Gc3Outcome::Applied;
+    std::string message;
+};
+
+// Keeps a file's original before it is first written (the run's ".bak" registry); true when the
+// backup exists afterwards.
+using Gc3KeepBackup = std::function<bool(const std::filesystem::path&, std::error_code&)>;
+
 // Applies a pack to a style file and a text file: each becomes the pack's modified file, with
 // the recorded length. Refuses, writing nothing, a pack of another level than the style file's
-// name, a file too short for a run, or a run past the recorded length. Both files are written
-// to temporary files first and renamed over the originals.
+// name, files other than those the pack was made against (checked by the trailer when the pack
+// has one, else by the runs' fit), a file too short for a run, or a run past the recorded
+// length. Both new files are complete on the disk before either replaces its original; each
+// original is first kept by keepBackup. Shows no message.
+[[nodiscard]] Gc3Applied applyGc3Pack(const std::filesystem::path& pack,
+                                      const std::filesystem::path& style,
+                                      const std::filesystem::path& fxt, Platform& platform,
+                                      const Gc3KeepBackup& keepBackup = {});
+// applyGc3Pack that shows its refusal as a message; true when applied.
 [[nodiscard]] bool applyGC3(const std::filesystem::path& pack, const std::filesystem::path& style,
-                            const std::filesystem::path& fxt, Platform& platform);
+                            const std::filesystem::path& fxt, Platform& platform,
+                            const Gc3KeepBackup& keepBackup = {});
 
 } // namespace torquil

@@ -3,6 +3,7 @@
 #include "base/binary_file.h"
 #include "platform/platform.h"
 #include "session/loaders.h"
+#include "session/save_sequence.h"
 #include "session/session_io.h"
 #include "style/level_name.h"
 #include "style/page_io.h"
@@ -156,6 +157,8 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
     s.caption =
         windowCaption(style.gStyleFileName, style.gMapNumber, style.gIs24Bit, style.loadOption);
     file.close();
+    // Side files of a save that was cut short are named to the user, never used silently.
+    reportInterruptedSaves(style.path, platform);
     return LoadOutcome::Loaded;
 }
 

@@ -1,5 +1,6 @@
 #include "session/picture_file.h"
 
+#include "base/atomic_file.h"
 #include "base/binary_file.h"
 #include "exchange/bmp.h"
 #include "exchange/png_codec.h"
@@ -42,11 +43,13 @@ bool writePicture(StyleSession& session, Platform& platform, const fs::path& fil
                          Buttons::Ok, Icon::Warning);
         return false;
     }
-    BinaryFile out(session.errors);
-    if (!out.open(file, BinaryFile::Mode::Create)) return false;
-    out.write(bytes);
-    out.close();
-    return !session.errors.hasPending();
+    // Written whole in one replace: the old picture or the new one.
+    if (const ReplaceFailure failure = replaceFileAtomically(file, bytes)) {
+        session.errors.raise(err::PathFileAccess,
+                             file.string() + ": " + describeCause(failure.cause));
+        return false;
+    }
+    return true;
 }
 
 bool readPicture(StyleSession& session, Platform& platform, const fs::path& file, int clut,

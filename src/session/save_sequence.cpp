@@ -1,16 +1,22 @@
 #include "session/save_sequence.h"
 
+#include "base/atomic_file.h"
 #include "base/binary_file.h"
+#include "base/file_lock.h"
 #include "base/work_dir.h"
+#include "cars/car_names_io.h"
 #include "platform/platform.h"
 #include "session/style_session.h"
+#include "style/section_total.h"
+
+#include <cerrno>
 
 namespace torquil {
 
 namespace fs = std::filesystem;
 
 std::string saveFailureMessage(const std::string& step, const fs::path& path,
-                               const fs::path& backup) {
+                               const fs::path& backup, const std::string& cause) {
     std::error_code ec;
     const std::string backupLine = fs::exists(backup, ec)
                                        ? "The original file is kept as " + backup.string() + "."
@@ -19,7 +25,20 @@ std::string saveFailureMessage(const std::string& step, const fs::path& path,
            "There was a problem during the save of change to the KRB STYLE file." + "\r" +
            "Please check that you are not editing the file while KRB is trying to use it!" + "\r" +
            "The file may have become corrupt, you may have to reinstall the " + path.string() +
-           " from the KRB CD." + "\r" + backupLine;
+           " from the KRB CD." + "\r" + backupLine +
+           (cause.empty() ? std::string() : "\r" + std::string("The system said: ") + cause + ".");
+}
+
+int reportInterruptedSaves(const fs::path& styleFile, Platform& platform) {
+    int count = 0;
+    for (const fs::path& target :
+         {styleFile, findFileNoCase(styleFile.parent_path(), "ENGLISH.FXT")}) {
+        for (const fs::path& leftover : findInterruptedSaves(target)) {
+            platform.message(interruptedSaveMessage(leftover, target), Buttons::Ok, Icon::Warning);
+            ++count;
+        }
+    }
+    return count;
 }
 
 std::string changedOnDiskQuestion(const fs::path& path) {
@@ -72,10 +91,16 @@ private:
         if (options_.checkpoint) options_.checkpoint(point);
     }
     SaveOutcome fail(int error);
+    SaveOutcome refuse(const std::string& message);
+    // Takes the style file's content into memory; false (error_ set) when it cannot be written.
+    bool openContent();
     // Runs one saver under its step text; false when it returned an error.
     bool runSaver(const char* step, const StyleSaver& saver);
     bool saveDeltasAndCut();
-    void saveNames();
+    void buildNames();
+    // Replaces the style file and ENGLISH.FXT with their new content, both complete first.
+    bool writeFiles();
+    bool styleFailed(const ReplaceFailure& failure);
 
     StyleSession& s_;
     Platform& platform_;
@@ -83,6 +108,10 @@ private:
     BinaryFile file_;
     SaveOutcome out_;
     int error_ = err::None;
+    std::vector<std::uint8_t> styleBytes_, fxtBytes_;
+    FileLock fxtLock_;
+    fs::path fxtPath_;
+    bool writeNames_ = false;
 };
 
 SaveOutcome SaveRun::fail(int error) {
@@ -90,9 +119,38 @@ SaveOutcome SaveRun::fail(int error) {
     out_.result = SaveResult::Failed;
     out_.failedStep = s_.stepText;
     out_.errorNumber = error;
-    if (out_.styleWritten) rememberFileState(s_.style);
-    platform_.message(saveFailureMessage(s_.stepText, s_.style.path, out_.backup));
+    platform_.message(saveFailureMessage(s_.stepText, s_.style.path, out_.backup, out_.cause));
     return out_;
+}
+
+SaveOutcome SaveRun::refuse(const std::string& message) {
+    out_.result = SaveResult::Failed;
+    out_.failedStep = s_.stepText;
+    out_.errorNumber = err::PathFileAccess;
+    platform_.message(message, Buttons::Ok, Icon::Critical);
+    return out_;
+}
+
+bool SaveRun::openContent() {
+    StyleFileState& style = s_.style;
+    std::error_code ec;
+    if (!fs::is_regular_file(style.path, ec)) {
+        error_ = err::FileNotFound;
+        return false;
+    }
+    if (isWriteProtected(style.path, ec)) {
+        out_.cause = describeCause(ec);
+        error_ = err::PathFileAccess;
+        return false;
+    }
+    std::vector<std::uint8_t> bytes;
+    if (!readWholeFile(style.path, bytes)) {
+        out_.cause = describeCause(std::error_code(errno, std::generic_category()));
+        error_ = err::PathFileAccess;
+        return false;
+    }
+    file_.openInMemory(style.path, std::move(bytes));
+    return true;
 }
 
 bool SaveRun::runSaver(const char* step, const StyleSaver& saver) {
@@ -105,16 +163,17 @@ bool SaveRun::runSaver(const char* step, const StyleSaver& saver) {
     return error_ == err::None;
 }
 
-// After the delta store moved: the sprite numbers record goes right behind it and the file is
+// After the delta store moved: the sprite numbers record goes right behind it and the content is
 // cut just after the record.
 bool SaveRun::saveDeltasAndCut() {
     if (!runSaver("Save Deltas", options_.savers.deltas)) return false;
     StyleFileState& style = s_.style;
     file_.seek(style.gSeekGraphicsEnd);
-    for (std::int16_t count : s_.sprites.spriteNumbers) file_.writeI16(count);
+    std::vector<std::uint8_t> numbers(s_.sprites.spriteNumbers.size() * 2);
+    for (std::size_t i = 0; i < s_.sprites.spriteNumbers.size(); ++i)
+        putI16(&numbers[2 * i], s_.sprites.spriteNumbers[i]);
+    file_.write(numbers);
     const std::int64_t end = file_.position();
-    file_.flush();
-    file_.close();
     if (s_.errors.hasPending()) {
         error_ = s_.errors.pending();
         return false;
@@ -122,26 +181,69 @@ bool SaveRun::saveDeltasAndCut() {
     style.gSeekSpriteNumbers = style.gSeekGraphicsEnd;
     checkpoint("Sprite Numbers Written");
 
-    std::error_code ec;
-    const auto before = static_cast<std::int64_t>(fs::file_size(style.path, ec));
-    error_ = shrinkStyleFile(style.path, end, platform_, options_.checkpoint);
-    out_.shrunk = error_ == err::None && !ec && before > end;
+    const std::int64_t before = file_.length();
+    error_ = shrinkStyleContent(file_, end, platform_);
+    out_.shrunk = error_ == err::None && before > end;
     return error_ == err::None;
 }
 
-// ENGLISH.FXT is not part of the style file: a failure here has its own messages and does not
-// undo the save.
-void SaveRun::saveNames() {
+// ENGLISH.FXT is not part of the style file: a failure to build it has its own messages and does
+// not stop the style file's save.
+void SaveRun::buildNames() {
     BusyCursor busy(platform_);
-    const fs::path fxt = findFileNoCase(s_.style.dataFolder(), "ENGLISH.FXT");
+    fxtPath_ = findFileNoCase(s_.style.dataFolder(), "ENGLISH.FXT");
+    // Levels in one folder share ENGLISH.FXT: one writer at a time, and never over a newer file.
+    if (fxtLock_.acquire(fxtPath_, lockProgramName()) == FileLock::Result::HeldByOther) {
+        platform_.message(lockHeldMessage(fxtPath_, fxtLock_.holder()));
+        return;
+    }
+    if (s_.names.fromFxt && fxtChangedSinceLoad(s_.names, fxtPath_) &&
+        platform_.message(changedOnDiskQuestion(fxtPath_), Buttons::YesNo, Icon::Warning) !=
+            Answer::Yes)
+        return;
     std::error_code ec;
-    if (!options_.backups->ensureBackup(fxt, ec)) {
-        platform_.message("ENGLISH.FXT could not be copied to " + backupPathOf(fxt).string() +
+    if (!options_.backups->ensureBackup(fxtPath_, ec)) {
+        platform_.message("ENGLISH.FXT could not be copied to " + backupPathOf(fxtPath_).string() +
                           ", so the car names were not saved.");
         return;
     }
-    out_.namesSaved = options_.savers.carNames && options_.savers.carNames(s_, platform_);
-    if (out_.namesSaved) s_.style.gCarNamesChanged = false;
+    writeNames_ = options_.savers.carNames && options_.savers.carNames(s_, platform_, fxtBytes_);
+}
+
+bool SaveRun::writeFiles() {
+    std::vector<FileContent> files;
+    if (out_.styleWritten) files.push_back({s_.style.path, styleBytes_});
+    if (writeNames_) files.push_back({fxtPath_, fxtBytes_});
+    if (files.empty()) return true;
+    checkpoint("Files Built");
+    const ReplaceFailure failure = replaceFilesAtomically(files);
+    if (!failure) {
+        if (out_.styleWritten) rememberFileState(s_.style);
+        checkpoint("Files Replaced");
+        return true;
+    }
+    if (writeNames_ && failure.file == fxtPath_) {
+        // ENGLISH.FXT has its own message and does not stop the style file's save.
+        platform_.message(std::string("Error occured during write of FXT file.") + "\r" +
+                          "The system said: " + describeCause(failure.cause) + ".");
+        writeNames_ = false;
+        if (!out_.styleWritten) return true;
+        if (failure.replaced == 0) {
+            if (const ReplaceFailure alone = replaceFileAtomically(s_.style.path, styleBytes_))
+                return styleFailed(alone);
+        }
+        rememberFileState(s_.style);
+        return true;
+    }
+    return styleFailed(failure);
+}
+
+bool SaveRun::styleFailed(const ReplaceFailure& failure) {
+    s_.stepText = "Write STYLE file";
+    out_.cause = describeCause(failure.cause);
+    const std::error_condition c = failure.cause.default_error_condition();
+    error_ = c == std::errc::no_space_on_device ? err::DiskFull : err::PathFileAccess;
+    return false;
 }
 
 SaveOutcome SaveRun::run() {
@@ -150,6 +252,12 @@ SaveOutcome SaveRun::run() {
     const bool toStyle = writesStyleFile(style);
 
     begin("File Open");
+    // One save of a file at a time, across every run of the program on this machine.
+    FileLock lock;
+    if (toStyle || style.gCarNamesChanged) {
+        if (lock.acquire(style.path, lockProgramName()) == FileLock::Result::HeldByOther)
+            return refuse(lockHeldMessage(style.path, lock.holder()));
+    }
     if (toStyle && changedOnDisk(style)) {
         Answer answer =
             platform_.message(changedOnDiskQuestion(style.path), Buttons::YesNo, Icon::Warning);
@@ -160,11 +268,24 @@ SaveOutcome SaveRun::run() {
     }
     // Each save starts from no pending error, so the error it reports is its own.
     s_.errors.clear();
-    if (!file_.open(style.path, BinaryFile::Mode::ReadWrite)) return fail(s_.errors.pending());
     if (toStyle) {
+        if (!openContent()) return fail(error_);
+        // A header whose sections do not add up to the length would be written back damaged.
+        std::vector<std::uint8_t> head(static_cast<std::size_t>(style.header.headSize()));
+        file_.seek(1);
+        file_.read(head);
+        const std::string mismatch = sectionMismatch(
+            style.path, parseStyleHeader(head.data(), style.header.is24), file_.length());
+        if (!mismatch.empty()) return refuse(mismatch);
         // Nothing is written before the original is safe in its .bak.
         std::error_code ec;
-        if (!options_.backups->ensureBackup(style.path, ec)) return fail(err::PathFileAccess);
+        if (!options_.backups->ensureBackup(style.path, ec)) {
+            out_.cause = describeCause(ec);
+            return fail(err::PathFileAccess);
+        }
+    } else {
+        std::error_code ec;
+        if (!fs::is_regular_file(style.path, ec)) return fail(err::FileNotFound);
     }
     checkpoint("File Open");
 
@@ -172,16 +293,21 @@ SaveOutcome SaveRun::run() {
         return fail(error_);
     if (style.gPagesChanged && !runSaver("Save Pages", savers.pages)) return fail(error_);
     if (style.gClutChanged && !runSaver("Save CLUT", savers.clut)) return fail(error_);
-    if (style.gDeltasChanged) {
-        if (!saveDeltasAndCut()) return fail(error_);
-    } else {
-        file_.flush();
-        file_.close();
+    if (style.gDeltasChanged && !saveDeltasAndCut()) return fail(error_);
+    if (out_.styleWritten) {
         if (s_.errors.hasPending()) return fail(s_.errors.pending());
+        file_.close();
+        styleBytes_ = file_.takeBytes();
     }
-    if (toStyle) rememberFileState(style);
 
-    if (style.gCarNamesChanged) saveNames();
+    if (style.gCarNamesChanged) buildNames();
+    if (!writeFiles()) return fail(error_);
+    if (writeNames_) {
+        rememberFxtState(s_.names, fxtPath_);
+        out_.namesSaved = true;
+        style.gCarNamesChanged = false;
+        platform_.message(kCarNamesSavedNote);
+    }
     return out_;
 }
 

@@ -1,13 +1,17 @@
 #pragma once
-// "Save Changes": writes every changed part back into the open style file in the game's fixed
+// "Save Changes": writes every changed part into the style file's content in the game's fixed
 // order (car info, pages, CLUT, deltas), moves the sprite numbers record and cuts the file after
-// a delta save, then rewrites ENGLISH.FXT for changed car names. The modder's original style file
-// and ENGLISH.FXT are copied to ".bak" files before the program first writes them.
+// a delta save, then builds ENGLISH.FXT for changed car names. The savers work on the file's
+// content in memory; both new files are complete and on the disk before either replaces its old
+// file in one rename. The modder's original style file and ENGLISH.FXT are copied to ".bak"
+// files before the program first writes them. The save holds the style file's lock, refuses a
+// file whose header does not add up to its length, and names the system's cause of a failure.
 
 #include "session/edits.h" // markAllChanged
 #include "session/file_backups.h"
 #include "session/shrink_style_file.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -21,8 +25,8 @@ class StyleSession;
 
 // A saver writes its part into the open style file and returns 0 or a run-time error number.
 using StyleSaver = std::function<int(StyleSession&, BinaryFile&, Platform&)>;
-// The car names saver writes ENGLISH.FXT, not the style file; true on success.
-using NamesSaver = std::function<bool(StyleSession&, Platform&)>;
+// The car names saver builds the new ENGLISH.FXT (the save writes it); true on success.
+using NamesSaver = std::function<bool(StyleSession&, Platform&, std::vector<std::uint8_t>& fxt)>;
 
 struct SaverSet {
     StyleSaver carInfo; // "Save Car Info"
@@ -56,6 +60,7 @@ struct SaveOutcome {
     bool shrunk = false;            // the file was cut through its "~" copy
     bool namesSaved = false;        // ENGLISH.FXT was rewritten
     std::filesystem::path backup;   // the style file's ".bak"
+    std::string cause;              // the system's cause of a failed write ("disk full")
 
     // The window disables the save command until the next change after a save that went through.
     bool disableSaveCommand() const { return result == SaveResult::Saved; }
@@ -66,10 +71,16 @@ struct SaveOutcome {
 [[nodiscard]] SaveOutcome saveChanges(StyleSession& session, Platform& platform,
                                       const SaveOptions& options);
 
-// The message of a failed save, lines joined with "\r", ending with where the backup is.
+// The message of a failed save, lines joined with "\r", ending with where the backup is and, when
+// the system gave one, its cause.
 [[nodiscard]] std::string saveFailureMessage(const std::string& step,
                                              const std::filesystem::path& path,
-                                             const std::filesystem::path& backup);
+                                             const std::filesystem::path& backup,
+                                             const std::string& cause = {});
+
+// Tells the user of side files that an interrupted save left beside the style file or its
+// ENGLISH.FXT (one message each). Returns how many there were.
+int reportInterruptedSaves(const std::filesystem::path& styleFile, Platform& platform);
 
 // The question asked before writing over a style file that changed on disk since it was loaded.
 [[nodiscard]] std::string changedOnDiskQuestion(const std::filesystem::path& path);

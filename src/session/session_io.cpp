@@ -96,6 +96,11 @@ bool loadCarNames(StyleSession& s, BinaryFile&, Platform& platform) {
     return loadCarNames(s.names, s.style, ctx);
 }
 
+bool buildCarNamesFxt(StyleSession& s, Platform& platform, std::vector<std::uint8_t>& fxt) {
+    FormatContext ctx = formatContext(s, platform);
+    return buildCarNamesFxt(s.names, s.style, ctx, fxt);
+}
+
 bool saveCarNames(StyleSession& s, Platform& platform) {
     FormatContext ctx = formatContext(s, platform);
     return saveCarNames(s.names, s.style, ctx);

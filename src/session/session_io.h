@@ -69,6 +69,8 @@ SearchResult searchNSelect(StyleSession& session, Platform& platform, int asn);
 [[nodiscard]] int saveCarInfo(StyleSession& session, BinaryFile& file, Platform& platform);
 void dumpCarInfo(const StyleSession& session, Platform& platform, int asn);
 [[nodiscard]] bool loadCarNames(StyleSession& session, BinaryFile& file, Platform& platform);
+[[nodiscard]] bool buildCarNamesFxt(StyleSession& session, Platform& platform,
+                                    std::vector<std::uint8_t>& fxt);
 [[nodiscard]] bool saveCarNames(StyleSession& session, Platform& platform);
 
 // Deltas.

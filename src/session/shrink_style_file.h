@@ -9,6 +9,7 @@
 
 namespace torquil {
 
+class BinaryFile;
 class Platform;
 
 // Called at named points of a save; a test may end the process there to play a crash.
@@ -19,6 +20,10 @@ using SaveCheckpoint = std::function<void(std::string_view point)>;
 // old bytes; after a failed replace the finished copy is left as path + "~").
 int shrinkStyleFile(const std::filesystem::path& path, std::int64_t endPosition, Platform& platform,
                     const SaveCheckpoint& checkpoint = {});
+
+// The same cut of a style file's content held in memory (BinaryFile::openInMemory), with the same
+// progress form; the save then writes the shorter content in one replace.
+int shrinkStyleContent(BinaryFile& content, std::int64_t endPosition, Platform& platform);
 
 // path + "~": where the shorter copy is written.
 std::filesystem::path shrinkCopyPath(const std::filesystem::path& path);

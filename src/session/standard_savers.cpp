@@ -10,7 +10,9 @@ SaverSet standardSavers() {
     set.pages = [](StyleSession& s, BinaryFile& f, Platform& p) { return savePages(s, f, p); };
     set.clut = [](StyleSession& s, BinaryFile& f, Platform& p) { return saveCLUT(s, f, p); };
     set.deltas = [](StyleSession& s, BinaryFile& f, Platform& p) { return saveDeltas(s, f, p); };
-    set.carNames = [](StyleSession& s, Platform& p) { return saveCarNames(s, p); };
+    set.carNames = [](StyleSession& s, Platform& p, std::vector<std::uint8_t>& fxt) {
+        return buildCarNamesFxt(s, p, fxt);
+    };
     return set;
 }
 

@@ -1,5 +1,6 @@
 #include "sound/sound_preview.h"
 
+#include "base/atomic_file.h"
 #include "base/binary_file.h"
 #include "platform/format_context.h"
 #include "platform/platform.h"
@@ -15,8 +16,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::int64_t kCopyBlock = 1024;
-
 std::int32_t fitInt32(ErrorState& errors, double value, const char* what) {
     if (!std::isfinite(value) || value < std::numeric_limits<std::int32_t>::min() ||
         value > std::numeric_limits<std::int32_t>::max()) {
@@ -30,21 +29,6 @@ void putTag(std::uint8_t* p, const char* tag) {
     for (int i = 0; i < 4; ++i) p[i] = static_cast<std::uint8_t>(tag[i]);
 }
 
-// Copies the record's sample once. The sample is read from the 1-based position `offset`, so
-// the first byte copied is the one just before the recorded start: the bank's records are read
-// that way by the preview, and an offset of 0 is refused as a bad record number.
-void copySample(BinaryFile& raw, BinaryFile& wav, const SdtRecord& record) {
-    raw.seek(record.offset);
-    std::int64_t left = record.length;
-    std::uint8_t block[kCopyBlock];
-    while (left > kCopyBlock) {
-        raw.read(block);
-        wav.write(block);
-        left -= kCopyBlock;
-    }
-    for (; left > 0; --left) wav.writeU8(raw.readU8());
-}
-
 SoundOutcome checkNumber(const StyleFileState& style, Platform& platform, std::int16_t soundNumber,
                          SoundTable& table) {
     if (!loadSDT(style, table)) return SoundOutcome::NoBank;
@@ -56,28 +40,66 @@ SoundOutcome checkNumber(const StyleFileState& style, Platform& platform, std::i
     return SoundOutcome::Done;
 }
 
-// Expects no pending error (the callers start a fresh scope).
-bool writeWavFile(ErrorState& errors, const SoundTable& table, std::int16_t soundNumber,
-                  double rateMultiplier, std::int16_t repeatCount, const fs::path& path) {
-    const SdtRecord& record = table.SDT[static_cast<std::size_t>(soundNumber)];
-    const auto header = wavHeader(errors, record, rateMultiplier, repeatCount);
-    if (errors.hasPending()) return false;
+// Why a record cannot be previewed with these values, checked before anything is written; empty
+// when it can. (A record outside the RAW file is a run-time error, checked before this.)
+std::string previewLimitProblem(const SdtRecord& record, double rateMultiplier, int repeatCount,
+                                std::int16_t soundNumber) {
+    const std::string sound = "Sound " + std::to_string(soundNumber);
+    if (repeatCount < 1 || repeatCount > kMaxRepeatCount)
+        return sound + ": the repeat count must be 1 to " + std::to_string(kMaxRepeatCount) + ".";
+    if (!(rateMultiplier >= kMinRateMultiplier && rateMultiplier <= kMaxRateMultiplier))
+        return sound + ": the rate multiplier must be 0.01 to 100.";
+    const double rate = std::nearbyint(static_cast<double>(record.rate) * rateMultiplier);
+    if (!(rate >= kMinWavRate && rate <= kMaxWavRate))
+        return sound + ": its rate " + std::to_string(record.rate) + " x " +
+               std::to_string(rateMultiplier) + " is outside 1 to 1000000 samples per second.";
+    if (std::int64_t{record.length} * repeatCount > kMaxWavData)
+        return sound + " repeated " + std::to_string(repeatCount) +
+               " times would be more than 64 MB of sound.";
+    return {};
+}
 
-    BinaryFile raw(errors);
-    if (!raw.open(table.rawPath, BinaryFile::Mode::Read)) return false;
-    // With the one-byte shift the last byte copied is at 0-based offset + length - 2.
-    if (record.length < 0 ||
-        (record.length > 0 && std::int64_t{record.offset} + record.length - 1 > raw.length())) {
-        errors.raise(err::BadRecordNumber, "sound " + std::to_string(soundNumber) +
-                                               " lies past the end of " + table.rawPath.string());
-        return false;
+enum class WavWrite { Written, Refused, Failed };
+
+// Expects no pending error (the callers start a fresh scope).
+WavWrite writeWavFile(ErrorState& errors, Platform& platform, const SoundTable& table,
+                      std::int16_t soundNumber, double rateMultiplier, std::int16_t repeatCount,
+                      const fs::path& path) {
+    const SdtRecord& record = table.SDT[static_cast<std::size_t>(soundNumber)];
+    std::vector<std::uint8_t> raw;
+    if (!readWholeFile(table.rawPath, raw)) {
+        errors.raise(err::PathFileAccess, table.rawPath.string());
+        return WavWrite::Failed;
     }
-    BinaryFile wav(errors);
-    if (!wav.open(path, BinaryFile::Mode::Create)) return false;
-    wav.write(header);
-    for (int i = 0; i < repeatCount && !errors.hasPending(); ++i) copySample(raw, wav, record);
-    wav.flush();
-    return !errors.hasPending();
+    const auto header = wavHeader(errors, record, rateMultiplier, repeatCount);
+    if (errors.hasPending()) return WavWrite::Failed;
+    // With the one-byte shift the first byte copied is at 0-based offset - 1 and the last at
+    // offset + length - 2, so an offset of 0 is a bad record number.
+    if (record.offset < 1 || record.length < 0 ||
+        std::int64_t{record.offset} + record.length - 1 > static_cast<std::int64_t>(raw.size())) {
+        errors.raise(err::BadRecordNumber, "sound " + std::to_string(soundNumber) +
+                                               " lies outside " + table.rawPath.string());
+        return WavWrite::Failed;
+    }
+    const std::string problem =
+        previewLimitProblem(record, rateMultiplier, repeatCount, soundNumber);
+    if (!problem.empty()) {
+        platform.message(problem);
+        return WavWrite::Refused;
+    }
+
+    // The sample is read from the 1-based position `offset`: the bank's records are read that
+    // way by the preview.
+    std::vector<std::uint8_t> wav(header.begin(), header.end());
+    wav.reserve(wav.size() + static_cast<std::size_t>(record.length) * repeatCount);
+    const auto first = raw.begin() + (record.offset - 1);
+    for (int i = 0; i < repeatCount; ++i) wav.insert(wav.end(), first, first + record.length);
+    if (const ReplaceFailure failure = replaceFileAtomically(path, wav)) {
+        platform.message("The sound could not be written to " + path.string() + ": " +
+                         describeCause(failure.cause) + ".");
+        return WavWrite::Refused;
+    }
+    return WavWrite::Written;
 }
 
 void reportGeneralError(const ErrorState& errors, Platform& platform) {
@@ -138,11 +160,17 @@ SoundOutcome writeSoundWav(const StyleFileState& style, FormatContext& ctx,
     const SoundOutcome checked = checkNumber(style, platform, soundNumber, table);
     if (checked != SoundOutcome::Done) return checked;
     const PendingErrorScope fresh(ctx.errors);
-    if (!writeWavFile(ctx.errors, table, soundNumber, rateMultiplier, repeatCount, wav)) {
-        reportGeneralError(ctx.errors, platform);
+    switch (
+        writeWavFile(ctx.errors, platform, table, soundNumber, rateMultiplier, repeatCount, wav)) {
+    case WavWrite::Written:
+        return SoundOutcome::Done;
+    case WavWrite::Refused:
         return SoundOutcome::Failed;
+    case WavWrite::Failed:
+        break;
     }
-    return SoundOutcome::Done;
+    reportGeneralError(ctx.errors, platform);
+    return SoundOutcome::Failed;
 }
 
 SoundOutcome playSound(const StyleFileState& style, FormatContext& ctx, std::int16_t soundNumber,
@@ -155,7 +183,13 @@ SoundOutcome playSound(const StyleFileState& style, FormatContext& ctx, std::int
     const fs::path wav = ctx.options.workPath("~tmp" + std::to_string(soundNumber) + ".wav");
     TemporaryFile cleanup(wav);
     const PendingErrorScope fresh(ctx.errors);
-    if (!writeWavFile(ctx.errors, table, soundNumber, rateMultiplier, repeatCount, wav)) {
+    switch (
+        writeWavFile(ctx.errors, platform, table, soundNumber, rateMultiplier, repeatCount, wav)) {
+    case WavWrite::Written:
+        break;
+    case WavWrite::Refused:
+        return SoundOutcome::Failed;
+    case WavWrite::Failed:
         reportGeneralError(ctx.errors, platform);
         return SoundOutcome::Failed;
     }

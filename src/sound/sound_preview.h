@@ -17,6 +17,13 @@ struct StyleFileState;
 
 inline constexpr int kWavHeaderSize = 44;
 
+// Limits of a preview, checked before anything is written: the repeat count, the rate
+// multiplier, the WAV's resulting sample rate and the size of its data.
+inline constexpr int kMaxRepeatCount = 100;
+inline constexpr double kMinRateMultiplier = 0.01, kMaxRateMultiplier = 100.0;
+inline constexpr std::int64_t kMinWavRate = 1, kMaxWavRate = 1'000'000;
+inline constexpr std::int64_t kMaxWavData = 64LL * 1024 * 1024;
+
 enum class SoundOutcome {
     NoBank,     // the SDT or RAW file is missing: nothing happens, nothing is said
     OutOfRange, // "Sound is out of range."
@@ -29,7 +36,9 @@ enum class SoundOutcome {
 std::array<std::uint8_t, kWavHeaderSize> wavHeader(ErrorState& errors, const SdtRecord& record,
                                                    double rateMultiplier, int repeatCount);
 
-// Writes the WAV that playSound plays for `soundNumber` to `wav`, without playing it.
+// Writes the WAV that playSound plays for `soundNumber` to `wav`, without playing it. The record
+// is checked against the RAW file and the limits first; the WAV is built in memory and written
+// whole in one replace, so a failed WAV never stays on the disk.
 SoundOutcome writeSoundWav(const StyleFileState& style, FormatContext& ctx,
                            std::int16_t soundNumber, double rateMultiplier,
                            std::int16_t repeatCount, const std::filesystem::path& wav);

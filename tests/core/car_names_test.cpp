@@ -55,13 +55,14 @@ TEST(CarNamesLoad, NamesComeFromTheFxtFoundIgnoringCase) {
     EXPECT_EQ(f.s.names.names[12], "Tram again");
     EXPECT_EQ(f.s.names.names[5], "Ambulance");
     EXPECT_EQ(f.s.names.names[0], "");
-    EXPECT_TRUE(std::filesystem::exists(f.work / "~TMP.TXT"));
+    // The decoded text stays in memory: no temporary file another run could share.
+    EXPECT_FALSE(f.s.names.decodedText.empty());
+    EXPECT_TRUE(std::filesystem::is_empty(f.work.path()));
     EXPECT_TRUE(f.p.shownMessages.empty());
 }
 
 TEST(CarNamesLoad, WithoutTheFxtTheBuiltInNamesAndAWarning) {
     NamesFixture f({});
-    tb::writeFile(f.work / "~TMP.TXT", {'x'}); // left over from another style
     EXPECT_TRUE(f.load());
     EXPECT_FALSE(f.s.names.fromFxt);
     EXPECT_EQ(f.p.messageTexts(),
@@ -71,8 +72,7 @@ TEST(CarNamesLoad, WithoutTheFxtTheBuiltInNamesAndAWarning) {
                   " directory.\rYou will not be able to load or save the real car names. "
                   "(defaults names used)"});
     EXPECT_EQ(f.s.names.names[77], "F - 19");
-    EXPECT_FALSE(std::filesystem::exists(f.work / "~TMP.TXT"));
-    // Without the decoded copy the names cannot be saved.
+    // Without a decoded ENGLISH.FXT the names cannot be saved.
     EXPECT_FALSE(saveCarNames(f.s, f.p));
     EXPECT_FALSE(std::filesystem::exists(f.data / "ENGLISH.FXT"));
 }
@@ -136,17 +136,17 @@ TEST(CarNamesSave, FirstMatchingKeyFromIndexZeroWinsAndKeylessLinesAreDropped) {
     EXPECT_EQ(tb::decodeFxt(tb::readFile(f.data / "ENGLISH.FXT")),
               (std::vector<std::string>{"[1001]Another day", "[car1Zero", "[car1Zero", "[car2]Two",
                                         "[y]ok", "[]\x19", "[]"}));
-    EXPECT_TRUE(std::filesystem::exists(f.work / "~TMPN.TXT"));
+    EXPECT_TRUE(std::filesystem::is_empty(f.work.path()));
 }
 
-TEST(CarNamesSave, MissingDecodedCopyStopsTheSave) {
+TEST(CarNamesSave, NamesNotLoadedFromTheFxtStopTheSave) {
     NamesFixture f(kEntries);
     ASSERT_TRUE(f.load());
     const auto before = tb::readFile(f.data / "ENGLISH.FXT");
-    std::filesystem::remove(f.work / "~TMP.TXT");
+    f.s.names.fromFxt = false; // as when the FXT appeared only after the load
     EXPECT_FALSE(saveCarNames(f.s, f.p));
     EXPECT_EQ(f.p.messageTexts(),
-              std::vector<std::string>{"Unable to reload:" + (f.work / "~TMP.TXT").string() +
+              std::vector<std::string>{"Unable to reload:" + (f.data / "ENGLISH.FXT").string() +
                                        "\rCan't save Car Names without it!"});
     EXPECT_EQ(tb::readFile(f.data / "ENGLISH.FXT"), before);
 }

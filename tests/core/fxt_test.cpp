@@ -149,8 +149,10 @@ TEST(FxtFiles, MissingInputsAndUnwritableOutputsGiveTheMessages) {
     tb::writeFile(dir / "in.txt", bytesOf("[1001]An\r\n"));
     EXPECT_FALSE(fxt2txt(dir / "ENGLISH.FXT", dir / "no" / "such" / "out.txt", nullptr, q));
     EXPECT_FALSE(txt2fxt(dir / "in.txt", dir / "no" / "such" / "X.FXT", q));
-    EXPECT_EQ(q.messageTexts(),
-              (std::vector<std::string>{"Error occured during load of FXT file.",
-                                        "Error occured during write of FXT file."}));
+    ASSERT_EQ(q.messageTexts().size(), 2u);
+    EXPECT_EQ(q.messageTexts()[0], "Error occured during load of FXT file.\r"
+                                   "The system said: No such file or directory.");
+    EXPECT_EQ(q.messageTexts()[1], "Error occured during write of FXT file.\r"
+                                   "The system said: No such file or directory.");
     EXPECT_EQ(q.progressOpenCount, q.progressCloseCount);
 }

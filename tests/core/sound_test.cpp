@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
+
 using namespace torquil;
 namespace tb = torquil::testing;
 
@@ -189,6 +191,55 @@ TEST_F(SoundFixture, CommandLineWritesTheWavThatWouldBePlayed) {
         tb::runCli({"sound", (dir / "STYLE001.G24").string(), "3", "-o", wav.string()});
     EXPECT_EQ(outOfRange.status, 1);
     EXPECT_EQ(outOfRange.err, "message: Sound is out of range.\n");
+}
+
+// The input that made the fuzz target time out: offset and length wrap around in 32 bits, so
+// their sum looked inside the RAW file and gigabytes were copied before the error was noticed.
+TEST_F(SoundFixture, WrappingRecordIsRefusedBeforeAnythingIsWritten) {
+    bank({{1, 4, 22050}, {INT32_MIN, INT32_MAX - 40, 11025}, {8, 2, 22050}});
+    const auto wav = dir / "wrap.wav";
+    tb::writeFile(wav, {7, 7}); // an earlier WAV stays as it was
+    EXPECT_EQ(writeSoundWav(*session, platform, 2, 1.0, 1, wav), SoundOutcome::Failed);
+    EXPECT_EQ(messages(), std::vector<std::string>{"Run-time error '63':\rBad record number"});
+    EXPECT_EQ(tb::readFile(wav), (std::vector<std::uint8_t>{7, 7}));
+}
+
+TEST_F(SoundFixture, RepeatsRatesAndSizesOutsideTheLimitsWriteNothing) {
+    standardBank();
+    const auto wav = dir / "limit.wav";
+    struct Case {
+        double rate;
+        int repeat;
+        const char* message;
+    };
+    const Case cases[] = {{1e-300, 1, "the rate multiplier must be 0.01 to 100."},
+                          {1.0, kMaxRepeatCount + 1, "the repeat count must be 1 to 100."},
+                          {0.01, 1, "is outside 1 to 1000000 samples per second."}};
+    bank({{1, 4, 22050}, {1, 4, 50}, {8, 2, 22050}});
+    for (const Case& c : cases) {
+        platform.shownMessages.clear();
+        EXPECT_EQ(
+            writeSoundWav(*session, platform, 2, c.rate, static_cast<std::int16_t>(c.repeat), wav),
+            SoundOutcome::Failed)
+            << c.message;
+        ASSERT_EQ(messages().size(), 1u);
+        EXPECT_NE(messages()[0].find(c.message), std::string::npos) << messages()[0];
+        EXPECT_FALSE(std::filesystem::exists(wav));
+    }
+    // The 64 MB cap on the sound itself.
+    bank({{1, 4, 22050}, {1, 1'000'000, 22050}, {8, 2, 22050}}, 1'000'000);
+    platform.shownMessages.clear();
+    EXPECT_EQ(writeSoundWav(*session, platform, 2, 1.0, 100, wav), SoundOutcome::Failed);
+    EXPECT_NE(messages().at(0).find("more than 64 MB"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(wav));
+
+    // The command line gives the same limits as usage errors.
+    tb::writeFile(dir / "STYLE001.G24", {0});
+    for (const char* bad : {"--repeat=101", "--rate=1e-300", "--rate=101"}) {
+        const auto run =
+            tb::runCli({"sound", (dir / "STYLE001.G24").string(), "1", bad, "-o", wav.string()});
+        EXPECT_EQ(run.status, 2) << bad;
+    }
 }
 
 } // namespace

@@ -1,0 +1,55 @@
+#pragma once
+// Keeps two runs of the program (windows or command lines) from saving one file at the same
+// time. The lock is an operating-system lock on a small file beside the locked one (name +
+// ".lock") that holds who took it: process id, host and program. The system drops the lock when
+// its process ends, so the lock of a run that died is simply taken over.
+
+#include <filesystem>
+#include <string>
+
+namespace torquil {
+
+class FileLock {
+public:
+    enum class Result {
+        Taken,       // this run holds the lock
+        HeldByOther, // another run holds it; holder() says who
+        Unavailable  // no lock file can be made there (a read-only folder): nobody can save there
+    };
+
+    FileLock() = default;
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+    ~FileLock() { release(); }
+
+    // Tries once, without waiting. `program` names this run in the lock ("torquil-cli").
+    Result acquire(const std::filesystem::path& file, const std::string& program);
+    void release();
+    bool held() const { return handle_ != kNoHandle; }
+    // The holder as the lock file states it: "process 123 on host box (torquil-cli)".
+    const std::string& holder() const { return holder_; }
+
+private:
+#ifdef _WIN32
+    using Handle = void*;
+    static inline const Handle kNoHandle = reinterpret_cast<void*>(-1);
+#else
+    using Handle = int;
+    static constexpr Handle kNoHandle = -1;
+#endif
+    Handle handle_ = kNoHandle;
+    std::filesystem::path lockPath_;
+    std::string holder_;
+};
+
+// The lock file of `file`.
+std::filesystem::path lockPathOf(const std::filesystem::path& file);
+
+// The message for a save refused because another run holds the lock.
+std::string lockHeldMessage(const std::filesystem::path& file, const std::string& holder);
+
+// The name this run gives itself in locks (set once at start-up; "Torquil" when never set).
+void setLockProgramName(const std::string& name);
+const std::string& lockProgramName();
+
+} // namespace torquil
