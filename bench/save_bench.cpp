@@ -85,7 +85,7 @@ void BM_SaveFloor(benchmark::State& state) {
     const fs::path copy = level().dir / "floor.G24";
     for (auto _ : state) {
         std::vector<std::uint8_t> bytes;
-        readWholeFile(level().style, bytes);
+        if (!readWholeFile(level().style, bytes)) state.SkipWithError("cannot read the level");
         const std::size_t pixels = std::min(bytes.size(), image.size());
         for (std::size_t i = 0; i < pixels; ++i) image[i] = table[bytes[i]];
         benchmark::DoNotOptimize(image.data());

@@ -2,6 +2,7 @@
 
 #include "cli/cli.h"
 
+#include "base/utf8_path.h"
 #include "cars/fxt.h"
 #include "session/file_backups.h"
 
@@ -47,7 +48,7 @@ void registerFxtCommands(CLI::App& app, Context& ctx) {
         std::error_code ec;
         if (!processBackups().ensureBackup(argumentPath(encode->to), ec)) {
             platform->message(
-                "FXT could not be copied to " + pathToUtf8(backupPathOf(argumentPath(encode->to))) +
+                "FXT could not be copied to " + utf8Of(backupPathOf(argumentPath(encode->to))) +
                 ", so nothing was written." + "\r" + "The system said: " + ec.message() + ".");
             ctx.exitCode = kExitFailed;
             return;

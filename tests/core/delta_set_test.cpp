@@ -292,7 +292,9 @@ TEST_F(DeltaSetFixture, BadPicturesAreRefusedWithAMessageAndChangeNothing) {
     const auto runsBefore = allRuns();
     const fs::path bmp = dir / "set.bmp", png = dir / "set.png";
     ASSERT_TRUE(exportDeltaSet(*session, platform, bmp, false));
-    if (pngSupported()) ASSERT_TRUE(exportDeltaSet(*session, platform, png, false));
+    if (pngSupported()) {
+        ASSERT_TRUE(exportDeltaSet(*session, platform, png, false));
+    }
     const auto goodBmp = tb::readFile(bmp);
     const auto goodPng = pngSupported() ? tb::readFile(png) : std::vector<std::uint8_t>{};
     const std::vector<std::uint8_t> picture(static_cast<std::size_t>(width + 1) * sprite.H, 1);

@@ -75,6 +75,9 @@ struct HistoryFixture : tb::StyleFixture {
         const DeltaTable keptDeltas = session->deltas;
         session->style.path = copy;
         session->style.loadedWriteTime = fs::last_write_time(copy);
+        // The copy of ENGLISH.FXT is the one the names were loaded from, as far as the save knows.
+        const CarNames keptNames = session->names;
+        session->names.fxtWriteTime = fs::last_write_time(folder / "ENGLISH.FXT");
         BackupRegistry backups;
         SaveOptions options;
         options.backups = &backups;
@@ -83,6 +86,7 @@ struct HistoryFixture : tb::StyleFixture {
         std::string bytes = fileBytes(copy) + "|" + fileBytes(folder / "ENGLISH.FXT");
         session->style = kept;
         session->deltas = keptDeltas;
+        session->names = keptNames;
         platform.shownMessages.clear();
         return bytes;
     }

@@ -104,7 +104,9 @@ void change(StyleSession& s, Change what) {
         markAllChanged(s);
         s.style.gCarNamesChanged = false;
     }
-    if (what != Change::Style) ASSERT_TRUE(renameCarModel(s, 43, "Caf\xE9 Bus"));
+    if (what != Change::Style) {
+        ASSERT_TRUE(renameCarModel(s, 43, "Caf\xE9 Bus"));
+    }
 }
 
 struct SaveCase {
