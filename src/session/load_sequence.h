@@ -27,5 +27,7 @@ LoadOutcome initHeader(StyleSession& session, Platform& platform, const LoaderSe
 
 // The composite message of a failed load, lines joined with "\r".
 std::string loadFailureMessage(const std::string& step, const std::filesystem::path& path);
+// The line added to the failure message when the file's header cannot belong to a style file.
+std::string notStyleFileLine(const std::filesystem::path& path);
 
 } // namespace torquil
