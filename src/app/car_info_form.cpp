@@ -4,15 +4,19 @@
 #include "base/runtime_error.h"
 #include "cars/fixed_point.h"
 #include "platform/platform.h"
+#include "session/car_edit.h"
 #include "session/style_session.h"
 #include "sound/sound_preview.h"
 #include "sprites/clut.h"
 
 #include <QEvent>
+#include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTimer>
 
 #include <algorithm>
+#include <filesystem>
 
 namespace torquil {
 
@@ -136,11 +140,52 @@ void CarInfoForm::cmdHelpClick(int page) {
         platform_.message(errorDescription(err::FileNotFound), Buttons::Ok, Icon::Critical);
 }
 
-void CarInfoForm::playSoundOfBox(int index, int repeat) {
+int CarInfoForm::soundNumberOfBox(int index) const {
     const std::optional<double> value = parseNumber(box(index)->text().toStdString());
-    const int sound =
-        value ? static_cast<int>(std::clamp<std::int64_t>(wholeNumber(*value), 0, 255)) : 0;
-    playSound(session_, platform_, sound, 1.0, repeat);
+    return value ? static_cast<int>(std::clamp<std::int64_t>(wholeNumber(*value), 0, 255)) : 0;
+}
+
+QString CarInfoForm::soundStateText() const {
+    const std::filesystem::path sdt = sdtFilePath(session_), raw = rawFilePath(session_);
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(sdt, ec) || !std::filesystem::is_regular_file(raw, ec))
+        return "No sound bank: " + QString::fromStdString(sdt.string()) + " and " +
+               QString::fromStdString(raw.filename().string()) + " are needed to play the sounds.";
+    if (!platform_.sound().hasOutput())
+        return "No audio output device: the sounds cannot be heard on this computer. Save as WAV "
+               "writes them to a file.";
+    return {};
+}
+
+void CarInfoForm::refreshSoundState() {
+    const QString text = soundStateText();
+    soundState_->setText(text);
+    soundState_->setVisible(!text.isEmpty());
+}
+
+void CarInfoForm::playSoundOfBox(int index, int repeat) {
+    refreshSoundState();
+    playSound(session_, platform_, static_cast<std::int16_t>(soundNumberOfBox(index)), 1.0,
+              static_cast<std::int16_t>(repeat));
+}
+
+void CarInfoForm::saveSoundOfBox(int index, int repeat) {
+    refreshSoundState();
+    const int sound = soundNumberOfBox(index);
+    const QString suggested = QString::fromStdString(
+        (session_.style.dataFolder() / ("LEVEL" + std::to_string(session_.style.gMapNumber) +
+                                        "_sound" + std::to_string(sound) + ".wav"))
+            .string());
+    const QString path = askWavPath ? askWavPath(suggested)
+                                    : QFileDialog::getSaveFileName(this, "Save as WAV", suggested,
+                                                                   "WAV files (*.wav)");
+    if (path.isEmpty()) return;
+    if (writeSoundWav(session_, platform_, static_cast<std::int16_t>(sound), 1.0,
+                      static_cast<std::int16_t>(repeat),
+                      std::filesystem::path(path.toStdString())) != SoundOutcome::Done)
+        return;
+    soundState_->setText("Sound " + QString::number(sound) + " written to " + path);
+    soundState_->show();
 }
 
 void CarInfoForm::done(int result) {
@@ -152,33 +197,20 @@ void CarInfoForm::acceptEdits() {
     if (accepted_) return;
     accepted_ = true;
     timer1_->stop();
-    CarEntry* target = session_.cars.find(asn_);
-    if (!target) return;
+    const CarEntry* current = session_.cars.find(asn_);
+    if (!current) return;
 
+    // The boxes are read back onto the loaded entry; doors and remaps were written into the
+    // working copy as they changed, and a remap-only edit is kept as well.
+    CarEntry edited = *current;
     if (recordChanged_) {
-        for (int i = 0; i <= kValueBox; ++i) setFieldText(*target, i, box(i)->text().toStdString());
-        target->doorList = entry_.doorList;
+        for (int i = 0; i <= kValueBox; ++i) setFieldText(edited, i, box(i)->text().toStdString());
+        edited.doorList = entry_.doorList;
     }
-    // The remap boxes write into the working copy as they change; their tables travel with a
-    // changed record, and a remap-only edit is kept as well.
-    if (recordChanged_ || remapChanged_) {
-        target->info.remap24 = entry_.info.remap24;
-        target->info.remap8 = entry_.info.remap8;
-        session_.style.gSaveCarInfo.push_back(static_cast<std::int16_t>(asn_));
-    }
-    if (nameChanged_) {
-        const std::string name = toGameText(box(kNameBox)->text());
-        const int model = target->info.model;
-        if (model < kCarNameCount) {
-            session_.names.names[static_cast<std::size_t>(model)] = name;
-            session_.style.gCarNamesChanged = true;
-        }
-        // Every loaded car of this model shows the new name.
-        for (int other = 1; other <= session_.cars.highest; ++other)
-            if (CarEntry* car = session_.cars.find(other); car && car->info.model == model)
-                car->name = name;
-        target->name = name;
-    }
+    edited.info.remap24 = entry_.info.remap24;
+    edited.info.remap8 = entry_.info.remap8;
+    edited.name = toGameText(box(kNameBox)->text());
+    applyCarEdit(session_, asn_, edited, recordChanged_ || remapChanged_, nameChanged_);
 }
 
 } // namespace torquil

@@ -1,6 +1,7 @@
 // The File menu: open, load a bitmap, the car pack entries, save and exit.
 
 #include "app/bitmap_names.h"
+#include "app/car_list_dock.h"
 #include "app/load_form.h"
 #include "app/main_form.h"
 #include "app/main_tool_bar.h"
@@ -86,12 +87,14 @@ void MainForm::afterLoad(bool loaded) {
         setCommandGroup(8, true);
         setWindowTitle(QString::fromStdString(session_->caption));
     }
+    showOpenFile();
     updateStatusForSelection();
     board_->refresh();
 }
 
 void MainForm::markChanged() {
     if (session_->style.anyChange()) setCommandGroup(2, true);
+    carList_->refresh();
     board_->refresh();
 }
 
