@@ -264,10 +264,21 @@ void FindingWayTest::arrowKeysMoveTheSelectionFromSpriteToSprite() {
     QTest::keyClick(board, Qt::Key_Left);
     QCOMPARE(s.selection.page, 0);
     QCOMPARE(s.selection.sib, s.sprites.pageCount(0));
+    // Enter edits the selected car.
+    QVERIFY(h.form->selectSprite(h.firstCar()));
+    int edited = 0;
+    h.form->runDialog = [&edited](QDialog& dialog) {
+        if (auto* editor = qobject_cast<CarInfoForm*>(&dialog)) edited = editor->asn();
+        return int(QDialog::Accepted);
+    };
+    QTest::keyClick(board, Qt::Key_Return);
+    QCOMPARE(edited, h.firstCar());
     // Page keys still scroll without touching the selection.
+    const int selectedPage = s.selection.page;
+    board->showPage(0);
     QTest::keyClick(board, Qt::Key_PageDown);
     QCOMPARE(s.pages.gBoardOffset, std::int16_t(256));
-    QCOMPARE(s.selection.page, 0);
+    QCOMPARE(s.selection.page, selectedPage);
 }
 
 void FindingWayTest::fitZoomPicksTheLargestZoomThatShowsAWholePage() {
