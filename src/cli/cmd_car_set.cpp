@@ -6,6 +6,7 @@
 #include "cars/car_listing.h"
 #include "cars/car_names_io.h"
 #include "cars/car_record.h"
+#include "session/car_edit.h"
 #include "session/save_sequence.h"
 
 #include <ostream>
@@ -170,12 +171,8 @@ void registerCarSetCommand(CLI::App& app, Context& ctx) {
         }
 
         const CarEntry before = *car;
-        if (recordChanged) {
-            car->info = edited.info;
-            car->doorList = edited.doorList;
-            session->style.gSaveCarInfo.push_back(static_cast<std::int16_t>(args->asn));
-        }
-        if (nameChanged) renameCarModel(*session, edited.info.model, edited.name);
+        // The same edit as the car editor's and the car list's.
+        applyCarEdit(*session, args->asn, edited, recordChanged, nameChanged);
 
         // The editor's "Save Changes": backups first, then the record in place and the names.
         const SaveOutcome outcome = saveChanges(*session, *platform);

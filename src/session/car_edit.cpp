@@ -1,6 +1,7 @@
 #include "session/car_edit.h"
 
 #include "cars/car_fields.h"
+#include "cars/car_names_io.h"
 #include "session/style_session.h"
 
 namespace torquil {
@@ -23,16 +24,8 @@ CarEditResult applyCarEdit(StyleSession& session, int asn, const CarEntry& edite
         result.recordQueued = true;
     }
     if (nameChanged) {
-        const int model = target->info.model;
-        if (model < kCarNameCount) {
-            session.names.names[static_cast<std::size_t>(model)] = edited.name;
-            session.style.gCarNamesChanged = true;
-            result.nameStored = true;
-        }
-        // Every loaded car of this model shows the new name.
-        for (int other = 1; other <= session.cars.highest; ++other)
-            if (CarEntry* car = session.cars.find(other); car && car->info.model == model)
-                car->name = edited.name;
+        // The name belongs to the model: every loaded car of it shows the new one.
+        result.nameStored = renameCarModel(session, target->info.model, edited.name);
         target->name = edited.name;
     }
     return result;
