@@ -426,7 +426,7 @@ void FindingWayTest::screenshots() {
     h.open();
     h.form->setZoom(2);
     h.action("mnuCarList")->trigger();
-    h.form->carList()->table()->sortByColumn(CarListModel::columnOf(5), Qt::DescendingOrder);
+    h.form->carList()->table()->sortByColumn(CarListModel::columnOf(4), Qt::DescendingOrder);
     h.form->selectSprite(h.proxy()->index(0, 0).data().toInt());
     QVERIFY(QTest::qWaitForWindowExposed(h.form.get()));
     QTest::qWait(100);
