@@ -29,9 +29,10 @@ namespace {
 const QStringList kNeedSprite = {"mnuExportSprite",  "mnuImportSprite", "mnuTranspCheck",
                                  "mnuTranspCorrect", "exportsprite",    "importsprite"};
 const QStringList kNeedCar = {"mnuEditCar", "carinfo"};
-const QStringList kDeltaSetControls = {"mnuExportDeltas0",  "mnuExportDeltas1", "mnuImportDeltas",
-                                       "mnuViewDeltas0",    "mnuViewDeltas1",   "exportdeltasdirty",
-                                       "exportdeltasclean", "importdeltas"};
+// Delta set commands need a selected sprite that has deltas.
+const QStringList kNeedDeltas = {"mnuExportDeltas0",  "mnuExportDeltas1", "mnuImportDeltas",
+                                 "mnuViewDeltas0",    "mnuViewDeltas1",   "exportdeltasdirty",
+                                 "exportdeltasclean", "importdeltas"};
 
 } // namespace
 
@@ -199,14 +200,16 @@ void MainForm::setCommandGroup(int group, bool enabled) {
     refreshCommands();
 }
 
-QString MainForm::unavailableReason(const QString& control) const {
-    if (kDeltaSetControls.contains(control))
-        return tr("Delta set export, import and viewing are not part of this version.");
+QString MainForm::unavailableReason(const QString&) const {
     return {};
 }
 
 bool MainForm::selectionAllows(const QString& control) const {
     if (kNeedSprite.contains(control)) return session_->selectedSprite() != nullptr;
+    if (kNeedDeltas.contains(control)) {
+        const SpriteRec* sprite = session_->selectedSprite();
+        return sprite && sprite->kind.empty() && sprite->delta_count > 0;
+    }
     if (kNeedCar.contains(control)) {
         const SpriteRec* sprite = session_->selectedSprite();
         return sprite && sprite->kind.empty() && session_->cars.find(sprite->ASN) != nullptr;

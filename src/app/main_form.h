@@ -72,6 +72,8 @@ public:
     std::function<std::optional<int>()> askSpriteNumber;
     // Asks Find Car's text (ASN, "model N" or a part of a name); nothing when cancelled.
     std::function<std::optional<QString>()> askFindText;
+    // Asks for a delta set picture to write (forSaving) or read; empty when cancelled.
+    std::function<QString(bool forSaving, const QString& suggested)> askDeltaSetFile;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -109,6 +111,7 @@ private:
     void mnuExportDeltas_Click(int index);
     void mnuImportDeltas_Click();
     void mnuViewDeltas_Click(int index);
+    QString chooseDeltaSetFile(bool forSaving, const QString& suggested);
     void mnuTranspCheck_Click();
     void mnuTranspCorrect_Click();
     void mnuFindCar_Click();

@@ -5,14 +5,20 @@
 #include "app/delta_pic_form.h"
 #include "app/main_form.h"
 #include "app/page_board.h"
+#include "exchange/png_codec.h"
 #include "exchange/sprite_exchange.h"
 #include "exchange/transparency.h"
 #include "platform/qt/qt_platform.h"
+#include "session/delta_set_import.h"
+#include "session/delta_sets.h"
 #include "sprites/sprite_info.h"
 
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QInputDialog>
 #include <QLineEdit>
 #include <QScreen>
+#include <QStatusBar>
 
 namespace torquil {
 
@@ -29,10 +35,72 @@ void MainForm::mnuImportSprite_Click() {
         board_->refresh();
 }
 
-// Delta sets are not part of this version: their entries stay disabled.
-void MainForm::mnuExportDeltas_Click(int) {}
-void MainForm::mnuImportDeltas_Click() {}
-void MainForm::mnuViewDeltas_Click(int) {}
+QString MainForm::chooseDeltaSetFile(bool forSaving, const QString& suggested) {
+    if (askDeltaSetFile) return askDeltaSetFile(forSaving, suggested);
+    const QString filter = tr("Pictures (*.bmp *.png);;BMP (*.bmp);;PNG (*.png)");
+    return forSaving
+               ? QFileDialog::getSaveFileName(this, tr("Export Delta Set"), suggested, filter)
+               : QFileDialog::getOpenFileName(this, tr("Import Delta Set"), suggested, filter);
+}
+
+// index 0: dirty (each delta over the sprite), 1: clean (each delta on colour 0).
+void MainForm::mnuExportDeltas_Click(int index) {
+    const SpriteRec* sprite = session_->selectedSprite();
+    if (!sprite) return;
+    const bool clean = index == 1;
+    const QString suggested = QString::fromStdString(
+        session_->workPath(deltaSetFileName(*session_, *sprite, clean)).string());
+    const QString chosen = chooseDeltaSetFile(true, suggested);
+    if (chosen.isEmpty()) return;
+    const std::filesystem::path file(chosen.toStdString());
+    if (!exportDeltaSet(*session_, platform_, file, clean)) return;
+    platform_.message("Delta set exported to:\r" + file.string(), Buttons::Ok, Icon::Information);
+}
+
+void MainForm::mnuImportDeltas_Click() {
+    const SpriteRec* sprite = session_->selectedSprite();
+    if (!sprite) return;
+    const QString suggested = QString::fromStdString(
+        session_->workPath(deltaSetFileName(*session_, *sprite, false)).string());
+    const QString chosen = chooseDeltaSetFile(false, suggested);
+    if (chosen.isEmpty()) return;
+    const Answer kind =
+        platform_.message("Is " + QFileInfo(chosen).fileName().toStdString() +
+                              " a clean delta set?\rYes: each delta stands alone on colour 0.\r"
+                              "No: each delta is drawn over the sprite.",
+                          Buttons::YesNoCancel, Icon::Question, "Import Delta Set");
+    if (kind == Answer::Cancel) return;
+    const DeltaSetImport result = importDeltaSet(
+        *session_, platform_, std::filesystem::path(chosen.toStdString()), kind == Answer::Yes);
+    if (!result.imported) {
+        board_->refresh();
+        return;
+    }
+    markChanged();
+    statusBar()->showMessage(
+        tr("Delta set imported: %n delta(s) changed.", nullptr, result.changed), 8000);
+}
+
+// index 0: each delta alone on colour 0, 1: each delta over the car.
+void MainForm::mnuViewDeltas_Click(int index) {
+    const SpriteRec* sprite = session_->selectedSprite();
+    if (!sprite) return;
+    const DeltaViewFrames view = deltaViewFrames(*session_, *sprite, index == 1);
+    if (view.frames.empty() || view.width == 0 || view.height == 0) {
+        platform_.message("Sprite " + std::to_string(sprite->ASN) + " has no deltas.", Buttons::Ok,
+                          Icon::Information);
+        return;
+    }
+    std::vector<QImage> frames;
+    for (const auto& rgb : view.frames)
+        frames.push_back(QImage(reinterpret_cast<const uchar*>(rgb.data()), view.width, view.height,
+                                view.width * 4, QImage::Format_RGB32)
+                             .copy());
+    const QString title = (index == 1 ? tr("Deltas (with car)") : tr("Deltas (plain)")) +
+                          tr(" - sprite %1").arg(sprite->ASN);
+    auto* form = new DeltaPicForm(frames, title, this);
+    form->show();
+}
 
 void MainForm::mnuTranspCheck_Click() {
     const SpriteRec* sprite = session_->selectedSprite();

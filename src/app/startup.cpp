@@ -1,10 +1,13 @@
 #include "app/startup.h"
 
+#include "app/delta_pic_form.h"
 #include "app/main_form.h"
+#include "app/main_menus.h"
 #include "app/splash_form.h"
 #include "base/work_dir.h"
 #include "platform/qt/qt_platform.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -34,6 +37,8 @@ StartupArgs parseStartupArgs(const QStringList& arguments) {
             args.zoom = arguments[++i].toInt();
         else if (a == QLatin1String("--select") && hasValue)
             args.select = arguments[++i].toInt();
+        else if (a == QLatin1String("--view-deltas") && hasValue)
+            args.viewDeltas = arguments[++i];
         else if (a == QLatin1String("--no-splash"))
             args.splash = false;
         else if (!a.startsWith(QLatin1Char('-')) && args.style.isEmpty())
@@ -44,9 +49,9 @@ StartupArgs parseStartupArgs(const QStringList& arguments) {
 
 namespace {
 
-int saveScreenshot(MainForm& form, const QString& file) {
+int saveScreenshot(QWidget& window, const QString& file) {
     for (int i = 0; i < 5; ++i) QApplication::processEvents();
-    const QImage picture = form.grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const QImage picture = window.grab().toImage().convertToFormat(QImage::Format_RGB32);
     if (!picture.save(file, "PNG")) {
         std::fprintf(stderr, "Could not write the screenshot %s\n", qPrintable(file));
         return 1;
@@ -104,9 +109,23 @@ int runTorquil(int argc, char** argv) {
         if (style.isEmpty()) return;
         form.openStyle(style, kLoadSprites);
         if (args.select > 0) form.selectSprite(args.select);
+        if (!args.viewDeltas.isEmpty()) {
+            const char* entry =
+                args.viewDeltas == QLatin1String("car") ? "mnuViewDeltas1" : "mnuViewDeltas0";
+            if (QAction* view = form.menus().action(entry); view && view->isEnabled())
+                view->trigger();
+        }
     };
     if (!screenshot.isEmpty()) {
         load();
+        if (!args.viewDeltas.isEmpty()) {
+            auto* view = form.findChild<DeltaPicForm*>(QStringLiteral("DeltaPicFrm"));
+            if (!view) {
+                std::fprintf(stderr, "The selected sprite has no delta view\n");
+                return 1;
+            }
+            return saveScreenshot(*view, screenshot);
+        }
         return saveScreenshot(form, screenshot);
     }
     QTimer::singleShot(0, &form, load);

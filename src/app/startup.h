@@ -13,6 +13,8 @@ struct StartupArgs {
     QString settings;   // an INI settings file instead of the user's store
     int zoom = 0;       // 1..4 overrides the remembered zoom
     int select = 0;     // an absolute sprite number to select after the load
+    // After the selection, open the delta view: "plain" or "car"; the screenshot then shows it.
+    QString viewDeltas;
     bool splash = true;
 };
 

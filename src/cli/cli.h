@@ -63,6 +63,7 @@ void registerImportSpriteCommand(CLI::App& app, Context& ctx);
 void registerTransparencyCommand(CLI::App& app, Context& ctx);
 void registerGc3Command(CLI::App& app, Context& ctx);
 void registerSoundCommand(CLI::App& app, Context& ctx);
+void registerDeltaCommands(CLI::App& app, Context& ctx);
 
 // Parses and runs a whole command line; returns the exit status.
 int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err);

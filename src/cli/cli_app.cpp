@@ -89,6 +89,7 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
     registerTransparencyCommand(app, ctx);
     registerGc3Command(app, ctx);
     registerSoundCommand(app, ctx);
+    registerDeltaCommands(app, ctx);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& e) {

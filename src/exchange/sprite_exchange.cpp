@@ -3,6 +3,7 @@
 #include "exchange/bmp.h"
 #include "platform/platform.h"
 #include "session/loaders.h"
+#include "session/picture_file.h"
 #include "session/style_session.h"
 #include "style/page_io.h"
 
@@ -53,8 +54,8 @@ bool exportSpriteTo(StyleSession& session, Platform& platform, const std::filesy
     const SpriteRec* sprite = session.selectedSprite();
     if (!sprite) return false;
     platform.progress().open("Exporting", file.filename().string(), std::max(0, sprite->H - 1));
-    const bool written = writeBmp(session, platform, file, spritePixels(session, *sprite),
-                                  sprite->clut, sprite->W, sprite->H);
+    const bool written = writePicture(session, platform, file, spritePixels(session, *sprite),
+                                      sprite->clut, sprite->W, sprite->H);
     platform.progress().close();
     return written;
 }
@@ -72,7 +73,7 @@ bool importSpriteFrom(StyleSession& session, Platform& platform,
     ProgressSink& progress = platform.progress();
     progress.open("Importing", file.filename().string(), std::max(0, sprite->H - 1));
     std::vector<std::uint8_t> pixels;
-    if (!readBmp(session, platform, file, sprite->clut, sprite->W, sprite->H, pixels)) {
+    if (!readPicture(session, platform, file, sprite->clut, sprite->W, sprite->H, pixels)) {
         progress.close();
         return false;
     }

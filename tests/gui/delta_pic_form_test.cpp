@@ -3,6 +3,8 @@
 #include "app/delta_pic_form.h"
 
 #include <QLabel>
+#include <QPushButton>
+#include <QTimer>
 #include <QtTest>
 
 using torquil::DeltaPicForm;
@@ -25,6 +27,8 @@ class DeltaPicFormTest : public QObject {
 private slots:
     void showsThePictureFramedAndEnlargedWithSquarePixels();
     void largeSpritesAreEnlargedLess();
+    void deltaViewShowsEveryFrameNumberedAndOneEnlarged();
+    void deltaViewStepsAndPlaysRoundTheFrames();
 };
 
 void DeltaPicFormTest::showsThePictureFramedAndEnlargedWithSquarePixels() {
@@ -64,6 +68,88 @@ void DeltaPicFormTest::largeSpritesAreEnlargedLess() {
     QCOMPARE(wide.scale(), 3); // stays under 768 pixels on the long side
     DeltaPicForm huge(numberedPicture(800, 10), "t", "tip");
     QCOMPARE(huge.scale(), 1);
+}
+
+namespace {
+
+// n frames of w x h, frame i a solid colour of its own.
+std::vector<QImage> solidFrames(int n, int w, int h) {
+    std::vector<QImage> frames;
+    for (int i = 0; i < n; ++i) {
+        QImage f(w, h, QImage::Format_RGB32);
+        f.fill(qRgb(40 * i, 200 - 30 * i, 17));
+        frames.push_back(f);
+    }
+    return frames;
+}
+
+} // namespace
+
+void DeltaPicFormTest::deltaViewShowsEveryFrameNumberedAndOneEnlarged() {
+    const auto frames = solidFrames(4, 12, 9);
+    DeltaPicForm form(frames, "Deltas (plain) - sprite 7");
+    QCOMPARE(form.windowTitle(), QString("Deltas (plain) - sprite 7"));
+    QCOMPARE(form.frameCount(), 4);
+    QCOMPARE(form.currentFrame(), 0);
+
+    // The strip holds every frame side by side, left to right, apart from each other.
+    const QImage& strip = form.strip();
+    for (int i = 0; i < 4; ++i) {
+        const QRect r = form.stripFrameRect(i);
+        QVERIFY(strip.rect().contains(r));
+        QCOMPARE(r.size(), QSize(24, 18)); // small frames are doubled
+        QCOMPARE(strip.pixel(r.center()), frames[i].pixel(0, 0));
+        QCOMPARE(strip.pixel(r.topLeft()), frames[i].pixel(0, 0));
+        QCOMPARE(strip.pixel(r.bottomRight()), frames[i].pixel(0, 0));
+        if (i > 0) QVERIFY(r.left() > form.stripFrameRect(i - 1).right() + 1);
+    }
+    // Under each frame its number, in the text colour: some pixel below frame 0 is not the
+    // window colour.
+    const QRect below(form.stripFrameRect(0).left(), form.stripFrameRect(0).bottom() + 1, 24, 15);
+    bool written = false;
+    for (int y = below.top(); y <= below.bottom() && y < strip.height(); ++y)
+        for (int x = below.left(); x <= below.right(); ++x)
+            written = written || strip.pixel(x, y) != strip.pixel(0, strip.height() - 1);
+    QVERIFY(written);
+    QVERIFY(form.findChild<QLabel*>("deltaStrip"));
+
+    // The enlarged frame is the current one, framed as the single picture is.
+    auto* pic = form.findChild<QLabel*>("deltaPic");
+    QVERIFY(pic);
+    QCOMPARE(form.framedPicture().size(), QSize(14, 11));
+    QCOMPARE(form.framedPicture().pixel(1, 1), frames[0].pixel(0, 0));
+    QCOMPARE(pic->size(), QSize(14, 11) * form.scale());
+    QCOMPARE(form.findChild<QLabel*>("frameLabel")->text(), QString("Delta 1 of 4"));
+}
+
+void DeltaPicFormTest::deltaViewStepsAndPlaysRoundTheFrames() {
+    const auto frames = solidFrames(3, 5, 5);
+    DeltaPicForm form(frames, "Deltas (with car)");
+    auto* next = form.findChild<QPushButton*>("nextDelta");
+    auto* back = form.findChild<QPushButton*>("previousDelta");
+    auto* play = form.findChild<QPushButton*>("playDeltas");
+    QVERIFY(next && back && play);
+    QTest::mouseClick(next, Qt::LeftButton);
+    QCOMPARE(form.currentFrame(), 1);
+    QCOMPARE(form.framedPicture().pixel(2, 2), frames[1].pixel(0, 0));
+    QCOMPARE(form.findChild<QLabel*>("frameLabel")->text(), QString("Delta 2 of 3"));
+    QTest::mouseClick(back, Qt::LeftButton);
+    QTest::mouseClick(back, Qt::LeftButton);
+    QCOMPARE(form.currentFrame(), 2); // wraps round to the last
+    form.stepForward();
+    QCOMPARE(form.currentFrame(), 0);
+
+    // Play starts the animation's timer and turns into Stop; each tick shows the next frame.
+    QTest::mouseClick(play, Qt::LeftButton);
+    QVERIFY(form.isPlaying());
+    QCOMPARE(play->text(), QString("&Stop"));
+    auto* timer = form.findChild<QTimer*>();
+    QVERIFY(timer);
+    QMetaObject::invokeMethod(timer, "timeout", Qt::DirectConnection);
+    QCOMPARE(form.currentFrame(), 1);
+    QTest::mouseClick(play, Qt::LeftButton);
+    QVERIFY(!form.isPlaying());
+    QCOMPARE(play->text(), QString("&Play"));
 }
 
 QTEST_MAIN(DeltaPicFormTest)

@@ -5,6 +5,7 @@
 
 #include "app/car_info_form.h"
 #include "app/command_groups.h"
+#include "app/delta_pic_form.h"
 #include "app/help_window.h"
 #include "app/load_form.h"
 #include "app/main_form.h"
@@ -95,6 +96,7 @@ private slots:
     void carEditorChangesEnableSaveAndReachTheFile();
     void saveQuestionGuardsOpenAndClose();
     void transparencyCommandsShowTheMaskAndFix();
+    void deltaSetCommandsViewExportAndImport();
     void readMeHelpAboutAndDebugEntries();
     void windowRemembersZoomAndShrinksToOnePage();
 };
@@ -173,26 +175,22 @@ void MainFormTest::menuTreeAndToolbarAreTheGameToolsOnes() {
     QStringList buttons;
     for (QAction* a : h.form->toolBar()->actions())
         buttons << (a->isSeparator() ? QStringLiteral("|") : a->objectName() + "=" + a->toolTip());
-    const QStringList expectedButtons = {
-        "open=Open Style File:",
-        "save=Save Style File",
-        "|",
-        "loadbmp=Quickload a BMP file",
-        "loadgc3=Load GC3 Car Pack",
-        "|",
-        "carinfo=Edit Car Info Settings",
-        "find=Find Car",
-        "|",
-        "exportsprite=Export Sprite",
-        "importsprite=Import Sprite",
-        "|",
-        "exportdeltasdirty=Export Delta Set Dirty for reference \u2014 Delta set export, import "
-        "and viewing are not part of this version.",
-        "|",
-        "exportdeltasclean=Export Delta Set Clean for self build \u2014 Delta set export, import "
-        "and viewing are not part of this version.",
-        "importdeltas=Import Delta Set \u2014 Delta set export, import and viewing are not part of "
-        "this version."};
+    const QStringList expectedButtons = {"open=Open Style File:",
+                                         "save=Save Style File",
+                                         "|",
+                                         "loadbmp=Quickload a BMP file",
+                                         "loadgc3=Load GC3 Car Pack",
+                                         "|",
+                                         "carinfo=Edit Car Info Settings",
+                                         "find=Find Car",
+                                         "|",
+                                         "exportsprite=Export Sprite",
+                                         "importsprite=Import Sprite",
+                                         "|",
+                                         "exportdeltasdirty=Export Delta Set Dirty for reference",
+                                         "|",
+                                         "exportdeltasclean=Export Delta Set Clean for self build",
+                                         "importdeltas=Import Delta Set"};
     QCOMPARE(buttons, expectedButtons);
     for (QAction* a : h.form->toolBar()->actions())
         if (!a->isSeparator()) QVERIFY(!a->icon().isNull());
@@ -509,6 +507,57 @@ void MainFormTest::transparencyCommandsShowTheMaskAndFix() {
     h.action("mnuTranspCorrect")->trigger();
     QCOMPARE(h.platform.texts().back(),
              std::string("Sorry , Transparency Correction not supported on 8bit style files."));
+}
+
+void MainFormTest::deltaSetCommandsViewExportAndImport() {
+    Harness h;
+    h.openThroughDialog("STYLE001.G24");
+    StyleSession& s = h.form->session();
+    // The first car on page 0 with deltas.
+    const SpriteRec* car = nullptr;
+    for (int sib = 1; sib <= s.sprites.pageCount(0) && !car; ++sib)
+        if (s.sprites.pageSprites[0][sib].delta_count > 0) car = &s.sprites.pageSprites[0][sib];
+    QVERIFY(car);
+    const SpriteRec r = *car;
+    for (const char* control : {"mnuViewDeltas0", "mnuExportDeltas1", "importdeltas"})
+        QVERIFY2(!h.enabled(control), control); // nothing selected yet
+    h.click(0, r);
+    for (const char* control :
+         {"mnuExportDeltas0", "mnuExportDeltas1", "mnuImportDeltas", "mnuViewDeltas0",
+          "mnuViewDeltas1", "exportdeltasdirty", "exportdeltasclean", "importdeltas"})
+        QVERIFY2(h.enabled(control), control);
+
+    // View: one frame per delta, numbered in the strip, the first one enlarged.
+    h.action("mnuViewDeltas1")->trigger();
+    auto* view = h.form->findChild<DeltaPicForm*>("DeltaPicFrm");
+    QVERIFY(view && view->isVisible());
+    QCOMPARE(view->frameCount(), int(r.delta_count));
+    QVERIFY(view->windowTitle().startsWith("Deltas (with car)"));
+    view->close();
+
+    // Export clean to the file the dialog gives; the suggestion is named after the car.
+    const auto file = h.sample.work / "set.png";
+    QString suggested;
+    h.form->askDeltaSetFile = [&](bool, const QString& name) {
+        suggested = name;
+        return QString::fromStdString(file.string());
+    };
+    h.action("mnuExportDeltas1")->trigger();
+    QVERIFY(suggested.endsWith("_deltas_clean.bmp"));
+    QVERIFY(std::filesystem::exists(file));
+    QCOMPARE(h.platform.texts().back(), "Delta set exported to:\r" + file.string());
+
+    // Import it back as a clean set (Yes): nothing differs, but the deltas are marked for saving.
+    QVERIFY(!h.enabled("mnuSaveBlock"));
+    h.platform.answers = {Answer::Yes};
+    h.action("mnuImportDeltas")->trigger();
+    QVERIFY(s.style.gDeltasChanged);
+    QVERIFY(h.enabled("mnuSaveBlock"));
+    // Cancel at the clean-or-dirty question changes nothing.
+    s.style.gDeltasChanged = false;
+    h.platform.answers = {Answer::Cancel};
+    h.form->toolBar()->button("importdeltas")->trigger();
+    QVERIFY(!s.style.gDeltasChanged);
 }
 
 void MainFormTest::readMeHelpAboutAndDebugEntries() {

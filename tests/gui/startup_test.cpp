@@ -23,10 +23,12 @@ void StartupTest::commandLineNamesTheStyleAndTheHiddenOptions() {
     QCOMPARE(a.style, QStringLiteral("STYLE001.G24")); // the first name wins
     QVERIFY(a.screenshot.isEmpty() && a.splash);
     a = parseStartupArgs({"--screenshot", "shot.png", "--zoom", "3", "--select", "40", "--workdir",
-                          "/tmp/w", "--settings", "s.ini", "--no-splash", "--unknown", "x.G24"});
+                          "/tmp/w", "--settings", "s.ini", "--no-splash", "--view-deltas", "car",
+                          "--unknown", "x.G24"});
     QCOMPARE(a.screenshot, QStringLiteral("shot.png"));
     QCOMPARE(a.zoom, 3);
     QCOMPARE(a.select, 40);
+    QCOMPARE(a.viewDeltas, QStringLiteral("car"));
     QCOMPARE(a.workDir, QStringLiteral("/tmp/w"));
     QCOMPARE(a.settings, QStringLiteral("s.ini"));
     QVERIFY(!a.splash);

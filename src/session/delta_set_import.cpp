@@ -1,0 +1,86 @@
+#include "session/delta_set_import.h"
+
+#include "exchange/delta_frames.h"
+#include "exchange/sprite_exchange.h"
+#include "platform/platform.h"
+#include "session/delta_sets.h"
+#include "session/picture_file.h"
+#include "session/style_session.h"
+
+#include <algorithm>
+#include <string>
+
+namespace torquil {
+
+DeltaSetImport importDeltaSet(StyleSession& session, Platform& platform,
+                              const std::filesystem::path& file, bool clean) {
+    DeltaSetImport result;
+    const SpriteRec* sprite = session.selectedSprite();
+    if (!sprite) return result;
+    const std::vector<const DeltaRec*> deltas = spriteDeltas(session, *sprite);
+    if (deltas.empty() || sprite->W == 0 || sprite->H == 0) {
+        platform.message("Sprite " + std::to_string(sprite->ASN) + " has no deltas to import.",
+                         Buttons::Ok, Icon::Information);
+        return result;
+    }
+    for (std::size_t k = 0; k < deltas.size(); ++k) {
+        if (!deltas[k]) {
+            platform.message("Delta " + std::to_string(k) + " of sprite " +
+                                 std::to_string(sprite->ASN) + " is not in the delta table.",
+                             Buttons::Ok, Icon::Warning);
+            return result;
+        }
+    }
+    const int w = sprite->W, h = sprite->H;
+    const int count = static_cast<int>(deltas.size());
+
+    ProgressSink& progress = platform.progress();
+    progress.open("Importing", file.filename().string(), std::max(0, h - 1));
+    std::vector<std::uint8_t> picture;
+    const bool read = readPicture(session, platform, file, sprite->clut, w * count, h, picture);
+    progress.close();
+    if (!read) return result;
+    // The palette question may have changed the CLUT; the sprite record itself is unchanged.
+    sprite = session.selectedSprite();
+    if (!sprite) return result;
+
+    const std::vector<std::uint8_t> spritePx = spritePixels(session, *sprite);
+    const std::vector<std::uint8_t> base =
+        clean ? std::vector<std::uint8_t>(spritePx.size(), 0) : spritePx;
+    std::vector<std::pair<int, std::vector<RunLine>>> replacements;
+    for (int i = 0; i < count; ++i) {
+        const std::vector<std::uint8_t> frame = deltaSetFrame(picture, w, h, i);
+        std::vector<std::uint8_t> current = base;
+        drawDelta(*deltas[static_cast<std::size_t>(i)], w, h, current);
+        if (frame == current) continue; // unchanged: the run lines stay exactly as they are
+        FrameRuns runs = runsFromFrame(base, frame, w, h);
+        if (!runs.ok) {
+            platform.message("Delta " + std::to_string(i) + " (frame " + std::to_string(i + 1) +
+                                 " of " + std::to_string(count) +
+                                 ") cannot be imported: " + runs.reason + ".\rNothing was changed.",
+                             Buttons::Ok, Icon::Warning, "Import Delta Set");
+            return result;
+        }
+        replacements.emplace_back(sprite->deltas[static_cast<std::size_t>(i)],
+                                  std::move(runs.runs));
+    }
+    result.changed = static_cast<int>(replacements.size());
+    result.imported = setDeltaRuns(session, std::move(replacements));
+    return result;
+}
+
+bool setDeltaRuns(StyleSession& session,
+                  std::vector<std::pair<int, std::vector<RunLine>>> replacements) {
+    DeltaTable& table = session.deltas;
+    const int limit = std::min<int>(table.deltaCount, static_cast<int>(table.myDeltas.size()));
+    for (const auto& [index, runs] : replacements)
+        if (index < 0 || index >= limit) return false;
+    for (auto& [index, runs] : replacements)
+        table.myDeltas[static_cast<std::size_t>(index)].runLine = std::move(runs);
+    // The save sequence writes the pages and then the delta store behind them.
+    session.style.gPagesChanged = true;
+    session.style.gDeltasChanged = true;
+    return true;
+}
+
+} // namespace torquil
