@@ -7,7 +7,7 @@
 #include "sample_level.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 #include "sprites/clut.h"
 #include "sprites/sprite_info.h"
 #include "sprites/sprite_painter.h"
@@ -98,7 +98,7 @@ void BM_RepaintPages(benchmark::State& state) {
         return;
     }
     for (auto _ : state) {
-        SpritePagePainter painter(*session);
+        SpritePagePainter painter(session->sprites, session->colours, session->style.gIs24Bit);
         repaintPages(*session, painter);
         benchmark::DoNotOptimize(session->image.rgb.data());
     }

@@ -5,7 +5,7 @@
 #include "exchange/sprite_exchange.h"
 #include "fake_platform.h"
 #include "fuzz_support.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -6,7 +6,7 @@
 #include "cars/car_info_io.h"
 #include "fake_platform.h"
 #include "fuzz_support.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -31,8 +31,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     s.sprites.spriteNumbers[2] = data[1];
     s.sprites.spriteNumbers[4] = data[2];
     s.sprites.spriteNumbers[5] = static_cast<std::int8_t>(data[3]); // negative counts too
-    const auto path = fuzz::writeScratch("STYLE001.G24", data + 4, size - 4);
+    const auto path = fuzz::scratchDir() / "STYLE001.G24";
     const std::vector<std::uint8_t> before(data + 4, data + size);
+    std::vector<std::uint8_t> after = before;
     s.style.path = path;
     s.style.gMapNumber = 1;
     s.style.gSeekCarInfo = 1;
@@ -42,8 +43,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     testing::FakePlatform platform;
     {
         BinaryFile file(s.errors);
-        file.open(path, BinaryFile::Mode::Read);
-        loadCarInfo(s, file, platform);
+        file.openBytes(after, path);
+        (void)loadCarInfo(s, file, platform);
     }
     s.errors.clear();
     for (int asn = 1; asn < static_cast<int>(s.cars.slots.size()); ++asn) {
@@ -53,11 +54,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     {
         BinaryFile file(s.errors);
-        file.open(path, BinaryFile::Mode::ReadWrite);
-        saveCarInfo(s, file, platform);
+        file.openBytes(after, path);
+        (void)saveCarInfo(s, file, platform);
     }
-    std::vector<std::uint8_t> after;
-    readWholeFile(path, after);
     if (after != before) std::abort();
     return 0;
 }

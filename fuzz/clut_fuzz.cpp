@@ -5,11 +5,12 @@
 #include "fake_platform.h"
 #include "fuzz_support.h"
 #include "session/load_sequence.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 #include "sprites/clut.h"
 #include "style/style_header.h"
 
 #include <cstdint>
+#include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace torquil;
@@ -17,13 +18,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // The first byte picks the kind of file and whether the CLUTs are saved back.
     const bool is24 = (data[0] & 1) == 0;
     const bool save = (data[0] & 2) != 0;
-    auto path = fuzz::writeScratch(is24 ? "STYLE001.G24" : "STYLE001.GRY", data + 1, size - 1);
+    const auto path = fuzz::scratchDir() / (is24 ? "STYLE001.G24" : "STYLE001.GRY");
+    std::vector<std::uint8_t> bytes(data + 1, data + size);
 
     StyleSession& session = fuzz::reusedSession();
     torquil::testing::FakePlatform platform;
     prepareStyle(session.style, path, kLoadSprites);
     BinaryFile file(session.errors);
-    if (!file.open(path, save ? BinaryFile::Mode::ReadWrite : BinaryFile::Mode::Read)) return 0;
+    file.openBytes(bytes, path);
     session.style.fileLength = file.length();
     session.style.header = readStyleHeader(file, is24);
     locateSpriteSections(session.style);

@@ -7,7 +7,7 @@
 #include "exchange/delta_io.h"
 #include "fake_platform.h"
 #include "fuzz_support.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 
 #include <cstdint>
 #include <vector>

@@ -8,7 +8,7 @@
 #include "fuzz_support.h"
 #include "session/delta_set_import.h"
 #include "session/picture_file.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 
 #include <algorithm>
 #include <cstdint>

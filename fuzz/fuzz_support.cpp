@@ -1,6 +1,6 @@
 #include "fuzz_support.h"
 
-#include "session/style_session.h"
+#include "session/session_io.h"
 
 #include <fstream>
 #include <unistd.h>

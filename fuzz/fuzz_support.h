@@ -1,6 +1,7 @@
 #pragma once
-// Shared by the fuzz targets: write the input to a temporary style file and load it through the
-// real load sequence with a platform that answers nothing and prints nothing.
+// Shared by the fuzz targets. The readers of style file sections read the input from memory
+// (BinaryFile::openBytes); the targets that go through a whole file by name (the load sequence,
+// ENGLISH.FXT, GC3 packs, sound banks) write it to a scratch folder first.
 
 #include <cstddef>
 #include <cstdint>

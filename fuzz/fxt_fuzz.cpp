@@ -6,7 +6,7 @@
 #include "cars/fxt.h"
 #include "fake_platform.h"
 #include "fuzz_support.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 
 #include <cstdint>
 #include <cstdlib>

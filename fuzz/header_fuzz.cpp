@@ -5,7 +5,7 @@
 #include "fuzz_support.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 
 #include <cstdint>
 

@@ -4,7 +4,7 @@
 #include "fake_platform.h"
 #include "fuzz_support.h"
 #include "session/load_sequence.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 #include "sound/sound_preview.h"
 
 #include <cstdint>

@@ -4,9 +4,9 @@
 #include "base/binary_file.h"
 #include "fake_platform.h"
 #include "fuzz_support.h"
+#include "session/board_lookup.h"
 #include "session/load_sequence.h"
-#include "session/style_session.h"
-#include "sprites/board_lookup.h"
+#include "session/session_io.h"
 #include "sprites/clut.h"
 #include "sprites/sprite_info.h"
 #include "sprites/sprite_painter.h"
@@ -14,6 +14,7 @@
 
 #include <array>
 #include <cstdint>
+#include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace torquil;
@@ -21,13 +22,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // The first byte picks the kind of file and the load option.
     const bool is24 = (data[0] & 1) == 0;
     const int option = (data[0] & 2) ? kLoadTiles : kLoadSprites;
-    auto path = fuzz::writeScratch(is24 ? "STYLE001.G24" : "STYLE001.GRY", data + 1, size - 1);
+    const auto path = fuzz::scratchDir() / (is24 ? "STYLE001.G24" : "STYLE001.GRY");
+    std::vector<std::uint8_t> bytes(data + 1, data + size);
 
     StyleSession& session = fuzz::reusedSession();
     torquil::testing::FakePlatform platform;
     prepareStyle(session.style, path, option);
     BinaryFile file(session.errors);
-    if (!file.open(path, BinaryFile::Mode::Read)) return 0;
+    file.openBytes(bytes, path);
     session.style.fileLength = file.length();
     session.style.header = readStyleHeader(file, is24);
     if (option == kLoadTiles)

@@ -4,8 +4,8 @@
 #include "base/runtime_error.h"
 #include "cars/fixed_point.h"
 #include "platform/platform.h"
-#include "session/car_edit.h"
-#include "session/style_session.h"
+#include "session/edits.h"
+#include "session/session_io.h"
 #include "sound/sound_preview.h"
 #include "sprites/clut.h"
 
@@ -197,20 +197,25 @@ void CarInfoForm::acceptEdits() {
     if (accepted_) return;
     accepted_ = true;
     timer1_->stop();
-    const CarEntry* current = session_.cars.find(asn_);
-    if (!current) return;
+    const CarEntry* target = session_.cars.find(asn_);
+    if (!target) return;
 
-    // The boxes are read back onto the loaded entry; doors and remaps were written into the
-    // working copy as they changed, and a remap-only edit is kept as well.
-    CarEntry edited = *current;
+    CarEdit edit;
+    CarEntry edited = *target;
     if (recordChanged_) {
         for (int i = 0; i <= kValueBox; ++i) setFieldText(edited, i, box(i)->text().toStdString());
-        edited.doorList = entry_.doorList;
+        edit.doors = entry_.doorList;
     }
-    edited.info.remap24 = entry_.info.remap24;
-    edited.info.remap8 = entry_.info.remap8;
-    edited.name = toGameText(box(kNameBox)->text());
-    applyCarEdit(session_, asn_, edited, recordChanged_ || remapChanged_, nameChanged_);
+    // The remap boxes write into the working copy as they change; their tables travel with a
+    // changed record, and a remap-only edit is kept as well.
+    if (recordChanged_ || remapChanged_) {
+        edited.info.remap24 = entry_.info.remap24;
+        edited.info.remap8 = entry_.info.remap8;
+        edit.info = edited.info;
+    }
+    if (nameChanged_) edit.name = toGameText(box(kNameBox)->text());
+    // A model outside the names table keeps its name; the record is applied all the same.
+    (void)editCar(session_, asn_, edit);
 }
 
 } // namespace torquil

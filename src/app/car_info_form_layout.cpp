@@ -6,7 +6,7 @@
 #include "app/door_view.h"
 #include "app/remap_bar.h"
 #include "app/remap_preview.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 
 #include <QGridLayout>
 #include <QGroupBox>

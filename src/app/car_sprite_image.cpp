@@ -1,6 +1,6 @@
 #include "app/car_sprite_image.h"
 
-#include "session/style_session.h"
+#include "session/session_io.h"
 
 #include <QPainter>
 

@@ -7,7 +7,7 @@
 #include "base/runtime_error.h"
 #include "base/work_dir.h"
 #include "platform/qt/qt_platform.h"
-#include "sprites/board_lookup.h"
+#include "session/board_lookup.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -21,6 +21,9 @@
 #include <QScreen>
 #include <QSettings>
 #include <QStatusBar>
+
+#include <array>
+#include <utility>
 
 namespace torquil {
 
@@ -168,31 +171,26 @@ void MainForm::connectCommands() {
 }
 
 void MainForm::runKey(const QString& key) {
+    // The toolbar's keys and the commands they run.
+    using Command = void (*)(MainForm&);
+    static const std::array<std::pair<const char*, Command>, 12> commands{{
+        {"open", [](MainForm& f) { f.mnuOpen_Click(); }},
+        {"save", [](MainForm& f) { f.mnuSaveBlock_Click(); }},
+        {"carinfo", [](MainForm& f) { f.mnuEditCar_Click(); }},
+        {"find", [](MainForm& f) { f.mnuFindCar_Click(); }},
+        {"exportsprite", [](MainForm& f) { f.mnuExportSprite_Click(); }},
+        {"importsprite", [](MainForm& f) { f.mnuImportSprite_Click(); }},
+        {"exportdeltasdirty", [](MainForm& f) { f.mnuExportDeltas_Click(0); }},
+        {"exportdeltasclean", [](MainForm& f) { f.mnuExportDeltas_Click(1); }},
+        {"importdeltas", [](MainForm& f) { f.mnuImportDeltas_Click(); }},
+        {"loadgc3", [](MainForm& f) { f.mnuLoadGC3_Click(); }},
+        {"buildgc3", [](MainForm& f) { f.mnuBuildGC3_Click(); }},
+        {"loadbmp", [](MainForm& f) { f.mnuLoadBMP_Click(); }},
+    }};
+    // The pack builder is always on; every other key follows its command's group.
     if (!commandEnabled(key) && key != QLatin1String("buildgc3")) return;
-    if (key == QLatin1String("open"))
-        guarded([this] { mnuOpen_Click(); });
-    else if (key == QLatin1String("save"))
-        guarded([this] { mnuSaveBlock_Click(); });
-    else if (key == QLatin1String("carinfo"))
-        guarded([this] { mnuEditCar_Click(); });
-    else if (key == QLatin1String("find"))
-        guarded([this] { mnuFindCar_Click(); });
-    else if (key == QLatin1String("exportsprite"))
-        guarded([this] { mnuExportSprite_Click(); });
-    else if (key == QLatin1String("importsprite"))
-        guarded([this] { mnuImportSprite_Click(); });
-    else if (key == QLatin1String("exportdeltasdirty"))
-        guarded([this] { mnuExportDeltas_Click(0); });
-    else if (key == QLatin1String("exportdeltasclean"))
-        guarded([this] { mnuExportDeltas_Click(1); });
-    else if (key == QLatin1String("importdeltas"))
-        guarded([this] { mnuImportDeltas_Click(); });
-    else if (key == QLatin1String("loadgc3"))
-        guarded([this] { mnuLoadGC3_Click(); });
-    else if (key == QLatin1String("buildgc3"))
-        guarded([this] { mnuBuildGC3_Click(); });
-    else if (key == QLatin1String("loadbmp"))
-        guarded([this] { mnuLoadBMP_Click(); });
+    for (const auto& [name, command] : commands)
+        if (key == QLatin1String(name)) return guarded([this, command] { command(*this); });
 }
 
 void MainForm::setCommandGroup(int group, bool enabled) {

@@ -3,7 +3,8 @@
 // the work is done by the core on the session, which is replaced whole on every load.
 
 #include "app/command_groups.h"
-#include "session/style_session.h"
+#include "session/edits.h"
+#include "session/session_io.h"
 
 #include <QMainWindow>
 

@@ -1,6 +1,5 @@
 // The File menu: open, load a bitmap, the car pack entries, save and exit.
 
-#include "app/bitmap_names.h"
 #include "app/car_list_dock.h"
 #include "app/load_form.h"
 #include "app/main_form.h"
@@ -10,9 +9,11 @@
 #include "exchange/bmp.h"
 #include "exchange/sprite_exchange.h"
 #include "platform/qt/qt_platform.h"
+#include "session/edits.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
 #include "session/save_sequence.h"
+#include "session/session_io.h"
 #include "sprites/sprite_info.h"
 
 #include <QFileInfo>
@@ -105,41 +106,10 @@ void MainForm::mnuLoadBMP_Click() {
 }
 
 void MainForm::importBitmapFile(const QString& path) {
-    const QString name = QFileInfo(path).fileName();
-    const std::optional<BitmapTarget> target = bitmapTarget(name, session_->style.gMapNumber);
-    int asn = target ? target->number : 0;
-    if (target && target->kind == BitmapTarget::Car) {
-        asn = 0;
-        for (int i = 1; i <= session_->cars.highest && asn == 0; ++i)
-            if (const CarEntry* car = session_->cars.find(i);
-                car && car->info.model == target->number)
-                asn = i;
-    }
-    if (!target || asn <= 0) {
-        platform_.message(
-            "The file " + name.toStdString() +
-                " is not named after a sprite of this style.\r"
-                "Exported sprites are named KRBSPR, KRBTIL or CAR + level + \"_\" + number.",
-            Buttons::Ok, Icon::Warning);
-        return;
-    }
-    if (searchNSelect(*session_, platform_, asn) != SearchResult::Selected) return;
+    const bool imported = importSpriteNamedBy(*session_, platform_, fs::path(path.toStdString()));
     board_->refresh();
     updateStatusForSelection();
-
-    // The import reads the sprite's own name in the program's directory.
-    const fs::path expected = session_->workPath(bmpFileName(*session_));
-    const fs::path chosen(path.toStdString());
-    std::error_code ec;
-    if (!fs::equivalent(chosen, expected, ec)) {
-        fs::copy_file(chosen, expected, fs::copy_options::overwrite_existing, ec);
-        if (ec) {
-            platform_.message("Unable to copy " + chosen.string() + " to " + expected.string(),
-                              Buttons::Ok, Icon::Warning);
-            return;
-        }
-    }
-    if (importSprite(*session_, platform_)) markChanged();
+    if (imported) markChanged();
 }
 
 void MainForm::mnuLoadGC3_Click() {

@@ -88,16 +88,7 @@ void MainForm::mnuDbgReadGC3_Click() {
     Gc3Header header;
     if (!readGC3(files.pack, header, platform_)) return;
     platform_.detail("GC3 file:" + files.pack.string());
-    platform_.detail("File Type:" + header.fileType);
-    platform_.detail("ver:" + std::to_string(header.ver));
-    platform_.detail("encrypt:" + std::to_string(header.encrypt));
-    platform_.detail("stylenum:" + std::to_string(header.stylenum));
-    platform_.detail("StyleDataPosition:" + std::to_string(header.StyleDataPosition));
-    platform_.detail("StyleDataPositionEnd:" + std::to_string(header.StyleDataPositionEnd));
-    platform_.detail("StyleDataLOF:" + std::to_string(header.StyleDataLOF));
-    platform_.detail("FXTDataPosition:" + std::to_string(header.FXTDataPosition));
-    platform_.detail("FXTDataPositionEnd:" + std::to_string(header.FXTDataPositionEnd));
-    platform_.detail("FXTDataLOF:" + std::to_string(header.FXTDataLOF));
+    for (const std::string& line : gc3HeaderLines(header)) platform_.detail(line);
     mnuWinDetails_Click();
 }
 

@@ -20,7 +20,7 @@ struct Item {
     const char* shortcut = nullptr;
 };
 
-// Top to bottom, as the game tools' main form has it.
+// The menus top to bottom: the object names and captions the window shows.
 const std::vector<Item>& menuTree() {
     static const std::vector<Item> tree = {
         {0, Submenu, "mnuFile", "&File"},

@@ -13,7 +13,7 @@ struct Place {
     const char* tip;
 };
 
-// Place 1 of the original bar is a leading separator, not drawn here.
+// The buttons left to right; nullptr entries are separators between groups.
 const Place kPlaces[] = {
     {"open", "Open Style File:"},
     {"save", "Save Style File"},

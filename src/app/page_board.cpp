@@ -1,6 +1,6 @@
 #include "app/page_board.h"
 
-#include "session/style_session.h"
+#include "session/session_io.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>

@@ -18,8 +18,9 @@ struct StartupArgs {
     bool splash = true;
 };
 
-// Reads the arguments after the program name; unknown options are ignored, as the game tools
-// did. Debug mode is not an option here: "-d" anywhere in the command line turns it on.
+// Reads the arguments after the program name; unknown options are ignored, so a
+// shortcut with extra options still starts the editor. Debug mode is not an option here: "-d"
+// anywhere in the command line turns it on.
 StartupArgs parseStartupArgs(const QStringList& arguments);
 
 // The whole program: returns the exit status.

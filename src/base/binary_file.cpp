@@ -66,15 +66,24 @@ bool BinaryFile::open(const std::filesystem::path& path, Mode mode) {
     return true;
 }
 
+void BinaryFile::openBytes(std::vector<std::uint8_t>& bytes, const std::filesystem::path& name) {
+    close();
+    path_ = name;
+    memory_ = &bytes;
+    length_ = static_cast<std::int64_t>(bytes.size());
+    pos_ = 0;
+}
+
 void BinaryFile::close() {
     if (file_) std::fclose(file_);
     file_ = nullptr;
+    memory_ = nullptr;
     window_.clear();
     osPos_ = -1;
 }
 
 void BinaryFile::seek(std::int64_t position1) {
-    if (!file_) {
+    if (!isOpen()) {
         errors_.raise(err::BadFileNameOrNumber, "seek");
         return;
     }
@@ -110,11 +119,19 @@ bool BinaryFile::fillWindow(std::int64_t at) {
 
 std::size_t BinaryFile::read(std::span<std::uint8_t> dest) {
     std::fill(dest.begin(), dest.end(), std::uint8_t{0});
-    if (!file_) {
+    if (!isOpen()) {
         errors_.raise(err::BadFileNameOrNumber, "read");
         return 0;
     }
     std::size_t done = 0;
+    if (memory_) {
+        if (pos_ < length_)
+            done = static_cast<std::size_t>(
+                std::min<std::int64_t>(length_ - pos_, static_cast<std::int64_t>(dest.size())));
+        if (done > 0) std::memcpy(dest.data(), memory_->data() + pos_, done);
+        pos_ += static_cast<std::int64_t>(dest.size());
+        return done;
+    }
     while (done < dest.size() && pos_ + static_cast<std::int64_t>(done) < length_) {
         std::int64_t at = pos_ + static_cast<std::int64_t>(done);
         std::int64_t windowEnd = windowStart_ + static_cast<std::int64_t>(window_.size());
@@ -157,13 +174,22 @@ std::int32_t BinaryFile::readI32() {
 }
 
 void BinaryFile::write(std::span<const std::uint8_t> src) {
-    if (!file_) {
+    if (!isOpen()) {
         errors_.raise(err::BadFileNameOrNumber, "write");
         return;
     }
     if (src.empty()) return;
+    if (memory_) {
+        // A gap before the position fills with zeros, as in a file.
+        const auto end = static_cast<std::size_t>(pos_) + src.size();
+        if (memory_->size() < end) memory_->resize(end, 0);
+        std::memcpy(memory_->data() + pos_, src.data(), src.size());
+        pos_ += static_cast<std::int64_t>(src.size());
+        length_ = static_cast<std::int64_t>(memory_->size());
+        return;
+    }
     window_.clear(); // the cache may hold the old bytes
-    // Writing past the end first fills the gap with zeros, as the original runtime did.
+    // Writing past the end first fills the gap with zeros: the file never has a hole.
     if (pos_ > length_) {
         if (!seekOs(length_)) {
             errors_.raise(err::PathFileAccess, "write " + path_.string());

@@ -1,7 +1,8 @@
 #pragma once
-// A file opened "for binary access" the way the game tools' original code used it: 1-based
-// positions, reads past the end that yield zeros (and leave the file at its end) instead of
-// failing, and errors that become the session's pending run-time error.
+// A style file read and written field by field: 1-based positions as the formats are described,
+// reads past the end that yield zeros (and leave the file at its end) instead of failing, and
+// errors that become the session's pending run-time error. It reads and writes a file on disk or
+// bytes in memory (the fuzz targets and tests feed inputs that way).
 
 #include "base/runtime_error.h"
 
@@ -28,9 +29,13 @@ public:
 
     // Opens the file; on failure raises "File not found" (53) or "Path/File access error" (75)
     // and returns false.
-    bool open(const std::filesystem::path& path, Mode mode);
+    [[nodiscard]] bool open(const std::filesystem::path& path, Mode mode);
+    // Reads and writes `bytes` in place of a file: writes change and grow the vector, which must
+    // outlive the BinaryFile (or the next open/close). `name` stands for the path in messages.
+    void openBytes(std::vector<std::uint8_t>& bytes,
+                   const std::filesystem::path& name = "(memory)");
     void close();
-    bool isOpen() const { return file_ != nullptr; }
+    bool isOpen() const { return file_ != nullptr || memory_ != nullptr; }
     const std::filesystem::path& path() const { return path_; }
 
     // LOF: the file's length in bytes.
@@ -63,6 +68,7 @@ private:
 
     ErrorState& errors_;
     std::FILE* file_ = nullptr;
+    std::vector<std::uint8_t>* memory_ = nullptr; // the bytes of openBytes()
     std::filesystem::path path_;
     std::int64_t length_ = 0;
     std::int64_t pos_ = 0; // 0-based
@@ -95,6 +101,6 @@ inline void putI32(std::uint8_t* p, std::int32_t v) {
 }
 
 // Reads a whole file into memory; returns false (and leaves out empty) when it cannot be read.
-bool readWholeFile(const std::filesystem::path& path, std::vector<std::uint8_t>& out);
+[[nodiscard]] bool readWholeFile(const std::filesystem::path& path, std::vector<std::uint8_t>& out);
 
 } // namespace torquil

@@ -26,6 +26,16 @@ T& checkedAt(std::vector<T>& table, long long index, ErrorState& errors, const c
     return table[static_cast<std::size_t>(index)];
 }
 
+template <class T>
+const T& checkedAt(const std::vector<T>& table, long long index, ErrorState& errors,
+                   const char* what) {
+    if (index < 0 || index >= static_cast<long long>(table.size())) {
+        errors.raise(err::SubscriptOutOfRange, what);
+        return scratchElement<T>();
+    }
+    return table[static_cast<std::size_t>(index)];
+}
+
 template <class T, std::size_t N>
 T& checkedAt(std::array<T, N>& table, long long index, ErrorState& errors, const char* what) {
     if (index < 0 || index >= static_cast<long long>(N)) {
@@ -35,9 +45,9 @@ T& checkedAt(std::array<T, N>& table, long long index, ErrorState& errors, const
     return table[static_cast<std::size_t>(index)];
 }
 
-// Mirrors "ReDim Preserve t(0 To last)": grows or shrinks the table to hold indexes 0..last.
+// Grows or shrinks the table to hold indexes 0..last, keeping the elements it already holds.
 template <class T>
-void redimPreserve(std::vector<T>& table, long long last, ErrorState& errors, const char* what) {
+void resizeToLast(std::vector<T>& table, long long last, ErrorState& errors, const char* what) {
     if (last < 0 || last > 100'000'000) {
         errors.raise(err::SubscriptOutOfRange, what);
         return;

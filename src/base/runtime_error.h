@@ -1,14 +1,15 @@
 #pragma once
-// Run-time errors in the manner of the game tools' original BASIC code: a routine keeps going
-// after an error ("resume next") and looks at the pending error number at its end; in debug mode
-// the error stops the operation instead and reaches the top level as an exception.
+// Run-time errors: a routine keeps going after an error and looks at the pending error number at
+// its end; in debug mode the error stops the operation instead and reaches the top level as an
+// exception.
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace torquil {
 
-// Error numbers as the classic BASIC run-time reported them.
+// Error numbers, as the messages show them ("Run-time error '9':").
 namespace err {
 inline constexpr int None = 0;
 inline constexpr int InvalidCall = 5;
@@ -45,6 +46,11 @@ public:
     bool hasPending() const { return pending_ != err::None; }
     void clear() { pending_ = err::None; }
     const std::string& where() const { return where_; }
+    // Replaces the pending error as it stands (number and place), for PendingErrorScope.
+    void restore(int number, std::string where) {
+        pending_ = number;
+        where_ = std::move(where);
+    }
 
     bool debugMode() const { return debugMode_; }
     void setDebugMode(bool on) { debugMode_ = on; }
@@ -52,6 +58,27 @@ public:
 private:
     bool debugMode_;
     int pending_ = err::None;
+    std::string where_;
+};
+
+// A routine that starts from no pending error without dropping its caller's: the caller's pending
+// error is set aside for the scope and comes back at its end, where it stays the first error
+// (and so the one reported). Without one pending, an error raised in the scope stays pending.
+class PendingErrorScope {
+public:
+    explicit PendingErrorScope(ErrorState& errors)
+        : errors_(errors), number_(errors.pending()), where_(errors.where()) {
+        errors_.clear();
+    }
+    ~PendingErrorScope() {
+        if (number_ != err::None) errors_.restore(number_, std::move(where_));
+    }
+    PendingErrorScope(const PendingErrorScope&) = delete;
+    PendingErrorScope& operator=(const PendingErrorScope&) = delete;
+
+private:
+    ErrorState& errors_;
+    int number_;
     std::string where_;
 };
 

@@ -56,7 +56,6 @@ public:
     }
     // A copy as a vector, for callers that keep or compare the contents.
     std::vector<T> toVector() const { return std::vector<T>(begin(), end()); }
-    operator std::vector<T>() const { return toVector(); }
 
 private:
     struct Free {

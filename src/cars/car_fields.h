@@ -63,7 +63,7 @@ struct FieldCursor {
 };
 
 // The text the editor shows for a box. Empty for an unknown index or a missing door.
-std::string fieldText(const CarEntry& entry, int index, const FieldCursor& at = {});
+[[nodiscard]] std::string fieldText(const CarEntry& entry, int index, const FieldCursor& at = {});
 
 // Validation of a box's text against its limits.
 struct FieldCheck {
@@ -72,10 +72,10 @@ struct FieldCheck {
     bool clamped = false;
     bool isNumber = false; // false: left alone (not a number yet, or a box without limits)
 };
-FieldCheck clampFieldText(int index, const std::string& text);
+[[nodiscard]] FieldCheck clampFieldText(int index, const std::string& text);
 
 // An empty (or all blank) box becomes "0" when it loses the focus.
-std::string textOnLeave(const std::string& text);
+[[nodiscard]] std::string textOnLeave(const std::string& text);
 
 enum class FieldStore {
     Stored,

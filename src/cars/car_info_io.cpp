@@ -2,11 +2,13 @@
 
 #include "base/binary_file.h"
 #include "base/checked.h"
+#include "cars/car_names.h"
 #include "cars/car_record.h"
+#include "platform/dump_file.h"
+#include "platform/format_context.h"
 #include "platform/platform.h"
-#include "session/style_session.h"
-#include "sprites/dump_file.h"
 #include "sprites/sprite_tables.h"
+#include "style/style_file.h"
 
 #include <algorithm>
 
@@ -62,22 +64,24 @@ int absoluteSpriteNumber(const SpriteTables& sprites, int vtype, int spr_num) {
     return spr_num + 1 + sprites.countBefore(before);
 }
 
-bool loadCarInfo(StyleSession& s, BinaryFile& file, Platform& platform) {
-    CarTable& table = s.cars;
+bool loadCarInfo(CarTable& table, const CarNames& names, const SpriteTables& sprites,
+                 const StyleFileState& style, BinaryFile& file, FormatContext& ctx) {
+    ErrorState& errors = ctx.errors;
+    Platform& platform = ctx.platform;
     table = CarTable{};
     // Room up to the last car sprite at once rather than moving the table as it grows; capped by
     // the sprites the file really has, so a wild sprite count cannot reserve more.
-    const int lastCar = std::min<int>(s.sprites.lastCarSprite(), s.sprites.spriteCount);
+    const int lastCar = std::min<int>(sprites.lastCarSprite(), sprites.spriteCount);
     if (lastCar > 0) table.slots.reserve(static_cast<std::size_t>(lastCar) + 1);
-    const std::int64_t start = s.style.gSeekCarInfo, end = s.style.gSeekCarInfoEnd;
+    const std::int64_t start = style.gSeekCarInfo, end = style.gSeekCarInfoEnd;
     file.seek(start);
     platform.detail("loadCarInfoSeek:" + std::to_string(start));
 
     DumpFile dump;
-    if (s.options.dumps.carInfo &&
-        dump.open(s.options.workDir, "CARINFO" + std::to_string(s.style.gMapNumber) + ".txt",
-                  s.errors)) {
-        dump.line(s.style.gStyleFileName);
+    if (ctx.options.dumps.carInfo &&
+        dump.open(ctx.options.workDir, "CARINFO" + std::to_string(style.gMapNumber) + ".txt",
+                  errors)) {
+        dump.line(style.gStyleFileName);
         dump.line("Carinfo data as follows is loaded per cds.doc 3.1.3");
         dump.line(
             "Absolute sprite_num calculated by offseting loaded RSN with 3.2.4 sprite_numbers");
@@ -100,7 +104,7 @@ bool loadCarInfo(StyleSession& s, BinaryFile& file, Platform& platform) {
             doors.push_back(decodeDoor(bytes));
         }
 
-        const int asn = absoluteSpriteNumber(s.sprites, info.vtype, info.spr_num);
+        const int asn = absoluteSpriteNumber(sprites, info.vtype, info.spr_num);
         if (asn == 0) {
             platform.detail("Unknown " + recordLine(0, info));
             continue;
@@ -108,16 +112,16 @@ bool loadCarInfo(StyleSession& s, BinaryFile& file, Platform& platform) {
         platform.detail(recordLine(asn, info));
 
         if (asn > table.highest) {
-            redimPreserve(table.slots, asn, s.errors, "car info table");
+            resizeToLast(table.slots, asn, errors, "car info table");
             table.highest = asn;
         }
         if (asn < table.lowest) table.lowest = asn;
 
-        CarEntry& entry = checkedAt(table.slots, asn, s.errors, "car info table");
+        CarEntry& entry = checkedAt(table.slots, asn, errors, "car info table");
         entry.inUse = true;
         entry.info = info;
         entry.fileSeek = static_cast<std::int32_t>(recordStart);
-        entry.name = s.names.nameOf(info.model);
+        entry.name = names.nameOf(info.model);
         entry.doorList = std::move(doors);
         if (dump.isOpen())
             for (const std::string& line : carInfoDebugText(asn, entry)) dump.line(line);
@@ -132,13 +136,14 @@ bool loadCarInfo(StyleSession& s, BinaryFile& file, Platform& platform) {
     platform.detail(std::to_string(table.count) + " car_infos loaded");
     platform.detail(std::to_string(table.highest) + " highest spr_num loaded");
     platform.detail(std::to_string(table.lowest) + " lowest spr_num loaded");
-    return ok && !s.errors.hasPending();
+    return ok && !errors.hasPending();
 }
 
-int saveCarInfo(StyleSession& s, BinaryFile& file, Platform& platform) {
-    std::vector<std::int16_t>& queue = s.style.gSaveCarInfo;
+int saveCarInfo(const CarTable& cars, StyleFileState& style, BinaryFile& file, FormatContext& ctx) {
+    ErrorState& errors = ctx.errors;
+    std::vector<std::int16_t>& queue = style.gSaveCarInfo;
     for (std::size_t i = 1; i < queue.size(); ++i) {
-        const CarEntry& entry = checkedAt(s.cars.slots, queue[i], s.errors, "gSaveCarInfo");
+        const CarEntry& entry = checkedAt(cars.slots, queue[i], errors, "gSaveCarInfo");
         if (!entry.inUse) continue;
         file.seek(entry.fileSeek);
         file.write(encodeCarFixed(entry.info));
@@ -146,8 +151,7 @@ int saveCarInfo(StyleSession& s, BinaryFile& file, Platform& platform) {
         for (const DoorRec& door : entry.doorList) file.write(encodeDoor(door));
     }
     queue.assign(1, 0);
-    (void)platform;
-    return s.errors.pending();
+    return errors.pending();
 }
 
 } // namespace torquil

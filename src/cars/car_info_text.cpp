@@ -3,7 +3,6 @@
 #include "cars/car_info_io.h"
 
 #include "platform/platform.h"
-#include "session/style_session.h"
 
 namespace torquil {
 
@@ -68,16 +67,16 @@ std::vector<std::string> carInfoDumpLines(const CarEntry& e) {
     return out;
 }
 
-void dumpCarInfo(const StyleSession& s, Platform& platform, int asn) {
-    if (asn <= 0 || asn >= static_cast<int>(s.cars.slots.size())) return;
-    const CarEntry& entry = s.cars.slots[static_cast<std::size_t>(asn)];
+void dumpCarInfo(const CarTable& cars, Platform& platform, int asn) {
+    if (asn <= 0 || asn >= static_cast<int>(cars.slots.size())) return;
+    const CarEntry& entry = cars.slots[static_cast<std::size_t>(asn)];
     if (!entry.inUse) return;
     for (const std::string& line : carInfoDumpLines(entry)) platform.detail(line);
 }
 
 std::vector<std::string> carInfoDebugText(int asn, const CarEntry& e) {
     const CarInfo& c = e.info;
-    // The lines start at the columns the original dump used (Tab(5), Tab(11), ...).
+    // The lines start at the columns of the CARINFO dump file (Tab(5), Tab(11), ...).
     auto at = [](int column) { return std::string(static_cast<std::size_t>(column - 1), ' '); };
     std::vector<std::string> out;
     out.push_back("Sprite(" + n(asn) + ") RSN:" + n(c.spr_num));

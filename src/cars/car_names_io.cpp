@@ -3,8 +3,9 @@
 #include "base/binary_file.h"
 #include "base/work_dir.h"
 #include "cars/fxt.h"
+#include "platform/format_context.h"
 #include "platform/platform.h"
-#include "session/style_session.h"
+#include "style/style_file.h"
 
 #include <fstream>
 #include <optional>
@@ -17,7 +18,7 @@ constexpr const char* kFxtName = "ENGLISH.FXT";
 constexpr const char* kDecodedName = "~TMP.TXT";
 constexpr const char* kRebuiltName = "~TMPN.TXT";
 
-// Lines as the original's Line Input read them: ended by CR or CR LF; a lone LF stays in the line.
+// Lines of the decoded text: ended by CR or CR LF; a lone LF stays in the line.
 std::vector<std::string> readLines(const std::vector<std::uint8_t>& bytes) {
     std::vector<std::string> lines;
     std::string line;
@@ -57,30 +58,32 @@ std::optional<std::string> rebuiltLine(const std::string& line, const CarNames& 
 
 } // namespace
 
-bool loadCarNames(StyleSession& s, BinaryFile& /*file*/, Platform& platform) {
-    s.names = CarNames{};
-    const fs::path folder = s.style.dataFolder();
+bool loadCarNames(CarNames& names, const StyleFileState& style, FormatContext& ctx) {
+    Platform& platform = ctx.platform;
+    names = CarNames{};
+    const fs::path folder = style.dataFolder();
     const fs::path fxt = findFileNoCase(folder, kFxtName);
-    const fs::path decoded = s.workPath(kDecodedName);
+    const fs::path decoded = ctx.options.workPath(kDecodedName);
     std::error_code ec;
     if (fs::is_regular_file(fxt, ec)) {
-        s.names.fromFxt = fxt2txt(fxt, decoded, &s.names, platform);
-        return s.names.fromFxt;
+        names.fromFxt = fxt2txt(fxt, decoded, &names, platform);
+        return names.fromFxt;
     }
     platform.message("Warning: ENGLISH.FXT was not with the style file in the\r" + folder.string() +
                      " directory.\r" +
                      "You will not be able to load or save the real car names. (defaults names "
                      "used)");
-    fillBuiltInNames(s.names);
+    fillBuiltInNames(names);
     // A decoded copy left over from another style must not be saved into this one's folder.
     fs::remove(decoded, ec);
     return true;
 }
 
-bool saveCarNames(StyleSession& s, Platform& platform) {
-    const fs::path decoded = s.workPath(kDecodedName);
-    const fs::path rebuilt = s.workPath(kRebuiltName);
-    const fs::path fxt = findFileNoCase(s.style.dataFolder(), kFxtName);
+bool saveCarNames(const CarNames& names, const StyleFileState& style, FormatContext& ctx) {
+    Platform& platform = ctx.platform;
+    const fs::path decoded = ctx.options.workPath(kDecodedName);
+    const fs::path rebuilt = ctx.options.workPath(kRebuiltName);
+    const fs::path fxt = findFileNoCase(style.dataFolder(), kFxtName);
     std::error_code ec;
     std::vector<std::uint8_t> bytes;
     if (!fs::is_regular_file(decoded, ec) || !readWholeFile(decoded, bytes)) {
@@ -91,7 +94,7 @@ bool saveCarNames(StyleSession& s, Platform& platform) {
     {
         std::ofstream out(rebuilt, std::ios::binary | std::ios::trunc);
         for (const std::string& line : readLines(bytes))
-            if (auto kept = rebuiltLine(line, s.names)) out << *kept << "\r\n";
+            if (auto kept = rebuiltLine(line, names)) out << *kept << "\r\n";
         if (!out) {
             platform.message("Error occured during write of FXT file.");
             return false;
@@ -99,16 +102,6 @@ bool saveCarNames(StyleSession& s, Platform& platform) {
     }
     if (!txt2fxt(rebuilt, fxt, platform)) return false;
     platform.message("Note: Car name changes are not accepted by KRB until it is restarted.");
-    return true;
-}
-
-bool renameCarModel(StyleSession& s, int model, const std::string& name) {
-    if (model < 0 || model >= kCarNameCount) return false;
-    s.names.names[static_cast<std::size_t>(model)] = name;
-    s.style.gCarNamesChanged = true;
-    // Every loaded car of the model shows the new name.
-    for (CarEntry& car : s.cars.slots)
-        if (car.inUse && car.info.model == model) car.name = name;
     return true;
 }
 

@@ -11,8 +11,8 @@ namespace torquil {
 
 // Stored value -> text in the format "#0.000": at least one integer digit, exactly three
 // decimals. A value exactly halfway between two thousandths rounds away from zero (4096 gives
-// "0.063"), as the number formatting of the original editor did; a negative value keeps its
-// sign even when it rounds to zero ("-0.000").
+// "0.063"), as the car editor shows it; a negative value keeps its sign even when it
+// rounds to zero ("-0.000").
 std::string float32in(std::int32_t stored);
 
 // Text -> stored value: the text read as a number, times 65536, rounded to the nearest integer
@@ -24,7 +24,7 @@ std::int32_t float32out(const std::string& text);
 // an optional fraction and exponent. Anything else gives nothing.
 std::optional<double> parseNumber(std::string_view text);
 
-// A real number to a whole number, halves to even (how the original converted box texts).
+// A real number to a whole number, halves to even (how box texts become whole numbers).
 std::int64_t wholeNumber(double value);
 
 } // namespace torquil

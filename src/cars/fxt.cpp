@@ -2,7 +2,7 @@
 
 #include "base/binary_file.h"
 #include "platform/platform.h"
-#include "sprites/progress_scope.h"
+#include "platform/progress_scope.h"
 
 #include <algorithm>
 #include <fstream>
@@ -17,8 +17,8 @@ constexpr int kProgressEvery = 100;
 // "[]" + 0x19 as an entry and "[]" without its end: the end of every file written here.
 constexpr std::array<std::uint8_t, 6> kEndMarker{0x5C, 0x5E, 0x1A, 0x01, 0x5C, 0x5E};
 
-// The position after the block that holds byte `index` of the file, as the block-wise reading
-// of the original left it (1-based, capped at the end of the file).
+// The position after the block that holds byte `index` of the file, where block-wise reading
+// stands after that byte (1-based, capped at the end of the file).
 std::int64_t positionAfterBlock(std::size_t index, std::size_t length) {
     const std::size_t block = (index - kFxtKey.size()) / kBlock;
     return static_cast<std::int64_t>(std::min(kFxtKey.size() + (block + 1) * kBlock, length)) + 1;
@@ -47,7 +47,7 @@ void takeCarName(const std::string& entry, CarNames& names) {
     if (entry.size() < 5 || entry[4] < '0' || entry[4] > '9') return;
     const std::size_t bracket = entry.find(']');
     if (bracket == std::string::npos || bracket < 5) return;
-    // The number is read as far as it goes, the way the original's Val() read "12x" as 12.
+    // The number is read as far as its digits go: "12x" reads as 12.
     long number = 0;
     for (std::size_t i = 4; i < bracket && entry[i] >= '0' && entry[i] <= '9'; ++i) {
         number = number * 10 + (entry[i] - '0');
@@ -63,8 +63,8 @@ std::vector<std::uint8_t> decodeFxtBytes(std::span<const std::uint8_t> coded, Ca
     std::vector<std::uint8_t> text;
     text.reserve(coded.size() + coded.size() / 16);
     // The key covers the first eight bytes whatever they hold, so a first entry of eight bytes or
-    // less runs into the next line, as in the game's own tools. A file shorter than the key
-    // decodes its missing bytes as zeros, as reading past the end did.
+    // less runs into the next line. A file shorter than the key decodes its missing bytes as
+    // zeros, as reading past the end gives.
     for (std::size_t i = 0; i < kFxtKey.size(); ++i)
         text.push_back(static_cast<std::uint8_t>((i < coded.size() ? coded[i] : 0) + kFxtKey[i]));
 
@@ -166,7 +166,7 @@ bool txt2fxt(const fs::path& txt, const fs::path& fxt, Platform& platform) {
                                100);
         std::vector<std::uint8_t> text;
         if (readWholeFile(txt, text)) {
-            // The old file goes first, as the original deleted it before writing.
+            // The old file is deleted before the new one is written.
             ok = !fs::exists(fxt, ec) || fs::remove(fxt, ec);
             if (ok)
                 ok = writeBytes(fxt,

@@ -29,18 +29,20 @@ using FxtProgress = std::function<void(std::int64_t position)>;
 
 // The decoded text of a coded file (entries as lines ended by CR LF); fills `names` (when given)
 // from the car name entries.
-std::vector<std::uint8_t> decodeFxtBytes(std::span<const std::uint8_t> coded, CarNames* names,
-                                         const FxtProgress& progress = {});
+[[nodiscard]] std::vector<std::uint8_t> decodeFxtBytes(std::span<const std::uint8_t> coded,
+                                                       CarNames* names,
+                                                       const FxtProgress& progress = {});
 // The coded form of a decoded text (every LF ends an entry, CR is dropped), end marker included.
-std::vector<std::uint8_t> encodeFxtBytes(std::span<const std::uint8_t> text,
-                                         const FxtProgress& progress = {});
+[[nodiscard]] std::vector<std::uint8_t> encodeFxtBytes(std::span<const std::uint8_t> text,
+                                                       const FxtProgress& progress = {});
 
 // Takes "[carN]Name" into the car names table when N is 0..90; other entries change nothing.
 void takeCarName(const std::string& entry, CarNames& names);
 
 // File to file, with the progress form. Messages: "Unable to open :" + path when the input is
 // missing; "Error occured during load of FXT file." / "... write of FXT file." on other errors.
-bool fxt2txt(const fs::path& fxt, const fs::path& txt, CarNames* names, Platform& platform);
-bool txt2fxt(const fs::path& txt, const fs::path& fxt, Platform& platform);
+[[nodiscard]] bool fxt2txt(const fs::path& fxt, const fs::path& txt, CarNames* names,
+                           Platform& platform);
+[[nodiscard]] bool txt2fxt(const fs::path& txt, const fs::path& fxt, Platform& platform);
 
 } // namespace torquil

@@ -2,8 +2,9 @@
 // torquil-cli: the core without windows. Every command is registered on one CLI11 app.
 
 #include "platform/console_platform.h"
+#include "session/edits.h"
 #include "session/load_sequence.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 
 #include <CLI/CLI.hpp>
 

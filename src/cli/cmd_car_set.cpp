@@ -6,7 +6,6 @@
 #include "cars/car_listing.h"
 #include "cars/car_names_io.h"
 #include "cars/car_record.h"
-#include "session/car_edit.h"
 #include "session/save_sequence.h"
 
 #include <ostream>
@@ -171,8 +170,14 @@ void registerCarSetCommand(CLI::App& app, Context& ctx) {
         }
 
         const CarEntry before = *car;
-        // The same edit as the car editor's and the car list's.
-        applyCarEdit(*session, args->asn, edited, recordChanged, nameChanged);
+        CarEdit edit;
+        if (recordChanged) {
+            edit.info = edited.info;
+            edit.doors = edited.doorList;
+        }
+        if (nameChanged) edit.name = edited.name;
+        // The model was checked against the names table above.
+        (void)editCar(*session, args->asn, edit);
 
         // The editor's "Save Changes": backups first, then the record in place and the names.
         const SaveOutcome outcome = saveChanges(*session, *platform);

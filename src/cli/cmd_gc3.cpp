@@ -12,16 +12,7 @@ namespace torquil::cli {
 namespace {
 
 void printHeader(std::ostream& out, const Gc3Header& h) {
-    out << "File Type:" << h.fileType << '\n'
-        << "ver:" << h.ver << '\n'
-        << "encrypt:" << int{h.encrypt} << '\n'
-        << "stylenum:" << int{h.stylenum} << '\n'
-        << "StyleDataPosition:" << h.StyleDataPosition << '\n'
-        << "StyleDataPositionEnd:" << h.StyleDataPositionEnd << '\n'
-        << "StyleDataLOF:" << h.StyleDataLOF << '\n'
-        << "FXTDataPosition:" << h.FXTDataPosition << '\n'
-        << "FXTDataPositionEnd:" << h.FXTDataPositionEnd << '\n'
-        << "FXTDataLOF:" << h.FXTDataLOF << '\n';
+    for (const std::string& line : gc3HeaderLines(h)) out << line << '\n';
 }
 
 } // namespace

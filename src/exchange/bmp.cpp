@@ -1,8 +1,10 @@
 #include "exchange/bmp.h"
 
 #include "base/binary_file.h"
+#include "cars/car_info.h"
+#include "platform/format_context.h"
 #include "platform/platform.h"
-#include "session/style_session.h"
+#include "sprites/sprite_tables.h"
 #include "style/style_file.h"
 
 #include <algorithm>
@@ -19,10 +21,10 @@ std::uint32_t getU32(const std::uint8_t* p) {
     return static_cast<std::uint32_t>(getI32(p));
 }
 
-bool isLoadedCar(const StyleSession& session, int asn) {
-    const auto& slots = session.cars.slots;
-    return asn >= session.sprites.firstCarSprite() && asn <= session.sprites.lastCarSprite() &&
-           asn > 0 && asn < static_cast<int>(slots.size()) && slots[asn].inUse;
+bool isLoadedCar(const CarTable& cars, const SpriteTables& sprites, int asn) {
+    const auto& slots = cars.slots;
+    return asn >= sprites.firstCarSprite() && asn <= sprites.lastCarSprite() && asn > 0 &&
+           asn < static_cast<int>(slots.size()) && slots[asn].inUse;
 }
 
 // The 40-byte information header as written: the image size is the unpadded pixel count.
@@ -76,41 +78,32 @@ std::string refusalReason(const BmpHeaders& h, int width, int height) {
     return reason;
 }
 
-bool sameColours(const BmpColourTable& a, const BmpColourTable& b) {
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (a[i].b != b[i].b || a[i].g != b[i].g || a[i].r != b[i].r) return false;
-    return true;
-}
-
 } // namespace
 
-std::string bmpFileName(const StyleSession& session, const SpriteRec& sprite) {
-    const std::string level = std::to_string(session.style.gMapNumber);
-    if (session.style.loadOption == kLoadTiles)
+std::string bmpFileName(const StyleFileState& style, const CarTable& cars,
+                        const SpriteTables& sprites, const SpriteRec& sprite) {
+    const std::string level = std::to_string(style.gMapNumber);
+    if (style.loadOption == kLoadTiles)
         return "KRBTIL" + level + "_" + std::to_string(sprite.ASN) + ".bmp";
-    if (isLoadedCar(session, sprite.ASN))
+    if (isLoadedCar(cars, sprites, sprite.ASN))
         return "CAR" + level + "_" +
-               std::to_string(session.cars.slots[static_cast<std::size_t>(sprite.ASN)].info.model) +
-               ".bmp";
+               std::to_string(cars.slots[static_cast<std::size_t>(sprite.ASN)].info.model) + ".bmp";
     return "KRBSPR" + level + "_" + std::to_string(sprite.ASN) + ".bmp";
 }
 
-std::string bmpFileName(const StyleSession& session) {
-    const SpriteRec* sprite = session.selectedSprite();
-    return sprite ? bmpFileName(session, *sprite) : std::string{};
-}
-
-bool writeBmp(StyleSession& session, Platform& platform, const fs::path& file,
-              std::span<const std::uint8_t> pixels, int clut, int width, int height) {
-    ErrorState& errors = session.errors;
-    errors.clear();
+bool writeBmp(const ColourTables& styleColours, const StyleFileState& style, const fs::path& file,
+              std::span<const std::uint8_t> pixels, int clut, int width, int height,
+              FormatContext& ctx) {
+    ErrorState& errors = ctx.errors;
+    Platform& platform = ctx.platform;
+    const PendingErrorScope fresh(errors);
     if (width < 0 || height < 0 ||
         pixels.size() < static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) {
         errors.raise(err::SubscriptOutOfRange, "writeBmp pixels");
         return false;
     }
-    const BmpColourTable colours =
-        session.style.gIs24Bit ? clutColourTable(session, clut) : palette8ColourTable(session);
+    const BmpColourTable colours = style.gIs24Bit ? clutColourTable(styleColours, errors, clut)
+                                                  : palette8ColourTable(styleColours);
 
     BinaryFile out(errors);
     if (!out.open(file, BinaryFile::Mode::Create)) return false;
@@ -151,10 +144,11 @@ bool writeBmp(StyleSession& session, Platform& platform, const fs::path& file,
     return !errors.hasPending();
 }
 
-bool readBmp(StyleSession& session, Platform& platform, const fs::path& file, int clut, int width,
-             int height, std::vector<std::uint8_t>& pixels) {
-    ErrorState& errors = session.errors;
-    errors.clear();
+bool readBmp(const fs::path& file, int width, int height, std::vector<std::uint8_t>& pixels,
+             FormatContext& ctx, const AcceptPalette& acceptPalette) {
+    ErrorState& errors = ctx.errors;
+    Platform& platform = ctx.platform;
+    const PendingErrorScope fresh(errors);
     std::error_code ec;
     if (!fs::is_regular_file(file, ec)) {
         platform.message("Sprite to be imported named " + file.string() + " was not found.");
@@ -184,18 +178,7 @@ bool readBmp(StyleSession& session, Platform& platform, const fs::path& file, in
         return false;
     }
 
-    if (!session.style.gIs24Bit) {
-        if (!sameColours(h.colours, palette8ColourTable(session))) {
-            platform.progress().close();
-            const Answer a = platform.message(
-                "Warning: Imported Sprite palette does not match 8bit KRB palette.\r"
-                "The imported palette will be ignored in favor of the correct KRB8bit palette.",
-                Buttons::OkCancel, Icon::Warning, "Import GRY Palette");
-            if (a != Answer::Ok) return false;
-        }
-    } else if (!comparePalette(session, platform, clut, h.colours)) {
-        return false;
-    }
+    if (!acceptPalette(h.colours)) return false;
 
     std::vector<std::uint8_t> result(static_cast<std::size_t>(w * rows));
     std::vector<std::uint8_t> row(static_cast<std::size_t>(rowLength));

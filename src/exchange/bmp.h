@@ -5,6 +5,12 @@
 
 #include "exchange/palette_compare.h"
 
+#include <functional>
+
+#include <functional>
+
+#include <functional>
+
 #include <cstdint>
 #include <filesystem>
 #include <span>
@@ -13,9 +19,12 @@
 
 namespace torquil {
 
-class Platform;
-class StyleSession;
+struct CarTable;
+struct ColourTables;
+struct FormatContext;
 struct SpriteRec;
+struct SpriteTables;
+struct StyleFileState;
 
 inline constexpr int kBmpFileHeaderSize = 14;
 inline constexpr int kBmpInfoHeaderSize = 40;
@@ -25,9 +34,8 @@ inline constexpr std::int64_t kBmpMinimumFileSize = 255;
 // The name of a sprite's BMP: "KRBTIL" + level + "_" + tile number for tiles, "CAR" + level +
 // "_" + the car record's model for a car sprite with a loaded record, else "KRBSPR" + level +
 // "_" + sprite number; always with ".bmp".
-std::string bmpFileName(const StyleSession& session, const SpriteRec& sprite);
-// The name for the board's selection; empty when nothing is selected.
-std::string bmpFileName(const StyleSession& session);
+[[nodiscard]] std::string bmpFileName(const StyleFileState& style, const CarTable& cars,
+                                      const SpriteTables& sprites, const SpriteRec& sprite);
 
 // Row length in the file: the width rounded up to a multiple of 4.
 inline std::int64_t bmpRowLength(std::int64_t width) {
@@ -37,14 +45,19 @@ inline std::int64_t bmpRowLength(std::int64_t width) {
 // Writes width x height palette indexes (row-major, top row first) as a BMP with the style's
 // colours: the 8-bit palette of a .GRY style, CLUT `clut` of a .G24 style. Advances the progress
 // form once per row. Returns false when a run-time error stopped it.
-bool writeBmp(StyleSession& session, Platform& platform, const std::filesystem::path& file,
-              std::span<const std::uint8_t> pixels, int clut, int width, int height);
+[[nodiscard]] bool writeBmp(const ColourTables& colours, const StyleFileState& style,
+                            const std::filesystem::path& file, std::span<const std::uint8_t> pixels,
+                            int clut, int width, int height, FormatContext& ctx);
 
-// Reads and checks a BMP for a width x height sprite drawn with CLUT `clut` and reconciles its
-// palette with the style's colours (which may ask the user and change the CLUT). On success
-// `pixels` holds width x height indexes, top row first. A width of 0 takes the file's own size.
-// Every failing check shows its message and returns false with `pixels` untouched.
-bool readBmp(StyleSession& session, Platform& platform, const std::filesystem::path& file, int clut,
-             int width, int height, std::vector<std::uint8_t>& pixels);
+// Decides whether a BMP's colour table may be imported (and may ask the user, or change a CLUT).
+using AcceptPalette = std::function<bool(const BmpColourTable& imported)>;
+
+// Reads and checks a BMP for a width x height sprite; its colour table goes through
+// `acceptPalette`. On success `pixels` holds width x height indexes, top row first. A width of 0
+// takes the file's own size. Every failing check shows its message and returns false with
+// `pixels` untouched.
+[[nodiscard]] bool readBmp(const std::filesystem::path& file, int width, int height,
+                           std::vector<std::uint8_t>& pixels, FormatContext& ctx,
+                           const AcceptPalette& acceptPalette);
 
 } // namespace torquil

@@ -2,8 +2,10 @@
 
 #include "base/binary_file.h"
 #include "exchange/delta_dump.h"
+#include "platform/format_context.h"
 #include "platform/platform.h"
-#include "session/style_session.h"
+#include "sprites/delta_table.h"
+#include "style/style_file.h"
 
 #include <algorithm>
 #include <limits>
@@ -83,12 +85,13 @@ std::int64_t writeRuns(BinaryFile& file, int index, const DeltaRec& delta, Delta
 
 } // namespace
 
-std::int64_t deltaStoreStart(const StyleSession& session) {
-    return session.style.gSeekGraphicsStart;
+std::int64_t deltaStoreStart(const StyleFileState& style) {
+    return style.gSeekGraphicsStart;
 }
 
-bool loadDeltas(StyleSession& session, BinaryFile& file, Platform& platform) {
-    DeltaTable& table = session.deltas;
+bool loadDeltas(DeltaTable& table, const StyleFileState& style, BinaryFile& file,
+                FormatContext& ctx) {
+    Platform& platform = ctx.platform;
     ProgressSink& progress = platform.progress();
     const int count = deltasInTable(table);
     progress.open("Load Delta Graphics", "Loading Delta Graphics and Data...",
@@ -97,16 +100,16 @@ bool loadDeltas(StyleSession& session, BinaryFile& file, Platform& platform) {
     for (DeltaRec& delta : table.myDeltas) delta.runLine.assign(1, RunLine{});
 
     std::optional<DeltaLoadDump> dump;
-    if (session.options.dumps.delta) {
+    if (ctx.options.dumps.delta) {
         platform.message("Generating loadDelta File");
-        dump.emplace(session.workPath("loadDelta.txt"));
+        dump.emplace(ctx.options.workPath("loadDelta.txt"));
     }
 
-    const std::int64_t storeStart = deltaStoreStart(session);
+    const std::int64_t storeStart = deltaStoreStart(style);
     if (count == 0) {
         // No deltas: the store is empty and ends where the sprite graphics section ends, which
         // is where a later save starts (and ends) writing.
-        table.deltaStart = session.style.gSeekGraphicsEnd;
+        table.deltaStart = style.gSeekGraphicsEnd;
         file.seek(table.deltaStart);
     }
     for (int i = 0; i < count; ++i) {
@@ -116,7 +119,7 @@ bool loadDeltas(StyleSession& session, BinaryFile& file, Platform& platform) {
         const std::int64_t end = start + delta.size;
         if (dump) dump->beginDelta(i, delta, start, end);
         if (start < 1) {
-            session.errors.raise(err::BadRecordNumber, "delta " + std::to_string(i));
+            ctx.errors.raise(err::BadRecordNumber, "delta " + std::to_string(i));
             continue;
         }
         file.seek(start);
@@ -134,25 +137,24 @@ bool loadDeltas(StyleSession& session, BinaryFile& file, Platform& platform) {
         return false;
     }
     progress.close();
-    return !session.errors.hasPending();
+    return !ctx.errors.hasPending();
 }
 
-int saveDeltas(StyleSession& session, BinaryFile& file, Platform& platform) {
-    ErrorState& errors = session.errors;
-    DeltaTable& table = session.deltas;
-    StyleFileState& style = session.style;
+int saveDeltas(DeltaTable& table, StyleFileState& style, BinaryFile& file, FormatContext& ctx) {
+    ErrorState& errors = ctx.errors;
+    Platform& platform = ctx.platform;
     ProgressSink& progress = platform.progress();
-    errors.clear();
+    const PendingErrorScope fresh(errors);
     const int count = deltasInTable(table);
     progress.open("Save Delta Graphics", "Saving Delta Graphics...", std::max(0, count - 1));
 
     std::optional<DeltaSaveDump> dump;
-    if (session.options.dumps.delta) {
+    if (ctx.options.dumps.delta) {
         platform.message("Generating saveDelta File");
-        dump.emplace(session.workPath("loaddeltassave.txt"));
+        dump.emplace(ctx.options.workPath("loaddeltassave.txt"));
     }
 
-    const std::int64_t storeStart = deltaStoreStart(session);
+    const std::int64_t storeStart = deltaStoreStart(style);
     // Never write from a place the load did not find inside the file: a bad start would pad the
     // file with zeros up to it.
     if (table.deltaStart < std::max<std::int64_t>(1, storeStart) ||

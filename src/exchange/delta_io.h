@@ -7,21 +7,24 @@
 namespace torquil {
 
 class BinaryFile;
-class Platform;
-class StyleSession;
+struct DeltaTable;
+struct FormatContext;
+struct StyleFileState;
 
 // The delta store starts where the sprite graphics section starts: a delta's ptr counts from the
 // first byte of page 0.
-std::int64_t deltaStoreStart(const StyleSession& session);
+[[nodiscard]] std::int64_t deltaStoreStart(const StyleFileState& style);
 
 // Reads the runs of deltas 0 .. deltaCount - 1. True on success; false (with "Unexpected EOF
 // during load of Delta Graphics") when the file is at its end after the last delta, or when a
 // run-time error is pending.
-bool loadDeltas(StyleSession& session, BinaryFile& file, Platform& platform);
+[[nodiscard]] bool loadDeltas(DeltaTable& deltas, const StyleFileState& style, BinaryFile& file,
+                              FormatContext& ctx);
 
 // Writes every delta's runs one after another from deltaStart, rewrites each size/pointer pair
 // and sprite_graphics_size, moves gSeekGraphicsEnd to the store's new end and clears
 // gDeltasChanged. Returns 0 or the run-time error number.
-int saveDeltas(StyleSession& session, BinaryFile& file, Platform& platform);
+[[nodiscard]] int saveDeltas(DeltaTable& deltas, StyleFileState& style, BinaryFile& file,
+                             FormatContext& ctx);
 
 } // namespace torquil

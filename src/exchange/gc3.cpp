@@ -361,4 +361,17 @@ bool applyGC3(const fs::path& packPath, const fs::path& style, const fs::path& f
     return true;
 }
 
+std::vector<std::string> gc3HeaderLines(const Gc3Header& h) {
+    return {"File Type:" + h.fileType,
+            "ver:" + std::to_string(h.ver),
+            "encrypt:" + std::to_string(h.encrypt),
+            "stylenum:" + std::to_string(h.stylenum),
+            "StyleDataPosition:" + std::to_string(h.StyleDataPosition),
+            "StyleDataPositionEnd:" + std::to_string(h.StyleDataPositionEnd),
+            "StyleDataLOF:" + std::to_string(h.StyleDataLOF),
+            "FXTDataPosition:" + std::to_string(h.FXTDataPosition),
+            "FXTDataPositionEnd:" + std::to_string(h.FXTDataPositionEnd),
+            "FXTDataLOF:" + std::to_string(h.FXTDataLOF)};
+}
+
 } // namespace torquil

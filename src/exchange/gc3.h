@@ -32,6 +32,10 @@ struct Gc3Header {
     std::int32_t FXTDataPosition = 0, FXTDataPositionEnd = 0, FXTDataLOF = 0;
 };
 
+// The header as "field:value" lines ("File Type:GC3", "ver:1", ...), for the details window and
+// the command line.
+[[nodiscard]] std::vector<std::string> gc3HeaderLines(const Gc3Header& header);
+
 struct Gc3Record {
     std::int32_t position = 0; // 1-based position of the run's last byte
     std::int32_t length = 0;
@@ -39,8 +43,8 @@ struct Gc3Record {
     std::int64_t first() const { return std::int64_t{position} - length + 1; }
 };
 
-std::vector<std::uint8_t> encodeGc3Header(const Gc3Header& header);
-Gc3Header decodeGc3Header(const std::uint8_t* bytes); // kGc3HeaderSize bytes
+[[nodiscard]] std::vector<std::uint8_t> encodeGc3Header(const Gc3Header& header);
+[[nodiscard]] Gc3Header decodeGc3Header(const std::uint8_t* bytes); // kGc3HeaderSize bytes
 
 // Seconds since local midnight; the pack's `encrypt` byte is taken from it.
 using Gc3Clock = std::function<double()>;
@@ -56,14 +60,16 @@ void diffFiles(BinaryFile& modified, BinaryFile& original, BinaryFile& pack, Pla
 
 // Writes a pack from a modified and an original style file and text file. Reports its own errors
 // ("Error writing GC3 file.", the two-levels refusal) and returns false after one.
-bool writeGC3(const std::filesystem::path& modStyle, const std::filesystem::path& origStyle,
-              const std::filesystem::path& modFxt, const std::filesystem::path& origFxt,
-              const std::filesystem::path& pack, Platform& platform,
-              const Gc3Clock& clock = secondsSinceMidnight);
+[[nodiscard]] bool writeGC3(const std::filesystem::path& modStyle,
+                            const std::filesystem::path& origStyle,
+                            const std::filesystem::path& modFxt,
+                            const std::filesystem::path& origFxt, const std::filesystem::path& pack,
+                            Platform& platform, const Gc3Clock& clock = secondsSinceMidnight);
 
 // Reads a pack's header; "Error reading GC3 file." when the pack is missing or shorter than its
 // header.
-bool readGC3(const std::filesystem::path& pack, Gc3Header& header, Platform& platform);
+[[nodiscard]] bool readGC3(const std::filesystem::path& pack, Gc3Header& header,
+                           Platform& platform);
 
 // A whole pack in memory: the header and both lists of runs.
 struct Gc3Pack {
@@ -72,13 +78,14 @@ struct Gc3Pack {
 };
 // Parses a pack; false with `error` set when the header is short, the type is not "GC3", or a
 // record range or a record runs outside the file.
-bool parseGc3(const std::vector<std::uint8_t>& bytes, Gc3Pack& pack, std::string& error);
+[[nodiscard]] bool parseGc3(const std::vector<std::uint8_t>& bytes, Gc3Pack& pack,
+                            std::string& error);
 
 // Applies a pack to a style file and a text file: each becomes the pack's modified file, with
 // the recorded length. Refuses, writing nothing, a pack of another level than the style file's
 // name, a file too short for a run, or a run past the recorded length. Both files are written
 // to temporary files first and renamed over the originals.
-bool applyGC3(const std::filesystem::path& pack, const std::filesystem::path& style,
-              const std::filesystem::path& fxt, Platform& platform);
+[[nodiscard]] bool applyGC3(const std::filesystem::path& pack, const std::filesystem::path& style,
+                            const std::filesystem::path& fxt, Platform& platform);
 
 } // namespace torquil

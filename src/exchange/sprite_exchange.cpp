@@ -1,17 +1,16 @@
 #include "exchange/sprite_exchange.h"
 
-#include "exchange/bmp.h"
 #include "platform/platform.h"
-#include "session/loaders.h"
-#include "session/picture_file.h"
-#include "session/style_session.h"
-#include "style/page_io.h"
+#include "sprites/sprite_tables.h"
+#include "style/pages.h"
+
+#include <algorithm>
 
 namespace torquil {
 
 namespace {
 
-// The sprite's rectangle clipped to its page; empty for a page outside the 26.
+// The sprite's rectangle clipped to its page; empty for a page outside 0 .. kMaxPages - 1.
 struct PageRect {
     int page = -1, x0 = 0, y0 = 0, x1 = 0, y1 = 0;
     bool empty() const { return page < 0 || x0 >= x1 || y0 >= y1; }
@@ -30,71 +29,29 @@ PageRect clippedRect(const SpriteRec& s) {
 
 } // namespace
 
-std::vector<std::uint8_t> spritePixels(const StyleSession& session, const SpriteRec& sprite) {
+std::vector<std::uint8_t> spritePixels(const Pages& pages, const SpriteRec& sprite) {
     const int w = sprite.W, h = sprite.H;
     std::vector<std::uint8_t> out(static_cast<std::size_t>(w) * h, 0);
     const PageRect r = clippedRect(sprite);
     if (r.empty()) return out;
     for (int y = r.y0; y < r.y1; ++y) {
-        const std::uint8_t* src = session.pages.row(r.page, y);
+        const std::uint8_t* src = pages.row(r.page, y);
         std::copy(src + r.x0, src + r.x1,
                   out.begin() + static_cast<std::ptrdiff_t>(y - sprite.yo) * w);
     }
     return out;
 }
 
-std::filesystem::path exportSprite(StyleSession& session, Platform& platform) {
-    const SpriteRec* sprite = session.selectedSprite();
-    if (!sprite) return {};
-    const std::filesystem::path file = session.workPath(bmpFileName(session, *sprite));
-    return exportSpriteTo(session, platform, file) ? file : std::filesystem::path{};
-}
-
-bool exportSpriteTo(StyleSession& session, Platform& platform, const std::filesystem::path& file) {
-    const SpriteRec* sprite = session.selectedSprite();
-    if (!sprite) return false;
-    platform.progress().open("Exporting", file.filename().string(), std::max(0, sprite->H - 1));
-    const bool written = writePicture(session, platform, file, spritePixels(session, *sprite),
-                                      sprite->clut, sprite->W, sprite->H);
-    platform.progress().close();
-    return written;
-}
-
-bool importSprite(StyleSession& session, Platform& platform) {
-    const SpriteRec* sprite = session.selectedSprite();
-    if (!sprite) return false;
-    return importSpriteFrom(session, platform, session.workPath(bmpFileName(session, *sprite)));
-}
-
-bool importSpriteFrom(StyleSession& session, Platform& platform,
-                      const std::filesystem::path& file) {
-    SpriteRec* sprite = session.selectedSprite();
-    if (!sprite) return false;
-    ProgressSink& progress = platform.progress();
-    progress.open("Importing", file.filename().string(), std::max(0, sprite->H - 1));
-    std::vector<std::uint8_t> pixels;
-    if (!readPicture(session, platform, file, sprite->clut, sprite->W, sprite->H, pixels)) {
-        progress.close();
-        return false;
+PageArea putSpritePixels(Pages& pages, const SpriteRec& sprite,
+                         const std::vector<std::uint8_t>& pixels, ProgressSink& progress) {
+    const PageRect r = clippedRect(sprite);
+    if (r.empty()) return {};
+    for (int y = r.y0; y < r.y1; ++y) {
+        const auto src = pixels.begin() + static_cast<std::ptrdiff_t>(y - sprite.yo) * sprite.W;
+        std::copy(src, src + (r.x1 - r.x0), pages.row(r.page, y) + r.x0);
+        progress.setValue(y - r.y0);
     }
-
-    // Into the page, then straight into the page image so the board shows the new sprite
-    // without repainting every page.
-    const PageRect r = clippedRect(*sprite);
-    if (!r.empty()) {
-        for (int y = r.y0; y < r.y1; ++y) {
-            const auto src =
-                pixels.begin() + static_cast<std::ptrdiff_t>(y - sprite->yo) * sprite->W;
-            std::copy(src, src + (r.x1 - r.x0), session.pages.row(r.page, y) + r.x0);
-            progress.setValue(y - r.y0);
-        }
-        const auto painter = makePagePainter(session);
-        repaintRect(session, *painter, r.page, r.x0, r.y0, r.x1 - r.x0, r.y1 - r.y0);
-    }
-    session.style.gPagesChanged = true;
-    platform.desktop().refreshBoard();
-    progress.close();
-    return true;
+    return {r.page, r.x0, r.y0, r.x1 - r.x0, r.y1 - r.y0};
 }
 
 } // namespace torquil

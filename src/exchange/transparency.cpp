@@ -1,10 +1,7 @@
 #include "exchange/transparency.h"
 
-#include "exchange/palette_compare.h"
-#include "platform/platform.h"
-#include "session/loaders.h"
-#include "session/style_session.h"
-#include "style/page_io.h"
+#include "sprites/sprite_tables.h"
+#include "style/pages.h"
 
 #include <algorithm>
 #include <array>
@@ -15,30 +12,29 @@ namespace torquil {
 
 namespace {
 
-std::optional<std::uint8_t> pagePixel(const StyleSession& session, int page, int x, int y) {
+std::optional<std::uint8_t> pagePixel(const Pages& pages, int page, int x, int y) {
     if (page < 0 || page >= kMaxPages || x < 0 || x >= kPageSize || y < 0 || y >= kPageSize)
         return std::nullopt;
-    return session.pages.pixel(page, x, y);
+    return pages.pixel(page, x, y);
 }
 
 // The four corner samples, 2 pixels in from each edge: top-left, top-right, bottom-left,
 // bottom-right. None when one of them lies outside the page.
-std::optional<std::array<std::uint8_t, 4>> cornerSamples(const StyleSession& session,
-                                                         const SpriteRec& s) {
+std::optional<std::array<std::uint8_t, 4>> cornerSamples(const Pages& pages, const SpriteRec& s) {
     const int left = s.xo + 2, right = s.xo + s.W - 3;
     const int top = s.yo + 2, bottom = s.yo + s.H - 3;
     const std::array<std::pair<int, int>, 4> points{
         {{left, top}, {right, top}, {left, bottom}, {right, bottom}}};
     std::array<std::uint8_t, 4> out{};
     for (std::size_t i = 0; i < points.size(); ++i) {
-        const auto v = pagePixel(session, s.page, points[i].first, points[i].second);
+        const auto v = pagePixel(pages, s.page, points[i].first, points[i].second);
         if (!v) return std::nullopt;
         out[i] = *v;
     }
     return out;
 }
 
-// The corner test of the style tools, a chained comparison whose partial results are truth
+// The corner test: a chained comparison whose partial results are truth
 // values (255 or 0): four equal corners agree only when their index is 0 or 255. Kept as it is,
 // since sprites fixed with it were made to pass it.
 bool cornersAgree(std::uint8_t a, std::uint8_t b, std::uint8_t c, std::uint8_t d) {
@@ -49,7 +45,7 @@ bool cornersAgree(std::uint8_t a, std::uint8_t b, std::uint8_t c, std::uint8_t d
 
 } // namespace
 
-TransparencyMask transparencyTest(const StyleSession& session, const SpriteRec& sprite) {
+TransparencyMask transparencyTest(const Pages& pages, const SpriteRec& sprite) {
     TransparencyMask mask;
     mask.width = sprite.W + 2;
     mask.height = sprite.H + 2;
@@ -57,55 +53,34 @@ TransparencyMask transparencyTest(const StyleSession& session, const SpriteRec& 
     for (int y = sprite.H - 1; y >= 0; --y) {
         std::uint32_t* out = mask.rgb.data() + static_cast<std::size_t>(y + 1) * mask.width + 1;
         for (int x = 0; x < sprite.W; ++x) {
-            const auto v = pagePixel(session, sprite.page, sprite.xo + x, sprite.yo + y);
+            const auto v = pagePixel(pages, sprite.page, sprite.xo + x, sprite.yo + y);
             out[x] = v.value_or(0) != 0 ? kMaskShape : kMaskBackground;
         }
     }
     return mask;
 }
 
-TransparencyOutcome transparencyCorrect(StyleSession& session, Platform& platform) {
-    SpriteRec* sprite = session.selectedSprite();
-    if (!sprite) return TransparencyOutcome::NoSprite;
-    if (!session.style.gIs24Bit) {
-        platform.message("Sorry , Transparency Correction not supported on 8bit style files.");
-        return TransparencyOutcome::EightBit;
-    }
-    const auto corners = cornerSamples(session, *sprite);
-    if (!corners || !cornersAgree((*corners)[0], (*corners)[1], (*corners)[2], (*corners)[3])) {
-        platform.message("Unable to determine the transparent color.\r"
-                         "Image is too close to edges.");
-        return TransparencyOutcome::Undetermined;
-    }
-    const std::uint8_t t = (*corners)[0];
-    if (t == 0) {
-        platform.message("Image appears to already be using correct transparency.");
-        return TransparencyOutcome::AlreadyCorrect;
-    }
+std::optional<std::uint8_t> backgroundIndex(const Pages& pages, const SpriteRec& sprite) {
+    const auto corners = cornerSamples(pages, sprite);
+    if (!corners || !cornersAgree((*corners)[0], (*corners)[1], (*corners)[2], (*corners)[3]))
+        return std::nullopt;
+    return (*corners)[0];
+}
 
-    BmpColourTable swapped = clutColourTable(session, sprite->clut);
-    std::swap(swapped[0], swapped[t]);
-    if (!comparePalette(session, platform, sprite->clut, swapped))
-        return TransparencyOutcome::Cancelled;
-
-    const int x0 = sprite->xo, x1 = std::min(sprite->xo + sprite->W, kPageSize);
-    const int y0 = sprite->yo, y1 = std::min(sprite->yo + sprite->H, kPageSize);
-    if (sprite->page >= 0 && sprite->page < kMaxPages) {
-        for (int y = y0; y < y1; ++y) {
-            std::uint8_t* row = session.pages.row(sprite->page, y);
-            for (int x = x0; x < x1; ++x) {
-                if (row[x] == t)
-                    row[x] = 0;
-                else if (row[x] == 0)
-                    row[x] = t;
-            }
+PageArea swapWithZero(Pages& pages, const SpriteRec& sprite, std::uint8_t index) {
+    if (sprite.page < 0 || sprite.page >= kMaxPages) return {};
+    const int x0 = sprite.xo, x1 = std::min(sprite.xo + sprite.W, kPageSize);
+    const int y0 = sprite.yo, y1 = std::min(sprite.yo + sprite.H, kPageSize);
+    for (int y = y0; y < y1; ++y) {
+        std::uint8_t* row = pages.row(sprite.page, y);
+        for (int x = x0; x < x1; ++x) {
+            if (row[x] == index)
+                row[x] = 0;
+            else if (row[x] == 0)
+                row[x] = index;
         }
-        const auto painter = makePagePainter(session);
-        repaintRect(session, *painter, sprite->page, x0, y0, x1 - x0, y1 - y0);
     }
-    session.style.gPagesChanged = true;
-    platform.desktop().refreshBoard();
-    return TransparencyOutcome::Corrected;
+    return {sprite.page, x0, y0, x1 - x0, y1 - y0};
 }
 
 } // namespace torquil

@@ -3,13 +3,14 @@
 // sprite as a two-colour mask; "Fix" moves the sprite's background index to 0.
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace torquil {
 
-class Platform;
-class StyleSession;
+struct PageArea;
+struct Pages;
 struct SpriteRec;
 
 inline constexpr std::uint32_t kMaskShape = 0xFFFFFF;      // a nonzero index: white
@@ -28,7 +29,7 @@ struct TransparencyMask {
     }
 };
 
-TransparencyMask transparencyTest(const StyleSession& session, const SpriteRec& sprite);
+[[nodiscard]] TransparencyMask transparencyTest(const Pages& pages, const SpriteRec& sprite);
 
 enum class TransparencyOutcome {
     NoSprite,       // nothing selected
@@ -39,8 +40,11 @@ enum class TransparencyOutcome {
     Corrected       // pixels and CLUT exchanged
 };
 
-// Finds the selected sprite's background index from its corners and exchanges it with index 0 in
-// the sprite's pixels and CLUT, so the picture looks the same but its background is transparent.
-TransparencyOutcome transparencyCorrect(StyleSession& session, Platform& platform);
+// The sprite's background index: its four corner samples (2 pixels in from each edge) when they
+// agree; nothing when they do not or one lies outside the page.
+[[nodiscard]] std::optional<std::uint8_t> backgroundIndex(const Pages& pages,
+                                                          const SpriteRec& sprite);
+// Exchanges `index` and index 0 in the sprite's pixels on its page; returns the area changed.
+PageArea swapWithZero(Pages& pages, const SpriteRec& sprite, std::uint8_t index);
 
 } // namespace torquil

@@ -1,7 +1,7 @@
 #include "session/car_edit.h"
 
 #include "cars/car_fields.h"
-#include "cars/car_names_io.h"
+#include "session/edits.h"
 #include "session/style_session.h"
 
 namespace torquil {
@@ -10,40 +10,21 @@ namespace {
 constexpr int kNameBox = 42;
 }
 
-CarEditResult applyCarEdit(StyleSession& session, int asn, const CarEntry& edited,
-                           bool recordChanged, bool nameChanged) {
-    CarEditResult result;
-    CarEntry* target = session.cars.find(asn);
-    if (!target) return result;
-    result.applied = true;
-
-    if (recordChanged) {
-        target->info = edited.info;
-        target->doorList = edited.doorList;
-        session.style.gSaveCarInfo.push_back(static_cast<std::int16_t>(asn));
-        result.recordQueued = true;
-    }
-    if (nameChanged) {
-        // The name belongs to the model: every loaded car of it shows the new one.
-        result.nameStored = renameCarModel(session, target->info.model, edited.name);
-        target->name = edited.name;
-    }
-    return result;
-}
-
 CarFieldEdit editCarField(StyleSession& session, int asn, int index, const std::string& text,
                           std::string* clampReport) {
+    if (clampReport) clampReport->clear();
     const CarEntry* current = session.cars.find(asn);
     if (!current) return CarFieldEdit::NoSuchCar;
-    const CarField* field = carField(index);
-    if (!field) return CarFieldEdit::NoSuchField;
+    if (!carField(index)) return CarFieldEdit::NoSuchField;
 
-    CarEntry edited = *current;
+    CarEdit edit;
     if (index == kNameBox) {
-        edited.name = text;
-        applyCarEdit(session, asn, edited, false, true);
+        edit.name = text;
+        // A model outside the names table keeps its name, as in the editor.
+        (void)editCar(session, asn, edit);
         return CarFieldEdit::Stored;
     }
+    CarEntry edited = *current;
     const FieldCheck check = clampFieldText(index, textOnLeave(text));
     if (clampReport) *clampReport = check.report;
     switch (setFieldText(edited, index, check.text)) {
@@ -56,7 +37,9 @@ CarFieldEdit editCarField(StyleSession& session, int asn, int index, const std::
     case FieldStore::NoSuchField:
         return CarFieldEdit::NoSuchField;
     }
-    applyCarEdit(session, asn, edited, true, false);
+    edit.info = edited.info;
+    edit.doors = edited.doorList;
+    (void)editCar(session, asn, edit);
     return CarFieldEdit::Stored;
 }
 

@@ -1,10 +1,7 @@
 #pragma once
-// The one way a car's edits reach the session: the car editor and the car list both hand an
-// edited copy of the car's entry here. A changed record (with its doors and remaps) replaces the
-// loaded one and is queued for the save; a changed name goes into the car names table and is
-// shown by every loaded car of the same model.
-
-#include "cars/car_info.h"
+// One box of the car editor set on a loaded car, with the editor's limits: what the car list does
+// with a changed cell. The change enters the session through editCar (session/edits.h), the same
+// edit the car editor and `torquil-cli car-set` make.
 
 #include <string>
 
@@ -12,20 +9,11 @@ namespace torquil {
 
 class StyleSession;
 
-struct CarEditResult {
-    bool applied = false;      // false: the car has no loaded record
-    bool recordQueued = false; // the record was queued in gSaveCarInfo
-    bool nameStored = false;   // the name went into the car names table
-};
-
-// Applies an edited copy of car `asn`'s entry. recordChanged: the record, its doors and its
-// remaps replace the loaded ones; nameChanged: edited.name becomes the model's name.
-CarEditResult applyCarEdit(StyleSession& session, int asn, const CarEntry& edited,
-                           bool recordChanged, bool nameChanged);
-
-// One box of the car editor set on car `asn` with the editor's limits: the text is clamped to
-// the field's limits first (clampReport then holds the editor's report). Index 42 sets the name.
 enum class CarFieldEdit { Stored, NotANumber, DoesNotFit, NoSuchCar, NoSuchField };
+
+// Sets box `index` (0..46; 42 is the name) of car `asn` from a text. The text is clamped to the
+// field's limits first (clampReport then holds the editor's report, else it is emptied); an
+// empty text counts as 0, as when an editor box loses the focus.
 CarFieldEdit editCarField(StyleSession& session, int asn, int index, const std::string& text,
                           std::string* clampReport = nullptr);
 

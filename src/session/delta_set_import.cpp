@@ -5,7 +5,7 @@
 #include "platform/platform.h"
 #include "session/delta_sets.h"
 #include "session/picture_file.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 
 #include <algorithm>
 #include <string>

@@ -4,7 +4,7 @@
 #include "exchange/sprite_exchange.h"
 #include "platform/platform.h"
 #include "session/picture_file.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 #include "sprites/clut.h"
 
 namespace torquil {

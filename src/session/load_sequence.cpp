@@ -3,7 +3,7 @@
 #include "base/binary_file.h"
 #include "platform/platform.h"
 #include "session/loaders.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 #include "style/level_name.h"
 #include "style/page_io.h"
 
@@ -112,6 +112,7 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
     }
 
     BinaryFile file(s.errors);
+    // A load fills a fresh session: no error of an earlier command belongs to it.
     s.errors.clear();
     file.open(style.path, BinaryFile::Mode::Read);
     style.fileLength = file.length();

@@ -23,11 +23,13 @@ void prepareStyle(StyleFileState& style, const std::filesystem::path& path, int 
 
 // Runs the whole load sequence on a session prepared with prepareStyle(). In debug mode a
 // run-time error escapes as RuntimeError.
-LoadOutcome initHeader(StyleSession& session, Platform& platform, const LoaderSet& loaders);
+[[nodiscard]] LoadOutcome initHeader(StyleSession& session, Platform& platform,
+                                     const LoaderSet& loaders);
 
 // The composite message of a failed load, lines joined with "\r".
-std::string loadFailureMessage(const std::string& step, const std::filesystem::path& path);
+[[nodiscard]] std::string loadFailureMessage(const std::string& step,
+                                             const std::filesystem::path& path);
 // The line added to the failure message when the file's header cannot belong to a style file.
-std::string notStyleFileLine(const std::filesystem::path& path);
+[[nodiscard]] std::string notStyleFileLine(const std::filesystem::path& path);
 
 } // namespace torquil

@@ -1,7 +1,7 @@
 #include "session/loaders.h"
 
+#include "session/session_io.h"
 #include "session/style_session.h"
-#include "sprites/sprite_painter.h"
 
 namespace torquil {
 

@@ -4,7 +4,8 @@
 #include "exchange/bmp.h"
 #include "exchange/png_codec.h"
 #include "platform/platform.h"
-#include "session/style_session.h"
+#include "session/edits.h"
+#include "session/session_io.h"
 
 #include <fstream>
 
@@ -23,12 +24,6 @@ BmpColourTable completed(const IndexedPicture& picture, const BmpColourTable& ow
     for (int i = 0; i < picture.colourCount; ++i)
         colours[static_cast<std::size_t>(i)] = picture.colours[static_cast<std::size_t>(i)];
     return colours;
-}
-
-bool sameColours(const BmpColourTable& a, const BmpColourTable& b) {
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (a[i].b != b[i].b || a[i].g != b[i].g || a[i].r != b[i].r) return false;
-    return true;
 }
 
 } // namespace

@@ -158,6 +158,7 @@ SaveOutcome SaveRun::run() {
             return out_;
         }
     }
+    // Each save starts from no pending error, so the error it reports is its own.
     s_.errors.clear();
     if (!file_.open(style.path, BinaryFile::Mode::ReadWrite)) return fail(s_.errors.pending());
     if (toStyle) {
@@ -185,18 +186,6 @@ SaveOutcome SaveRun::run() {
 }
 
 } // namespace
-
-void markAllChanged(StyleSession& session) {
-    StyleFileState& style = session.style;
-    style.gPagesChanged = true;
-    style.gClutChanged = style.gIs24Bit; // an 8-bit file has no CLUT section
-    style.gDeltasChanged = true;
-    style.gCarNamesChanged = true;
-    style.gSaveCarInfo.assign(1, 0);
-    const auto& slots = session.cars.slots;
-    for (std::size_t asn = 1; asn < slots.size(); ++asn)
-        if (slots[asn].inUse) style.gSaveCarInfo.push_back(static_cast<std::int16_t>(asn));
-}
 
 SaveOutcome saveChanges(StyleSession& session, Platform& platform) {
     return saveChanges(session, platform, SaveOptions{});

@@ -4,6 +4,7 @@
 // a delta save, then rewrites ENGLISH.FXT for changed car names. The modder's original style file
 // and ENGLISH.FXT are copied to ".bak" files before the program first writes them.
 
+#include "session/edits.h" // markAllChanged
 #include "session/file_backups.h"
 #include "session/shrink_style_file.h"
 
@@ -61,18 +62,16 @@ struct SaveOutcome {
 };
 
 // mnuSaveBlock_Click without the window: the real savers and this run's backups.
-SaveOutcome saveChanges(StyleSession& session, Platform& platform);
-SaveOutcome saveChanges(StyleSession& session, Platform& platform, const SaveOptions& options);
-
-// Marks every part of a loaded style as changed (pages, the CLUTs of a .G24 file, deltas, every
-// loaded car, the car names), so the next save rewrites all of it.
-void markAllChanged(StyleSession& session);
+[[nodiscard]] SaveOutcome saveChanges(StyleSession& session, Platform& platform);
+[[nodiscard]] SaveOutcome saveChanges(StyleSession& session, Platform& platform,
+                                      const SaveOptions& options);
 
 // The message of a failed save, lines joined with "\r", ending with where the backup is.
-std::string saveFailureMessage(const std::string& step, const std::filesystem::path& path,
-                               const std::filesystem::path& backup);
+[[nodiscard]] std::string saveFailureMessage(const std::string& step,
+                                             const std::filesystem::path& path,
+                                             const std::filesystem::path& backup);
 
 // The question asked before writing over a style file that changed on disk since it was loaded.
-std::string changedOnDiskQuestion(const std::filesystem::path& path);
+[[nodiscard]] std::string changedOnDiskQuestion(const std::filesystem::path& path);
 
 } // namespace torquil

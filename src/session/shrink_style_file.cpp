@@ -59,7 +59,7 @@ int shrinkStyleFile(const fs::path& path, std::int64_t endPosition, Platform& pl
     const auto length = static_cast<std::int64_t>(fs::file_size(path, ec));
     if (ec) return err::FileNotFound;
     // "Not greater": a file whose length equals endPosition keeps the one byte past the sprite
-    // numbers record, as the game's tools always left it.
+    // numbers record, which the game's files carry.
     if (length <= endPosition) return err::None;
     // The copy holds endPosition - 1 bytes: everything up to and including the sprite numbers.
     const std::int64_t keep = endPosition - 1;

@@ -1,20 +1,16 @@
 #include "session/save_sequence.h"
 
-#include "cars/car_info_io.h"
-#include "cars/car_names_io.h"
-#include "exchange/delta_io.h"
-#include "sprites/clut.h"
-#include "style/page_io.h"
+#include "session/session_io.h"
 
 namespace torquil {
 
 SaverSet standardSavers() {
     SaverSet set;
-    set.carInfo = saveCarInfo;
-    set.pages = savePages;
-    set.clut = saveCLUT;
-    set.deltas = saveDeltas;
-    set.carNames = saveCarNames;
+    set.carInfo = [](StyleSession& s, BinaryFile& f, Platform& p) { return saveCarInfo(s, f, p); };
+    set.pages = [](StyleSession& s, BinaryFile& f, Platform& p) { return savePages(s, f, p); };
+    set.clut = [](StyleSession& s, BinaryFile& f, Platform& p) { return saveCLUT(s, f, p); };
+    set.deltas = [](StyleSession& s, BinaryFile& f, Platform& p) { return saveDeltas(s, f, p); };
+    set.carNames = [](StyleSession& s, Platform& p) { return saveCarNames(s, p); };
     return set;
 }
 

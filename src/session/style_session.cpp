@@ -3,7 +3,7 @@
 namespace torquil {
 
 const SpriteRec* StyleSession::selectedSprite() const {
-    if (!selection.any() || selection.page >= 26) return nullptr;
+    if (!selection.any() || selection.page >= kMaxPages) return nullptr;
     const auto& list = sprites.pageSprites[static_cast<std::size_t>(selection.page)];
     if (selection.sib < 1 || selection.sib >= static_cast<int>(list.size())) return nullptr;
     return &list[static_cast<std::size_t>(selection.sib)];

@@ -2,7 +2,7 @@
 
 #include "base/binary_file.h"
 #include "base/work_dir.h"
-#include "session/style_session.h"
+#include "style/style_file.h"
 
 #include <string>
 
@@ -14,25 +14,25 @@ namespace {
 
 constexpr int kSdtRecordSize = 12;
 
-fs::path bankFile(const StyleSession& session, const char* extension) {
-    const fs::path audio = findFileNoCase(session.style.dataFolder(), "audio");
+fs::path bankFile(const StyleFileState& style, const char* extension) {
+    const fs::path audio = findFileNoCase(style.dataFolder(), "audio");
     // "LEVEL00" and the level number, unpadded: level 1 is LEVEL001, level 12 LEVEL0012.
-    return findFileNoCase(audio, "LEVEL00" + std::to_string(session.style.gMapNumber) + extension);
+    return findFileNoCase(audio, "LEVEL00" + std::to_string(style.gMapNumber) + extension);
 }
 
 } // namespace
 
-fs::path sdtFilePath(const StyleSession& session) {
-    return bankFile(session, ".SDT");
+fs::path sdtFilePath(const StyleFileState& style) {
+    return bankFile(style, ".SDT");
 }
-fs::path rawFilePath(const StyleSession& session) {
-    return bankFile(session, ".RAW");
+fs::path rawFilePath(const StyleFileState& style) {
+    return bankFile(style, ".RAW");
 }
 
-bool loadSDT(const StyleSession& session, SoundTable& table) {
+bool loadSDT(const StyleFileState& style, SoundTable& table) {
     table = SoundTable{};
-    table.sdtPath = sdtFilePath(session);
-    table.rawPath = rawFilePath(session);
+    table.sdtPath = sdtFilePath(style);
+    table.rawPath = rawFilePath(style);
     std::error_code ec;
     if (!fs::is_regular_file(table.sdtPath, ec) || !fs::is_regular_file(table.rawPath, ec))
         return false;

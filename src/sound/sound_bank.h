@@ -9,7 +9,7 @@
 
 namespace torquil {
 
-class StyleSession;
+struct StyleFileState;
 
 struct SdtRecord {
     std::int32_t offset = 0; // start of the sample in the RAW file
@@ -25,11 +25,11 @@ struct SoundTable {
 };
 
 // The bank's files for a style (found ignoring case); the names as they would be when missing.
-std::filesystem::path sdtFilePath(const StyleSession& session);
-std::filesystem::path rawFilePath(const StyleSession& session);
+[[nodiscard]] std::filesystem::path sdtFilePath(const StyleFileState& style);
+[[nodiscard]] std::filesystem::path rawFilePath(const StyleFileState& style);
 
 // Reads the table afresh. False, silently, when the SDT or the RAW file is missing (the table
 // then holds only its zero record).
-bool loadSDT(const StyleSession& session, SoundTable& table);
+[[nodiscard]] bool loadSDT(const StyleFileState& style, SoundTable& table);
 
 } // namespace torquil

@@ -1,8 +1,9 @@
 #include "sound/sound_preview.h"
 
 #include "base/binary_file.h"
+#include "platform/format_context.h"
 #include "platform/platform.h"
-#include "session/style_session.h"
+#include "style/style_file.h"
 
 #include <cmath>
 #include <limits>
@@ -44,9 +45,9 @@ void copySample(BinaryFile& raw, BinaryFile& wav, const SdtRecord& record) {
     for (; left > 0; --left) wav.writeU8(raw.readU8());
 }
 
-SoundOutcome checkNumber(StyleSession& session, Platform& platform, std::int16_t soundNumber,
+SoundOutcome checkNumber(const StyleFileState& style, Platform& platform, std::int16_t soundNumber,
                          SoundTable& table) {
-    if (!loadSDT(session, table)) return SoundOutcome::NoBank;
+    if (!loadSDT(style, table)) return SoundOutcome::NoBank;
     // The table's last record can never be played.
     if (soundNumber < 0 || soundNumber > table.lastIndex() - 1) {
         platform.message("Sound is out of range.");
@@ -55,10 +56,9 @@ SoundOutcome checkNumber(StyleSession& session, Platform& platform, std::int16_t
     return SoundOutcome::Done;
 }
 
-bool writeWavFile(StyleSession& session, const SoundTable& table, std::int16_t soundNumber,
+// Expects no pending error (the callers start a fresh scope).
+bool writeWavFile(ErrorState& errors, const SoundTable& table, std::int16_t soundNumber,
                   double rateMultiplier, std::int16_t repeatCount, const fs::path& path) {
-    ErrorState& errors = session.errors;
-    errors.clear();
     const SdtRecord& record = table.SDT[static_cast<std::size_t>(soundNumber)];
     const auto header = wavHeader(errors, record, rateMultiplier, repeatCount);
     if (errors.hasPending()) return false;
@@ -129,29 +129,34 @@ std::array<std::uint8_t, kWavHeaderSize> wavHeader(ErrorState& errors, const Sdt
     return h;
 }
 
-SoundOutcome writeSoundWav(StyleSession& session, Platform& platform, std::int16_t soundNumber,
-                           double rateMultiplier, std::int16_t repeatCount, const fs::path& wav) {
+SoundOutcome writeSoundWav(const StyleFileState& style, FormatContext& ctx,
+                           std::int16_t soundNumber, double rateMultiplier,
+                           std::int16_t repeatCount, const fs::path& wav) {
+    Platform& platform = ctx.platform;
     BusyCursor busy(platform);
     SoundTable table;
-    const SoundOutcome checked = checkNumber(session, platform, soundNumber, table);
+    const SoundOutcome checked = checkNumber(style, platform, soundNumber, table);
     if (checked != SoundOutcome::Done) return checked;
-    if (!writeWavFile(session, table, soundNumber, rateMultiplier, repeatCount, wav)) {
-        reportGeneralError(session.errors, platform);
+    const PendingErrorScope fresh(ctx.errors);
+    if (!writeWavFile(ctx.errors, table, soundNumber, rateMultiplier, repeatCount, wav)) {
+        reportGeneralError(ctx.errors, platform);
         return SoundOutcome::Failed;
     }
     return SoundOutcome::Done;
 }
 
-SoundOutcome playSound(StyleSession& session, Platform& platform, std::int16_t soundNumber,
+SoundOutcome playSound(const StyleFileState& style, FormatContext& ctx, std::int16_t soundNumber,
                        double rateMultiplier, std::int16_t repeatCount) {
+    Platform& platform = ctx.platform;
     BusyCursor busy(platform);
     SoundTable table;
-    const SoundOutcome checked = checkNumber(session, platform, soundNumber, table);
+    const SoundOutcome checked = checkNumber(style, platform, soundNumber, table);
     if (checked != SoundOutcome::Done) return checked;
-    const fs::path wav = session.workPath("~tmp" + std::to_string(soundNumber) + ".wav");
+    const fs::path wav = ctx.options.workPath("~tmp" + std::to_string(soundNumber) + ".wav");
     TemporaryFile cleanup(wav);
-    if (!writeWavFile(session, table, soundNumber, rateMultiplier, repeatCount, wav)) {
-        reportGeneralError(session.errors, platform);
+    const PendingErrorScope fresh(ctx.errors);
+    if (!writeWavFile(ctx.errors, table, soundNumber, rateMultiplier, repeatCount, wav)) {
+        reportGeneralError(ctx.errors, platform);
         return SoundOutcome::Failed;
     }
     platform.sound().playWavSync(wav);

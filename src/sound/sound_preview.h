@@ -12,7 +12,8 @@ namespace torquil {
 
 class ErrorState;
 class Platform;
-class StyleSession;
+struct FormatContext;
+struct StyleFileState;
 
 inline constexpr int kWavHeaderSize = 44;
 
@@ -29,14 +30,14 @@ std::array<std::uint8_t, kWavHeaderSize> wavHeader(ErrorState& errors, const Sdt
                                                    double rateMultiplier, int repeatCount);
 
 // Writes the WAV that playSound plays for `soundNumber` to `wav`, without playing it.
-SoundOutcome writeSoundWav(StyleSession& session, Platform& platform, std::int16_t soundNumber,
-                           double rateMultiplier, std::int16_t repeatCount,
-                           const std::filesystem::path& wav);
+SoundOutcome writeSoundWav(const StyleFileState& style, FormatContext& ctx,
+                           std::int16_t soundNumber, double rateMultiplier,
+                           std::int16_t repeatCount, const std::filesystem::path& wav);
 
 // Plays sound `soundNumber` of the bank: the table is read afresh, the WAV goes to
 // "~tmp" + number + ".wav" in the work directory, is played to its end and deleted. A run-time
 // error is reported as the general error message (in debug mode it escapes as RuntimeError).
-SoundOutcome playSound(StyleSession& session, Platform& platform, std::int16_t soundNumber,
+SoundOutcome playSound(const StyleFileState& style, FormatContext& ctx, std::int16_t soundNumber,
                        double rateMultiplier, std::int16_t repeatCount);
 
 } // namespace torquil

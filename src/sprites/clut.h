@@ -8,8 +8,7 @@
 namespace torquil {
 
 class BinaryFile;
-class Platform;
-class StyleSession;
+struct FormatContext;
 struct G24Header;
 struct SpriteRec;
 struct StyleFileState;
@@ -30,20 +29,25 @@ std::int64_t clutsAvailFor(std::int32_t clut_size);
 std::int32_t tileClutCount(const G24Header& header);
 
 // "Load 24bit Palette": the palette index, the CLUTs (pal24) and zeroed use counts.
-bool loadCLUT(StyleSession& session, BinaryFile& file, Platform& platform);
+[[nodiscard]] bool loadCLUT(ColourTables& colours, const StyleFileState& style, BinaryFile& file,
+                            FormatContext& ctx);
 // "Load 8bit Palette": 256 entries of red, green and blue, each byte times 4 in 8 bits.
-bool load8bitPal(StyleSession& session, BinaryFile& file, Platform& platform);
+[[nodiscard]] bool load8bitPal(ColourTables& colours, const StyleFileState& style, BinaryFile& file,
+                               FormatContext& ctx);
 // Writes pal24 back into the CLUT section; 0, the run-time error number, or -1 for a .GRY file.
-int saveCLUT(StyleSession& session, BinaryFile& file, Platform& platform);
+[[nodiscard]] int saveCLUT(const ColourTables& colours, StyleFileState& style, BinaryFile& file,
+                           FormatContext& ctx);
 
 // The colour (0x00RRGGBB) of pixel byte v of a sprite or tile: through its physical CLUT in a
 // .G24 file, through the 8-bit palette in a .GRY file. A CLUT outside pal24 gives black.
-std::uint32_t spriteColour(const StyleSession& session, const SpriteRec& sprite, std::uint8_t v);
+[[nodiscard]] std::uint32_t spriteColour(const ColourTables& colours, bool is24Bit,
+                                         const SpriteRec& sprite, std::uint8_t v);
 // All 256 colours of one physical CLUT (black when it is outside pal24).
 std::array<std::uint32_t, 256> clutColours(const ColourTables& colours, int physicalClut);
 // All 256 colours of the 8-bit palette.
 std::array<std::uint32_t, 256> palette8Colours(const ColourTables& colours);
 // The colours a sprite is drawn with, whatever the kind of file.
-std::array<std::uint32_t, 256> spriteColours(const StyleSession& session, const SpriteRec& sprite);
+[[nodiscard]] std::array<std::uint32_t, 256> spriteColours(const ColourTables& colours,
+                                                           bool is24Bit, const SpriteRec& sprite);
 
 } // namespace torquil

@@ -5,11 +5,14 @@
 
 #include "base/binary_file.h"
 #include "base/checked.h"
+#include "platform/dump_file.h"
+#include "platform/format_context.h"
 #include "platform/platform.h"
-#include "session/style_session.h"
-#include "sprites/dump_file.h"
-#include "sprites/progress_scope.h"
+#include "platform/progress_scope.h"
+#include "sprites/colour_tables.h"
+#include "style/pages.h"
 #include "style/rounding.h"
+#include "style/style_file.h"
 
 #include <algorithm>
 #include <cmath>
@@ -48,7 +51,7 @@ std::int64_t clutsAvailFor(std::int32_t clut_size) {
 }
 
 std::int32_t tileClutCount(const G24Header& header) {
-    // Rounded to nearest with ties to even, as the original integer conversion did.
+    // Rounded to nearest with ties to even: 1.5 KB of tile CLUTs counts as 2 entries, 2.5 as 2.
     return static_cast<std::int32_t>(std::nearbyint(header.tileclut_size / 1024.0));
 }
 
@@ -64,18 +67,18 @@ void resetColourTables(ColourTables& c) {
 
 // Reads entries 0, 1, ... while the position is below the section's end; the first entry is read
 // even from an empty section. Returns false when a run-time error stopped it.
-bool readPaletteIndex(StyleSession& s, BinaryFile& file, DumpFile& dump) {
-    ColourTables& c = s.colours;
-    const std::int64_t start = paletteIndexPosition(s.style);
-    const std::int64_t end = start + s.style.header.g24.palette_index_size;
+bool readPaletteIndex(ColourTables& c, const StyleFileState& style, BinaryFile& file,
+                      ErrorState& errors, DumpFile& dump) {
+    const std::int64_t start = paletteIndexPosition(style);
+    const std::int64_t end = start + style.header.g24.palette_index_size;
     file.seek(start);
-    if (s.errors.hasPending()) return false;
+    if (errors.hasPending()) return false;
     dump.line("PalIndex Seek:" + std::to_string(start));
     dump.line("PALINDEX DATA FOLLOWS, Read as (int):");
     int n = 0;
     do {
         if (n >= kPalIndexEntries) {
-            s.errors.raise(err::SubscriptOutOfRange, "PalIndex(" + std::to_string(n) + ")");
+            errors.raise(err::SubscriptOutOfRange, "PalIndex(" + std::to_string(n) + ")");
             return false;
         }
         const std::int16_t value = file.readI16();
@@ -83,7 +86,7 @@ bool readPaletteIndex(StyleSession& s, BinaryFile& file, DumpFile& dump) {
         dump.line(std::to_string(value));
     } while (file.position() < end);
     c.palIndexCount = n;
-    return !s.errors.hasPending();
+    return !errors.hasPending();
 }
 
 void dumpClutPage(DumpFile& dump, const ColourTables& c, std::int64_t base) {
@@ -99,10 +102,10 @@ void dumpClutPage(DumpFile& dump, const ColourTables& c, std::int64_t base) {
 
 } // namespace
 
-bool loadCLUT(StyleSession& s, BinaryFile& file, Platform& platform) {
-    ColourTables& c = s.colours;
-    ErrorState& errors = s.errors;
-    const G24Header& h = s.style.header.g24;
+bool loadCLUT(ColourTables& c, const StyleFileState& style, BinaryFile& file, FormatContext& ctx) {
+    ErrorState& errors = ctx.errors;
+    Platform& platform = ctx.platform;
+    const G24Header& h = style.header.g24;
     const std::int64_t avail = clutsAvailFor(h.clut_size);
     ProgressScope progress(platform.progress(), "Loading CLUT", "Loading 24bit Color Look Up Table",
                            static_cast<int>(std::clamp<std::int64_t>(avail, 0, 1 << 30)));
@@ -117,19 +120,19 @@ bool loadCLUT(StyleSession& s, BinaryFile& file, Platform& platform) {
     c.gClutsAvail = static_cast<std::int32_t>(avail);
     c.pal24.assign(static_cast<std::size_t>(avail + 1) * 256, {0, 0, 0});
 
-    const bool dumping = s.options.dumps.clut;
-    const std::string level = std::to_string(s.style.gMapNumber);
+    const bool dumping = ctx.options.dumps.clut;
+    const std::string level = std::to_string(style.gMapNumber);
     DumpFile dump;
-    if (dumping && dump.open(s.options.workDir, level + "PALINDEX.txt", errors))
-        dump.line(s.style.path.string());
+    if (dumping && dump.open(ctx.options.workDir, level + "PALINDEX.txt", errors))
+        dump.line(style.path.string());
     // Tables must not be read after a failed earlier step.
     if (errors.hasPending()) return false;
-    if (!readPaletteIndex(s, file, dump)) return false;
+    if (!readPaletteIndex(c, style, file, errors, dump)) return false;
     dump.close();
 
     c.used.assign(static_cast<std::size_t>(avail + 1), 0);
 
-    const std::int64_t start = clutSectionStart(s.style);
+    const std::int64_t start = clutSectionStart(style);
     const std::int64_t end = start + roundUp65536(h.clut_size);
     std::int64_t base = 0;
     std::array<std::uint8_t, 256> row{};
@@ -138,7 +141,7 @@ bool loadCLUT(StyleSession& s, BinaryFile& file, Platform& platform) {
         const std::int64_t pagePos = start + page * kPageBytes;
         file.seek(pagePos);
         if (dumping) {
-            dump.open(s.options.workDir, level + "CLUT" + std::to_string(page) + ".txt", errors);
+            dump.open(ctx.options.workDir, level + "CLUT" + std::to_string(page) + ".txt", errors);
             dump.line("CLUT Seek:" + std::to_string(pagePos));
             dump.line("CLUT PAGE " + std::to_string(page) + " (CLUTs " + std::to_string(base) +
                       " to " + std::to_string(base + kClutsPerPage - 1) +
@@ -171,21 +174,21 @@ bool loadCLUT(StyleSession& s, BinaryFile& file, Platform& platform) {
     return true;
 }
 
-bool load8bitPal(StyleSession& s, BinaryFile& file, Platform& platform) {
-    s.errors.clear();
-    const std::int64_t position = palette8Position(s.style);
+bool load8bitPal(ColourTables& c, const StyleFileState& style, BinaryFile& file,
+                 FormatContext& ctx) {
+    const PendingErrorScope fresh(ctx.errors);
+    const std::int64_t position = palette8Position(style);
     file.seek(position);
-    platform.detail("load8bitPal Seek:" + std::to_string(position));
+    ctx.platform.detail("load8bitPal Seek:" + std::to_string(position));
     std::array<std::uint8_t, 768> bytes{};
     file.read(bytes);
-    ColourTables& c = s.colours;
     for (std::size_t v = 0; v < 256; ++v) {
         // Times 4 as a two-bit shift kept in 8 bits: a file byte of 64 or more wraps round.
         c.red[v] = static_cast<std::uint8_t>(bytes[3 * v] << 2);
         c.green[v] = static_cast<std::uint8_t>(bytes[3 * v + 1] << 2);
         c.blue[v] = static_cast<std::uint8_t>(bytes[3 * v + 2] << 2);
     }
-    return !s.errors.hasPending();
+    return !ctx.errors.hasPending();
 }
 
 } // namespace torquil

@@ -4,9 +4,12 @@
 
 #include "base/binary_file.h"
 #include "base/checked.h"
+#include "platform/format_context.h"
 #include "platform/platform.h"
-#include "session/style_session.h"
-#include "sprites/progress_scope.h"
+#include "platform/progress_scope.h"
+#include "sprites/colour_tables.h"
+#include "style/pages.h"
+#include "style/style_file.h"
 
 #include <algorithm>
 #include <array>
@@ -14,26 +17,26 @@
 
 namespace torquil {
 
-int saveCLUT(StyleSession& s, BinaryFile& file, Platform& platform) {
-    if (!s.style.gIs24Bit) {
+int saveCLUT(const ColourTables& c, StyleFileState& style, BinaryFile& file, FormatContext& ctx) {
+    Platform& platform = ctx.platform;
+    if (!style.gIs24Bit) {
         platform.message("Cannot save Clut on 8bit style.");
         return -1;
     }
-    ErrorState& errors = s.errors;
-    ColourTables& c = s.colours;
-    errors.clear();
+    ErrorState& errors = ctx.errors;
+    const PendingErrorScope fresh(errors);
     const std::int32_t avail = c.gClutsAvail;
     {
         ProgressScope progress(platform.progress(), "Saving CLUT",
                                "Saving 24bit Color Look Up Table", std::max(0, avail));
-        const std::int64_t start = clutSectionStart(s.style);
+        const std::int64_t start = clutSectionStart(style);
         const std::int64_t pages =
             std::max<std::int64_t>(1, (avail + kClutsPerPage - 1) / kClutsPerPage);
         // The section is rewritten in place: a header that puts it outside the file would
         // make the file grow by the gap instead.
         if (start < 1 || start - 1 + pages * kPageBytes > file.length()) {
             errors.raise(err::BadRecordNumber, "CLUT section at " + std::to_string(start));
-            s.style.gClutChanged = false;
+            style.gClutChanged = false;
             return errors.pending();
         }
         std::int64_t base = 0;
@@ -58,7 +61,7 @@ int saveCLUT(StyleSession& s, BinaryFile& file, Platform& platform) {
     }
     // Cleared before the error is looked at: a failed CLUT save is not retried by the next save
     // unless the colours change again.
-    s.style.gClutChanged = false;
+    style.gClutChanged = false;
     return errors.pending();
 }
 

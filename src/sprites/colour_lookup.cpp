@@ -2,7 +2,8 @@
 
 #include "sprites/clut.h"
 
-#include "session/style_session.h"
+#include "sprites/colour_tables.h"
+#include "sprites/sprite_tables.h"
 
 namespace torquil {
 
@@ -16,9 +17,9 @@ bool clutLoaded(const ColourTables& colours, int physicalClut) {
 }
 } // namespace
 
-std::uint32_t spriteColour(const StyleSession& session, const SpriteRec& sprite, std::uint8_t v) {
-    const ColourTables& c = session.colours;
-    if (!session.style.gIs24Bit) return rgb(c.red[v], c.green[v], c.blue[v]);
+std::uint32_t spriteColour(const ColourTables& c, bool is24Bit, const SpriteRec& sprite,
+                           std::uint8_t v) {
+    if (!is24Bit) return rgb(c.red[v], c.green[v], c.blue[v]);
     if (!clutLoaded(c, sprite.clut)) return 0;
     const auto& e = c.pal24[static_cast<std::size_t>(sprite.clut) * 256 + v];
     return rgb(e[0], e[1], e[2]);
@@ -39,9 +40,9 @@ std::array<std::uint32_t, 256> palette8Colours(const ColourTables& colours) {
     return out;
 }
 
-std::array<std::uint32_t, 256> spriteColours(const StyleSession& session, const SpriteRec& sprite) {
-    return session.style.gIs24Bit ? clutColours(session.colours, sprite.clut)
-                                  : palette8Colours(session.colours);
+std::array<std::uint32_t, 256> spriteColours(const ColourTables& colours, bool is24Bit,
+                                             const SpriteRec& sprite) {
+    return is24Bit ? clutColours(colours, sprite.clut) : palette8Colours(colours);
 }
 
 } // namespace torquil

@@ -8,7 +8,8 @@
 
 namespace torquil {
 
-inline constexpr int kPalIndexEntries = 3001; // entries 0..3000, a fixed limit of the format tools
+inline constexpr int kPalIndexEntries =
+    3001; // entries 0..3000, the most a style file's index holds
 
 struct ColourTables {
     // gClutsAvail = rounded clut_size / 1024; pal24 has CLUTs 0..gClutsAvail (one spare).

@@ -5,14 +5,18 @@
 
 #include "base/binary_file.h"
 #include "base/checked.h"
+#include "platform/dump_file.h"
+#include "platform/format_context.h"
 #include "platform/platform.h"
-#include "session/style_session.h"
+#include "platform/progress_scope.h"
 #include "sprites/clut.h"
-#include "sprites/dump_file.h"
-#include "sprites/progress_scope.h"
+#include "sprites/colour_tables.h"
+#include "sprites/delta_table.h"
 #include "sprites/sprite_head.h"
 #include "sprites/sprite_info_dump.h"
 #include "sprites/sprite_tables_reset.h"
+#include "style/pages.h"
+#include "style/style_file.h"
 
 #include <algorithm>
 #include <array>
@@ -25,7 +29,7 @@ namespace {
 
 constexpr int kMaxCounter = std::numeric_limits<std::int16_t>::max();
 
-// Writes the SIB over the sprite's rectangle as the format tools did, column by column (x
+// Writes the SIB over the sprite's rectangle column by column (x
 // outer): a rectangle reaching past x or y 255 stops with "Subscript out of range" at its first
 // cell outside the page, the cells before it written. Past y 255 that is within the first
 // column already.
@@ -46,7 +50,10 @@ void markMouseOver(SpriteTables& t, int page, int xo, int yo, int w, int h, std:
 }
 
 struct Reader {
-    StyleSession& s;
+    SpriteTables& sprites;
+    ColourTables& colours;
+    DeltaTable& deltas;
+    ErrorState& errors;
     BinaryFile& file;
     Platform& platform;
     ProgressScope& progress;
@@ -64,7 +71,6 @@ struct Reader {
 
     // One record: head, then its delta entries. Returns false when reading must stop.
     bool readRecord() {
-        ErrorState& errors = s.errors;
         if (counter == kMaxCounter) {
             errors.raise(err::Overflow, "sprite counter");
             return false;
@@ -79,7 +85,7 @@ struct Reader {
         const SpriteHead head = decodeSpriteHead(headBytes, is24, errors);
         if (errors.hasPending()) return false;
         if (is24)
-            s.sprites.highestRawClut = std::max<std::int32_t>(s.sprites.highestRawClut, head.clut);
+            sprites.highestRawClut = std::max<std::int32_t>(sprites.highestRawClut, head.clut);
 
         if (!head.sizeMatches()) {
             platform.message("WARNING: loadSpriteInfo sprite(" + std::to_string(counter) +
@@ -90,7 +96,7 @@ struct Reader {
         if (dump.isOpen()) dumpLines(spriteDumpLines(counter, headPosition, head, is24));
 
         highestPage = std::max(highestPage, head.page);
-        auto& list = checkedAt(s.sprites.pageSprites, head.page, errors, "pageSprites");
+        auto& list = checkedAt(sprites.pageSprites, head.page, errors, "pageSprites");
         if (errors.hasPending()) return false;
         const auto sib = static_cast<std::int16_t>(list.size());
         SpriteRec& rec = list.emplace_back();
@@ -108,25 +114,24 @@ struct Reader {
         if (is24) {
             rec.rawClut = head.clut;
             // The head's clut counts from the sprite CLUTs, which follow the tiles' entries.
-            rec.clut = checkedAt(s.colours.PalIndex, std::int64_t{head.clut} + tileCluts, errors,
+            rec.clut = checkedAt(colours.PalIndex, std::int64_t{head.clut} + tileCluts, errors,
                                  "PalIndex");
             if (errors.hasPending()) return false;
-            ++checkedAt(s.colours.used, rec.clut, errors, "CLUT use count");
+            ++checkedAt(colours.used, rec.clut, errors, "CLUT use count");
             if (errors.hasPending()) return false;
         } else {
             rec.gryPtr = head.ptr;
         }
 
         if (head.page <= kMaxPages - 1)
-            markMouseOver(s.sprites, head.page, head.xo, head.yo, head.W, head.H, sib, errors);
+            markMouseOver(sprites, head.page, head.xo, head.yo, head.W, head.H, sib, errors);
         if (errors.hasPending()) return false;
 
         return readDeltaEntries(rec, head.delta_count);
     }
 
     bool readDeltaEntries(SpriteRec& rec, int count) {
-        ErrorState& errors = s.errors;
-        auto& table = s.deltas.myDeltas;
+        auto& table = deltas.myDeltas;
         for (int d = 0; d < count; ++d) {
             if (myDeltaRef == kMaxCounter) {
                 errors.raise(err::Overflow, "myDeltaRef");
@@ -150,30 +155,32 @@ struct Reader {
 
 } // namespace
 
-bool loadSpriteInfo(StyleSession& s, BinaryFile& file, Platform& platform) {
-    ErrorState& errors = s.errors;
-    const bool is24 = s.style.gIs24Bit;
+bool loadSpriteInfo(SpriteTables& sprites, ColourTables& colours, DeltaTable& deltas, Pages& pages,
+                    const StyleFileState& style, BinaryFile& file, FormatContext& ctx) {
+    ErrorState& errors = ctx.errors;
+    Platform& platform = ctx.platform;
+    const bool is24 = style.gIs24Bit;
     ProgressScope progress(platform.progress(), "Loading SpriteInfo",
                            "Load SpriteInfo / Build MouseOvers...", 1500);
-    resetSpriteTables(s.sprites);
-    s.deltas.myDeltas.assign(1, DeltaRec{});
-    s.deltas.deltaCount = 0;
-    s.pages.highestPage = 0;
+    resetSpriteTables(sprites);
+    deltas.myDeltas.assign(1, DeltaRec{});
+    deltas.deltaCount = 0;
+    pages.highestPage = 0;
     // No table is built on top of an earlier step's failure.
     if (errors.hasPending()) return false;
 
     DumpFile dump;
-    if (s.options.dumps.spriteInfo &&
-        dump.open(s.options.workDir, std::to_string(s.style.gMapNumber) + "SPRINFO.txt", errors))
-        dump.line(s.style.path.string());
+    if (ctx.options.dumps.spriteInfo &&
+        dump.open(ctx.options.workDir, std::to_string(style.gMapNumber) + "SPRINFO.txt", errors))
+        dump.line(style.path.string());
 
-    const std::int64_t start = s.style.gSeekSpriteInfo;
-    const std::int64_t end = s.style.gSeekSpriteInfoEnd;
+    const std::int64_t start = style.gSeekSpriteInfo;
+    const std::int64_t end = style.gSeekSpriteInfoEnd;
     file.seek(start);
     platform.detail("loadSpriteInfoSeek:" + std::to_string(start));
 
-    Reader reader{
-        s, file, platform, progress, dump, is24, is24 ? tileClutCount(s.style.header.g24) : 0};
+    Reader reader{sprites,  colours,  deltas, errors, file,
+                  platform, progress, dump,   is24,   is24 ? tileClutCount(style.header.g24) : 0};
     // The end test follows each record, so even an empty section gives one record. Reading
     // stops at the first run-time error; past the end of the file only zeros would follow.
     if (!errors.hasPending()) {
@@ -181,9 +188,9 @@ bool loadSpriteInfo(StyleSession& s, BinaryFile& file, Platform& platform) {
         }
     }
     dump.close();
-    s.sprites.spriteCount = static_cast<std::int16_t>(reader.counter);
-    s.pages.highestPage = reader.highestPage;
-    s.deltas.deltaCount = reader.myDeltaRef + 1;
+    sprites.spriteCount = static_cast<std::int16_t>(reader.counter);
+    pages.highestPage = reader.highestPage;
+    deltas.deltaCount = reader.myDeltaRef + 1;
 
     if (file.atEnd()) {
         progress.close();
@@ -195,8 +202,7 @@ bool loadSpriteInfo(StyleSession& s, BinaryFile& file, Platform& platform) {
     platform.detail(std::to_string(reader.counter) + " sprite_infos loaded");
     platform.detail(std::to_string(reader.highestPage) + " highest block number");
     if (is24)
-        platform.detail(std::to_string(s.sprites.highestRawClut) +
-                        " highest CLUT number referenced");
+        platform.detail(std::to_string(sprites.highestRawClut) + " highest CLUT number referenced");
     return ok;
 }
 

@@ -1,12 +1,15 @@
 #include "sprites/sprite_painter.h"
 
-#include "session/style_session.h"
 #include "sprites/clut.h"
+#include "sprites/colour_tables.h"
+#include "sprites/sprite_tables.h"
+#include "style/style_file.h"
 
 namespace torquil {
 
-SpritePagePainter::SpritePagePainter(const StyleSession& session) : sprites_(session.sprites) {
-    const bool is24 = session.style.gIs24Bit;
+SpritePagePainter::SpritePagePainter(const SpriteTables& sprites, const ColourTables& colours,
+                                     bool is24)
+    : sprites_(sprites) {
     Colours background;
     background.fill(is24 ? kDarkGrey : kBlack);
     colours_.push_back(background);
@@ -15,8 +18,8 @@ SpritePagePainter::SpritePagePainter(const StyleSession& session) : sprites_(ses
     // pointers, once colours_ no longer moves.
     std::array<std::vector<std::size_t>, kMaxPages> index;
     std::vector<std::size_t> tableOfClut(
-        static_cast<std::size_t>(std::max(0, session.colours.gClutsAvail)) + 1, 0);
-    if (!is24) colours_.push_back(palette8Colours(session.colours));
+        static_cast<std::size_t>(std::max(0, colours.gClutsAvail)) + 1, 0);
+    if (!is24) colours_.push_back(palette8Colours(colours));
     for (std::size_t page = 0; page < kMaxPages; ++page) {
         const auto& list = sprites_.pageSprites[page];
         index[page].assign(list.size(), 0);
@@ -35,7 +38,7 @@ SpritePagePainter::SpritePagePainter(const StyleSession& session) : sprites_(ses
             std::size_t& table = tableOfClut[static_cast<std::size_t>(clut)];
             if (table == 0) {
                 table = colours_.size();
-                colours_.push_back(clutColours(session.colours, clut));
+                colours_.push_back(clutColours(colours, clut));
             }
             index[page][sib] = table;
         }
@@ -63,8 +66,9 @@ void SpritePagePainter::paintRow(int page, int y, const std::uint8_t* bytes,
     }
 }
 
-std::unique_ptr<PagePainter> makeSpritePagePainter(const StyleSession& session) {
-    return std::make_unique<SpritePagePainter>(session);
+std::unique_ptr<PagePainter> makeSpritePagePainter(const SpriteTables& sprites,
+                                                   const ColourTables& colours, bool is24Bit) {
+    return std::make_unique<SpritePagePainter>(sprites, colours, is24Bit);
 }
 
 } // namespace torquil

@@ -1,8 +1,8 @@
 #pragma once
 // Paints pages in the colours of the sprites that own their pixels: each row is one owner
 // lookup and one colour table lookup per pixel. A painter is a snapshot of the colour tables:
-// make a new one after colours change. It reads the session's mouse-over map, so it must not
-// outlive the session.
+// make a new one after colours change. It reads the sprite tables' mouse-over map, so it must not
+// outlive them.
 
 #include "style/pages.h"
 
@@ -13,12 +13,12 @@
 
 namespace torquil {
 
-class StyleSession;
+struct ColourTables;
 struct SpriteTables;
 
 class SpritePagePainter final : public PagePainter {
 public:
-    explicit SpritePagePainter(const StyleSession& session);
+    SpritePagePainter(const SpriteTables& sprites, const ColourTables& colours, bool is24Bit);
     void paintRow(int page, int y, const std::uint8_t* bytes, std::uint32_t* out) const override;
 
 private:
@@ -30,6 +30,7 @@ private:
     std::array<std::vector<const std::uint32_t*>, kMaxPages> bySib_;
 };
 
-std::unique_ptr<PagePainter> makeSpritePagePainter(const StyleSession& session);
+[[nodiscard]] std::unique_ptr<PagePainter>
+makeSpritePagePainter(const SpriteTables& sprites, const ColourTables& colours, bool is24Bit);
 
 } // namespace torquil

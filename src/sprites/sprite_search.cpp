@@ -3,7 +3,9 @@
 #include "sprites/sprite_info.h"
 
 #include "platform/platform.h"
-#include "session/style_session.h"
+#include "sprites/selection.h"
+#include "sprites/sprite_tables.h"
+#include "style/pages.h"
 
 #include <algorithm>
 #include <string>
@@ -22,22 +24,23 @@ std::optional<std::pair<int, int>> findSprite(const SpriteTables& sprites, int h
     return std::nullopt;
 }
 
-SearchResult searchNSelect(StyleSession& s, Platform& platform, int asn) {
-    const auto hit = findSprite(s.sprites, s.pages.highestPage, asn);
+SearchResult searchNSelect(const SpriteTables& sprites, Pages& pages, Selection& selection,
+                           Platform& platform, int asn) {
+    const auto hit = findSprite(sprites, pages.highestPage, asn);
     if (!hit) {
         platform.message("ASN:" + std::to_string(asn) + " not found.");
         return SearchResult::NotFound;
     }
     const auto [page, sib] = *hit;
-    if (page > s.pages.gNumBlockLoaded) {
+    if (page > pages.gNumBlockLoaded) {
         platform.message("This sprite exists, but has not been loaded.\r"
                          "Load more blocks when you open the Style file.",
                          Buttons::Ok, Icon::Warning);
         return SearchResult::NotLoaded;
     }
-    s.pages.gBoardOffset = static_cast<std::int16_t>(page * kPageSize);
-    s.selection.page = page;
-    s.selection.sib = sib;
+    pages.gBoardOffset = static_cast<std::int16_t>(page * kPageSize);
+    selection.page = page;
+    selection.sib = sib;
     return SearchResult::Selected;
 }
 

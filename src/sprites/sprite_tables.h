@@ -3,6 +3,7 @@
 // the 21 sprite counts that turn a relative sprite number into an absolute one.
 
 #include "base/zeroed_buffer.h"
+#include "style/pages.h"
 
 #include <array>
 #include <cstdint>
@@ -31,10 +32,10 @@ extern const std::array<const char*, kSpriteTypes> kSpriteTypeNames; // "SPR_ARR
 
 struct SpriteTables {
     // pageSprites[page][SIB], SIB 1..count; element 0 exists and holds nothing.
-    std::array<std::vector<SpriteRec>, 26> pageSprites;
+    std::array<std::vector<SpriteRec>, kMaxPages> pageSprites;
     // mouseOver(page, x, y): SIB of the sprite covering the pixel, 0 where none does. Kept row
     // by row (page, y, x) so that a page row is contiguous for painting; use over().
-    ZeroedBuffer<std::int16_t> mouseOver{26 * 256 * 256};
+    ZeroedBuffer<std::int16_t> mouseOver{kMaxPages * kPageBytes};
     std::int16_t spriteCount = 0;
     std::int32_t highestRawClut = 0;
     std::array<std::int16_t, kSpriteTypes> spriteNumbers{}; // the 42-byte record's 21 counts
@@ -45,9 +46,11 @@ struct SpriteTables {
     // Pages whose part of the mouse-over map may have been written since it was last cleared
     // (bit n = page n), so that clearing touches only those.
     std::uint32_t pagesMarked = 0;
+    static constexpr int kMarkedPageBits = 32;
+    static_assert(kMaxPages <= kMarkedPageBits, "every page needs its bit in pagesMarked");
 
     std::int16_t& over(int page, int x, int y) {
-        if (page >= 0 && page < 32) pagesMarked |= 1u << page;
+        if (page >= 0 && page < kMarkedPageBits) pagesMarked |= 1u << page;
         return mouseOver[(static_cast<std::size_t>(page) * 256 + y) * 256 + x];
     }
     std::int16_t over(int page, int x, int y) const {

@@ -11,9 +11,9 @@ namespace torquil {
 inline void resetSpriteTables(SpriteTables& t) {
     for (auto& list : t.pageSprites) list.assign(1, SpriteRec{});
     // Only the pages written since the last clear: a new session's map is still untouched.
-    constexpr std::size_t kPageCells = 256 * 256;
+    constexpr std::size_t kPageCells = kPageBytes;
     for (std::size_t page = 0; page * kPageCells < t.mouseOver.size(); ++page)
-        if (page >= 32 || (t.pagesMarked >> page & 1u) != 0)
+        if (page >= SpriteTables::kMarkedPageBits || (t.pagesMarked >> page & 1u) != 0)
             std::fill_n(t.mouseOver.data() + page * kPageCells,
                         std::min(kPageCells, t.mouseOver.size() - page * kPageCells), 0);
     t.pagesMarked = 0;

@@ -4,10 +4,13 @@
 #include "sprites/sprite_info.h"
 
 #include "base/checked.h"
+#include "platform/format_context.h"
 #include "platform/platform.h"
-#include "session/style_session.h"
-#include "sprites/progress_scope.h"
+#include "platform/progress_scope.h"
+#include "sprites/colour_tables.h"
 #include "sprites/sprite_tables_reset.h"
+#include "style/pages.h"
+#include "style/style_file.h"
 
 #include <algorithm>
 #include <limits>
@@ -34,17 +37,18 @@ const char* tileKind(std::int64_t n, std::int64_t side, std::int64_t lidLimit,
 
 } // namespace
 
-bool calcTileSpriteInfo(StyleSession& s, BinaryFile&, Platform& platform) {
-    ErrorState& errors = s.errors;
-    SpriteTables& t = s.sprites;
+bool calcTileSpriteInfo(SpriteTables& t, ColourTables& colours, Pages& pages,
+                        const StyleFileState& style, FormatContext& ctx) {
+    ErrorState& errors = ctx.errors;
+    Platform& platform = ctx.platform;
     resetSpriteTables(t);
 
     const std::int64_t highest =
-        floorDiv(s.style.gSeekGraphicsEnd - s.style.gSeekGraphicsStart, kPageBytes);
-    s.pages.highestPage = static_cast<std::int32_t>(
+        floorDiv(style.gSeekGraphicsEnd - style.gSeekGraphicsStart, kPageBytes);
+    pages.highestPage = static_cast<std::int32_t>(
         std::clamp<std::int64_t>(highest, std::numeric_limits<std::int32_t>::min(),
                                  std::numeric_limits<std::int32_t>::max()));
-    const StyleHeader& h = s.style.header;
+    const StyleHeader& h = style.header;
     const std::int64_t side = floorDiv(h.side_size(), kTileBytes);
     const std::int64_t lidLimit = side + floorDiv(h.lid_size(), kTileBytes);
     const std::int64_t auxLimit = lidLimit + floorDiv(h.aux_size(), kTileBytes);
@@ -71,11 +75,11 @@ bool calcTileSpriteInfo(StyleSession& s, BinaryFile&, Platform& platform) {
                 rec.W = rec.H = kTileSize;
                 rec.kind = kind;
                 rec.page = static_cast<std::int16_t>(page);
-                if (s.style.gIs24Bit) {
+                if (style.gIs24Bit) {
                     // Four palette index entries per tile; the first is the tile's own CLUT.
                     rec.palPos = static_cast<std::int16_t>((n - 1) * 4);
-                    rec.clut = checkedAt(s.colours.PalIndex, (n - 1) * 4, errors, "PalIndex");
-                    ++checkedAt(s.colours.used, rec.clut, errors, "CLUT use count");
+                    rec.clut = checkedAt(colours.PalIndex, (n - 1) * 4, errors, "PalIndex");
+                    ++checkedAt(colours.used, rec.clut, errors, "CLUT use count");
                     if (errors.hasPending()) return false;
                 }
                 for (int cy = y; cy < y + kTileSize; ++cy) {

@@ -17,7 +17,7 @@ int mapNumberFromFileName(const std::string& fileName) {
     auto dot = upper.find('.', style);
     if (dot == std::string::npos) return 0;
     std::string digits = upper.substr(style + 5, dot - style - 5);
-    // Val(): leading blanks skipped, then as many digits as there are.
+    // The number: leading blanks skipped, an optional sign, then as many digits as there are.
     std::size_t i = 0;
     while (i < digits.size() && digits[i] == ' ') ++i;
     long value = 0;

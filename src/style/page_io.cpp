@@ -2,7 +2,8 @@
 
 #include "base/binary_file.h"
 #include "platform/platform.h"
-#include "session/style_session.h"
+#include "style/pages.h"
+#include "style/style_file.h"
 
 #include <algorithm>
 #include <span>
@@ -14,11 +15,9 @@ void BackgroundPainter::paintRow(int, int, const std::uint8_t*, std::uint32_t* o
     std::fill(out, out + kPageSize, background_);
 }
 
-void loadBlocks(StyleSession& session, BinaryFile& file, Platform& platform,
-                const PagePainter& painter) {
+bool loadBlocks(Pages& pages, PageImage& image, const StyleFileState& style, BinaryFile& file,
+                Platform& platform, const PagePainter& painter) {
     BusyCursor busy(platform);
-    Pages& pages = session.pages;
-    const StyleFileState& style = session.style;
     ProgressSink& progress = platform.progress();
     pages.gNumLinesLoaded = 0;
 
@@ -33,8 +32,7 @@ void loadBlocks(StyleSession& session, BinaryFile& file, Platform& platform,
         if (file.length() < pageStart) {
             platform.message("Tried to loadBlock " + std::to_string(n) +
                              " which is past the end of the file!");
-            session.selection.clear();
-            return;
+            return false;
         }
         file.seek(pageStart);
         progress.open("Load Page " + std::to_string(n),
@@ -44,7 +42,7 @@ void loadBlocks(StyleSession& session, BinaryFile& file, Platform& platform,
             std::uint8_t* bytes = pages.row(n, r);
             file.read(std::span<std::uint8_t>(bytes, kPageSize));
             ++pages.gNumLinesLoaded;
-            painter.paintRow(n, r, bytes, session.image.row(r) + n * kPageSize);
+            painter.paintRow(n, r, bytes, image.row(r) + n * kPageSize);
             progress.setValue(r);
             platform.doEvents();
             if (progress.stopRequested()) {
@@ -78,14 +76,13 @@ void loadBlocks(StyleSession& session, BinaryFile& file, Platform& platform,
     platform.detail("gSeekGraphicsEnd:" + std::to_string(style.gSeekGraphicsEnd));
     platform.detail("gNumBlockLoaded:" + std::to_string(pages.gNumBlockLoaded));
     platform.detail("gNumLinesLoaded:" + std::to_string(pages.gNumLinesLoaded));
+    return true;
 }
 
-int savePages(StyleSession& session, BinaryFile& file, Platform& platform) {
-    Pages& pages = session.pages;
-    StyleFileState& style = session.style;
-    ErrorState& errors = session.errors;
+int savePages(const Pages& pages, StyleFileState& style, BinaryFile& file, ErrorState& errors,
+              Platform& platform) {
     ProgressSink& progress = platform.progress();
-    errors.clear();
+    const PendingErrorScope fresh(errors);
     progress.open("Saving", "KRB Data File Saving Pages...",
                   std::max<int>(0, pages.gNumBlockLoaded));
 
@@ -120,21 +117,21 @@ int savePages(StyleSession& session, BinaryFile& file, Platform& platform) {
     return errors.pending();
 }
 
-void repaintPages(StyleSession& session, const PagePainter& painter) {
-    for (int n = 0; n <= session.pages.gNumBlockLoaded && n < kMaxPages; ++n)
-        repaintRect(session, painter, n, 0, 0, kPageSize, kPageSize);
+void repaintPages(const Pages& pages, PageImage& image, const PagePainter& painter) {
+    for (int n = 0; n <= pages.gNumBlockLoaded && n < kMaxPages; ++n)
+        repaintRect(pages, image, painter, n, 0, 0, kPageSize, kPageSize);
 }
 
-void repaintRect(StyleSession& session, const PagePainter& painter, int page, int x, int y, int w,
-                 int h) {
+void repaintRect(const Pages& pages, PageImage& image, const PagePainter& painter, int page, int x,
+                 int y, int w, int h) {
     if (page < 0 || page >= kMaxPages) return;
     const int x0 = std::clamp(x, 0, kPageSize), x1 = std::clamp(x + w, 0, kPageSize);
     const int y0 = std::clamp(y, 0, kPageSize), y1 = std::clamp(y + h, 0, kPageSize);
     if (x0 >= x1) return;
     std::uint32_t rowOut[kPageSize];
     for (int r = y0; r < y1; ++r) {
-        painter.paintRow(page, r, session.pages.row(page, r), rowOut);
-        std::copy(rowOut + x0, rowOut + x1, session.image.row(r) + page * kPageSize + x0);
+        painter.paintRow(page, r, pages.row(page, r), rowOut);
+        std::copy(rowOut + x0, rowOut + x1, image.row(r) + page * kPageSize + x0);
     }
 }
 

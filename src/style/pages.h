@@ -1,6 +1,6 @@
 #pragma once
-// The graphics pages ("blocks"): up to 26 pages of 256 x 256 one-byte pixels, and the page image
-// (6656 x 256, 32-bit RGB) that the board shows.
+// The graphics pages ("blocks"): up to kMaxPages (26) pages of 256 x 256 one-byte pixels, and the
+// page image (6656 x 256, 32-bit RGB) that the board shows.
 
 #include "base/zeroed_buffer.h"
 
@@ -36,6 +36,12 @@ struct Pages {
     std::uint8_t* row(int page, int y) {
         return gPixels.data() + static_cast<std::size_t>(page) * kPageBytes + y * kPageSize;
     }
+};
+
+// A rectangle of one page, to repaint after its pixels changed; page -1 (or no area) is none.
+struct PageArea {
+    int page = -1, x = 0, y = 0, w = 0, h = 0;
+    bool empty() const { return page < 0 || w <= 0 || h <= 0; }
 };
 
 // 0x00RRGGBB pixels, kImageWidth x 256, row-major; owned by the core, wrapped by the window.

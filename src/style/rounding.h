@@ -4,7 +4,7 @@
 namespace torquil {
 
 // Rounds a byte count up to a multiple of unit; a count that already is a multiple stays, else
-// (truncated quotient + 1) x unit, as the game's tools computed it.
+// (truncated quotient + 1) x unit, which is how the game's files pad their sections.
 constexpr std::int64_t roundUpTo(std::int64_t x, std::int64_t unit) {
     if (x % unit == 0) return x;
     return (x / unit + 1) * unit;

@@ -27,7 +27,7 @@ void locateTileSections(StyleFileState& s) {
     s.gSeekSpriteInfo = s.gSeekSpriteInfoEnd = 0;
     s.gSeekGraphicsStart = h.headSize() + 1;
     // The rounding applies to the 1-based position and the anim size is taken off after it:
-    // that is where the game's tools put the end of the tile pages.
+    // that is where the tile pages of the game's files end.
     s.gSeekGraphicsEnd = roundUp16384(s.gSeekGraphicsStart + std::int64_t{h.side_size()} +
                                       h.lid_size() + h.aux_size()) -
                          h.anim_size();

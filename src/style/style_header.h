@@ -72,7 +72,7 @@ struct StyleHeader {
 bool headerFitsFile(const StyleHeader& header, std::int64_t fileLength);
 
 // Reads the header at the start of the open file (64 or 52 bytes, one read).
-StyleHeader readStyleHeader(BinaryFile& file, bool is24);
-StyleHeader parseStyleHeader(const std::uint8_t* bytes, bool is24);
+[[nodiscard]] StyleHeader readStyleHeader(BinaryFile& file, bool is24);
+[[nodiscard]] StyleHeader parseStyleHeader(const std::uint8_t* bytes, bool is24);
 
 } // namespace torquil

@@ -65,7 +65,7 @@ struct BmpFixture : tb::StyleFixture {
             for (auto v : session->colours.entry(clut, c)) out.push_back(v);
         return out;
     }
-    std::vector<std::uint8_t> pageBytes() const { return session->pages.gPixels; }
+    std::vector<std::uint8_t> pageBytes() const { return session->pages.gPixels.toVector(); }
 };
 
 // Row y of the sprite is stored at file row h - 1 - y.

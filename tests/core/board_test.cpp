@@ -1,4 +1,4 @@
-#include "sprites/board_lookup.h"
+#include "session/board_lookup.h"
 #include "sprites/sprite_info.h"
 #include "sprites/sprite_painter.h"
 
@@ -50,7 +50,7 @@ TEST(PagePainter, PixelsTakeTheOwnersColoursAndUnownedOnesTheBackground) {
 
     // A painter made after a colour change paints the new colour.
     g24.s().colours.pal24[1 * 256 + 5] = {1, 2, 3};
-    SpritePagePainter painter(g24.s());
+    SpritePagePainter painter(g24.s().sprites, g24.s().colours, g24.s().style.gIs24Bit);
     std::array<std::uint32_t, kPageSize> row{};
     painter.paintRow(0, 10, g24.s().pages.row(0, 10), row.data());
     EXPECT_EQ(row[10], 0x010203u);

@@ -1,4 +1,4 @@
-// Car edits as the editor and the car list make them: records queued, names shared by model.
+// Car list edits (one box with the editor's limits, through editCar) and Find Car's matching.
 
 #include "session/car_edit.h"
 #include "session/car_find.h"
@@ -69,20 +69,6 @@ TEST_F(CarEditFixture, ANameGoesToTheModelAndEveryCarOfIt) {
     EXPECT_EQ(session.cars.find(7)->name, "Old");
     EXPECT_TRUE(session.style.gCarNamesChanged);
     EXPECT_EQ(session.style.gSaveCarInfo.size(), 1u); // a name is no record write
-}
-
-TEST_F(CarEditFixture, AWholeEntryReplacesRecordAndDoorsOnlyWhenTheRecordChanged) {
-    CarEntry edited = *session.cars.find(7);
-    edited.info.grip = 77;
-    edited.doorList = {DoorRec{1, 2, 3, 4}};
-    CarEditResult r = applyCarEdit(session, 7, edited, false, false);
-    EXPECT_TRUE(r.applied);
-    EXPECT_EQ(info(7).grip, 0);
-    r = applyCarEdit(session, 7, edited, true, false);
-    EXPECT_TRUE(r.recordQueued);
-    EXPECT_EQ(info(7).grip, 77);
-    EXPECT_EQ(session.cars.find(7)->doorList.size(), 1u);
-    EXPECT_FALSE(applyCarEdit(session, 8, edited, true, true).applied);
 }
 
 TEST_F(CarEditFixture, FindCarTakesAnAsnAModelOrAPartOfTheName) {

@@ -21,7 +21,7 @@ TEST(FixedPoint, StoredValueToTextRoundsHalvesAwayFromZero) {
         {20480, "0.313"},
         {-20480, "-0.313"},
         {4095, "0.062"},
-        // Under half a thousandth: zero, with the sign the original's formatting kept.
+        // Under half a thousandth: zero, with the sign of the stored value kept.
         {1, "0.000"},
         {-1, "-0.000"},
         {std::numeric_limits<std::int32_t>::max(), "32768.000"},

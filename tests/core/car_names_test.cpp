@@ -2,9 +2,10 @@
 #include "cars/car_names_io.h"
 #include "fake_platform.h"
 #include "sample_level.h"
+#include "session/edits.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 #include "style_builder.h"
 #include "test_dir.h"
 

@@ -28,7 +28,9 @@ struct SaveRun {
     explicit SaveRun(const std::vector<uint8_t>& bytes, const std::string& name = "STYLE001.G24")
         : before(bytes) {
         t.open(name, bytes);
-        if (t.s().style.gIs24Bit) EXPECT_TRUE(loadCLUT(t.s(), *t.file, t.platform));
+        if (t.s().style.gIs24Bit) {
+            EXPECT_TRUE(loadCLUT(t.s(), *t.file, t.platform));
+        }
     }
     std::vector<uint8_t> save() {
         t.file->close();

@@ -2,7 +2,7 @@
 #include "exchange/delta_io.h"
 #include "fake_platform.h"
 #include "session/load_sequence.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 #include "sprite_fixture.h"
 #include "style_builder.h"
 #include "test_dir.h"

@@ -165,7 +165,7 @@ TEST_F(Gc3Fixture, WriteThenApplyReproducesTheModifiedFiles) {
                                      {"empty original", 0, 700, 0}};
     for (const Case& c : cases) {
         const auto orig = randomBytes(c.origSize, 7);
-        auto mod = randomBytes(c.modSize, 7); // shares the original's prefix
+        auto mod = randomBytes(c.modSize, 7); // shares the unmodified file's prefix
         std::mt19937 rng(c.changes);
         for (unsigned i = 0; i < c.changes && !mod.empty(); ++i) mod[rng() % mod.size()] ^= 0x81;
         const std::vector<std::uint8_t> origText = {'[', 'c', 'a', 'r', '1', ']', 'A'};

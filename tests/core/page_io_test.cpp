@@ -1,6 +1,6 @@
 #include "base/binary_file.h"
 #include "fake_platform.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 #include "style/page_io.h"
 #include "style_builder.h"
 #include "test_dir.h"
@@ -119,7 +119,7 @@ TEST_F(PageFixture, AtMostTwentySixPagesAreLoaded) {
 
 TEST_F(PageFixture, PageStartPastTheEndOfTheFileStopsTheLoad) {
     prepare(0, kPageBytes, 0, 3);
-    session.selection = {1, 1, 1};
+    session.selection = {1, 1};
     load();
     ASSERT_EQ(platform.shownMessages.size(), 1u);
     EXPECT_EQ(platform.shownMessages[0].text,

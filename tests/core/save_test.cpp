@@ -6,7 +6,7 @@
 #include "session/load_sequence.h"
 #include "session/loaders.h"
 #include "session/save_sequence.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 #include "style_builder.h"
 #include "test_dir.h"
 
@@ -328,7 +328,8 @@ TEST_F(SaveFixture, BackupIsMadeOnceAndNeverOverwritten) {
     ASSERT_NE(firstSave, original);
     EXPECT_EQ(tb::readFile(bak()), original);
 
-    // Later saves of the same run, and saves of a later run, keep the pristine original.
+    // Later saves of the same run, and saves of a later run, keep the backup of the unmodified
+    // file.
     session->style.gPagesChanged = true;
     session->pages.pixel(0, 1, 0) ^= 0xFF;
     ASSERT_EQ(save().result, SaveResult::Saved);
@@ -386,7 +387,9 @@ TEST_F(SaveFixture, CrashAtAnyPointLeavesTheOriginalRecoverable) {
 
         ASSERT_TRUE(fs::exists(path)); // the name always holds a file
         EXPECT_EQ(tb::readFile(bak()), original);
-        if (at == "File Open") EXPECT_EQ(bytes(), original);
+        if (at == "File Open") {
+            EXPECT_EQ(bytes(), original);
+        }
         if (at == "Shrink Copy Written") {
             EXPECT_EQ(bytes().size(), original.size());
             EXPECT_EQ(tb::readFile(withSuffix(path, "~")), saved);

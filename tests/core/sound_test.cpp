@@ -4,7 +4,7 @@
 #include "cli_runner.h"
 #include "fake_platform.h"
 #include "session/load_sequence.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 #include "style_builder.h"
 #include "test_dir.h"
 

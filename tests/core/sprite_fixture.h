@@ -6,7 +6,7 @@
 #include "fake_platform.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 #include "style/style_header.h"
 #include "style_builder.h"
 #include "test_dir.h"

@@ -1,6 +1,5 @@
 // The car info editor on the sample level: validation reports, what closing the form accepts,
-// the door and remap pages, help and sound buttons. Set TORQUIL_SCREENSHOT_DIR to also write a
-// picture of every page there.
+// the door and remap pages, help and sound buttons.
 
 #include "cars/car_fields.h"
 #include "cars/fixed_point.h"
@@ -9,7 +8,7 @@
 #include "sample_level.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
-#include "session/style_session.h"
+#include "session/session_io.h"
 #include "sprites/clut.h"
 
 #include "app/car_info_form.h"
@@ -113,7 +112,6 @@ private slots:
     void helpButtonsOpenTheirContext();
     void unknownCarOpensEmptyAndQueuesNothing();
     void playButtonsPlayEngineHornAndSoundFunction();
-    void screenshots();
 };
 
 void CarInfoFormTest::pagesHoldTheirBoxesWithCaptionsAndToolTips() {
@@ -589,24 +587,6 @@ void CarInfoFormTest::playButtonsPlayEngineHornAndSoundFunction() {
     QCOMPARE(wavField(played[2], 40), lengthOf(4));
     QCOMPARE(wavField(played[2], 24), rateOf(4));
     QVERIFY(level->platform.shownMessages.empty());
-}
-
-void CarInfoFormTest::screenshots() {
-    const QByteArray target = qgetenv("TORQUIL_SCREENSHOT_DIR");
-    if (target.isEmpty()) QSKIP("TORQUIL_SCREENSHOT_DIR not set");
-    auto level = loadSample("STYLE001.G24");
-    QVERIFY(level);
-    CarInfoForm form(*level->session, level->platform, carWithDoors(*level->session, 2));
-    form.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&form));
-    form.findChild<QListWidget*>("RemapList")->setCurrentRow(3);
-    for (int page = 0; page < form.tabs()->count(); ++page) {
-        form.tabs()->setCurrentIndex(page);
-        QTest::qWait(50);
-        // Numbered by page: the pages' captions are in the form itself.
-        QVERIFY(form.grab().save(
-            QString("%1/car_editor_%2.png").arg(QString::fromUtf8(target)).arg(page + 1)));
-    }
 }
 
 QTEST_MAIN(CarInfoFormTest)

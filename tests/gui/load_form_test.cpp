@@ -3,11 +3,11 @@
 
 #include "gui_fixture.h"
 
-#include "app/bitmap_names.h"
 #include "app/load_form.h"
 #include "app/load_modes.h"
 #include "app/main_form.h"
 #include "app/page_board.h"
+#include "exchange/bitmap_names.h"
 #include "style/style_file.h"
 #include "style_builder.h"
 

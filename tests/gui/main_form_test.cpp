@@ -84,7 +84,7 @@ struct Harness {
 class MainFormTest : public QObject {
     Q_OBJECT
 private slots:
-    void menuTreeAndToolbarAreTheGameToolsOnes();
+    void menuTreeAndToolbarKeepTheirNamesAndTexts();
     void commandGroupsSwitchTheirMembers();
     void beforeAnyFileOnlyOpenIsOnAndClosingAsksNothing();
     void openingTheSampleThroughTheDialogSetsCaptionCommandsAndBoard();
@@ -101,7 +101,7 @@ private slots:
     void windowRemembersZoomAndShrinksToOnePage();
 };
 
-void MainFormTest::menuTreeAndToolbarAreTheGameToolsOnes() {
+void MainFormTest::menuTreeAndToolbarKeepTheirNamesAndTexts() {
     Harness h;
     QStringList tree;
     std::function<void(QMenu*, int)> walk = [&](QMenu* menu, int depth) {

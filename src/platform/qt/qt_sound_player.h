@@ -1,6 +1,6 @@
 #pragma once
-// Plays a WAV file to its end before returning, as the game tools did; without an audio output
-// it plays nothing and returns at once.
+// Plays a WAV file to its end before returning, so the caller may delete the file afterwards;
+// without an audio output it plays nothing and returns at once.
 
 #include "platform/platform.h"
 

@@ -1,4 +1,4 @@
-#include "sprites/dump_file.h"
+#include "platform/dump_file.h"
 
 namespace torquil {
 

@@ -1,4 +1,4 @@
-#include "sprites/board_lookup.h"
+#include "session/board_lookup.h"
 
 #include "session/style_session.h"
 

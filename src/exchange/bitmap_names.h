@@ -1,11 +1,10 @@
 #pragma once
 // Which sprite a BMP file is for, from the names the export gives them: "KRBSPR" + level + "_" +
 // sprite number, "KRBTIL" + level + "_" + tile number, "CAR" (or "C_CAR") + level + "_" + car
-// model, each with ".bmp".
-
-#include <QString>
+// model, each with ".bmp" (any case).
 
 #include <optional>
+#include <string>
 
 namespace torquil {
 
@@ -15,6 +14,6 @@ struct BitmapTarget {
 };
 
 // Nothing when the name is not one of those, or is for another level.
-std::optional<BitmapTarget> bitmapTarget(const QString& fileName, int level);
+[[nodiscard]] std::optional<BitmapTarget> bitmapTarget(const std::string& fileName, int level);
 
 } // namespace torquil

@@ -1,7 +1,6 @@
 #pragma once
 // A debug dump text file in the program's directory, one line per call. Failing to create it
-// raises "Path/File access error" (75) on the session's error state, as opening a file for
-// output did in the original tools.
+// raises "Path/File access error" (75) on the given error state.
 
 #include "base/runtime_error.h"
 
