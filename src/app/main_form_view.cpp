@@ -7,8 +7,8 @@
 #include "app/main_menus.h"
 #include "app/page_board.h"
 #include "platform/qt/qt_platform.h"
+#include "session/board_lookup.h"
 #include "session/car_find.h"
-#include "sprites/board_lookup.h"
 
 #include <QAction>
 #include <QDir>
