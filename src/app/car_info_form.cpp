@@ -10,10 +10,13 @@
 #include "sprites/clut.h"
 
 #include <QEvent>
+#include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTimer>
 
 #include <algorithm>
+#include <filesystem>
 
 namespace torquil {
 
@@ -141,11 +144,52 @@ void CarInfoForm::cmdHelpClick(int page) {
         platform_.message(errorDescription(err::FileNotFound), Buttons::Ok, Icon::Critical);
 }
 
-void CarInfoForm::playSoundOfBox(int index, int repeat) {
+int CarInfoForm::soundNumberOfBox(int index) const {
     const std::optional<double> value = parseNumber(box(index)->text().toStdString());
-    const int sound =
-        value ? static_cast<int>(std::clamp<std::int64_t>(wholeNumber(*value), 0, 255)) : 0;
-    playSound(session_, platform_, sound, 1.0, repeat);
+    return value ? static_cast<int>(std::clamp<std::int64_t>(wholeNumber(*value), 0, 255)) : 0;
+}
+
+QString CarInfoForm::soundStateText() const {
+    const std::filesystem::path sdt = sdtFilePath(session_), raw = rawFilePath(session_);
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(sdt, ec) || !std::filesystem::is_regular_file(raw, ec))
+        return "No sound bank: " + QString::fromStdString(sdt.string()) + " and " +
+               QString::fromStdString(raw.filename().string()) + " are needed to play the sounds.";
+    if (!platform_.sound().hasOutput())
+        return "No audio output device: the sounds cannot be heard on this computer. Save as WAV "
+               "writes them to a file.";
+    return {};
+}
+
+void CarInfoForm::refreshSoundState() {
+    const QString text = soundStateText();
+    soundState_->setText(text);
+    soundState_->setVisible(!text.isEmpty());
+}
+
+void CarInfoForm::playSoundOfBox(int index, int repeat) {
+    refreshSoundState();
+    playSound(session_, platform_, static_cast<std::int16_t>(soundNumberOfBox(index)), 1.0,
+              static_cast<std::int16_t>(repeat));
+}
+
+void CarInfoForm::saveSoundOfBox(int index, int repeat) {
+    refreshSoundState();
+    const int sound = soundNumberOfBox(index);
+    const QString suggested = QString::fromStdString(
+        (session_.style.dataFolder() / ("LEVEL" + std::to_string(session_.style.gMapNumber) +
+                                        "_sound" + std::to_string(sound) + ".wav"))
+            .string());
+    const QString path = askWavPath ? askWavPath(suggested)
+                                    : QFileDialog::getSaveFileName(this, "Save as WAV", suggested,
+                                                                   "WAV files (*.wav)");
+    if (path.isEmpty()) return;
+    if (writeSoundWav(session_, platform_, static_cast<std::int16_t>(sound), 1.0,
+                      static_cast<std::int16_t>(repeat),
+                      std::filesystem::path(path.toStdString())) != SoundOutcome::Done)
+        return;
+    soundState_->setText("Sound " + QString::number(sound) + " written to " + path);
+    soundState_->show();
 }
 
 void CarInfoForm::done(int result) {

@@ -10,6 +10,7 @@
 #include <QDialog>
 
 #include <array>
+#include <functional>
 #include <string>
 
 class QLabel;
@@ -62,6 +63,12 @@ public:
     int selectedRemap() const { return cursor_.remap; }
     int selectedDoor() const { return cursor_.door; }
 
+    // Why the sound page cannot be heard (no sound bank, no audio device); empty when it can.
+    QString soundStateText() const;
+    QLabel* soundStateLabel() const { return soundState_; }
+    // Asks where Save as WAV writes (a file dialog unless replaced); empty: cancelled.
+    std::function<QString(const QString& suggested)> askWavPath;
+
     // The help context number each page's help button carries.
     static int helpContext(int page) { return 100 + page; }
 
@@ -89,6 +96,9 @@ private:
     void cmdHelpClick(int page);
     void acceptEdits();
     void playSoundOfBox(int index, int repeat);
+    void saveSoundOfBox(int index, int repeat);
+    int soundNumberOfBox(int index) const;
+    void refreshSoundState();
 
     // The door page (car_info_form_doors.cpp).
     void showDoor(int door);
@@ -116,6 +126,7 @@ private:
     std::array<std::string, kCarFieldCount> filledText_; // each box's text when the form opened
 
     QTabWidget* tabs_ = nullptr;
+    QLabel* soundState_ = nullptr;
     std::array<QLineEdit*, kCarFieldCount> boxes_{};
     std::array<QLabel*, kCarFieldCount> labels_{};
     std::array<QPushButton*, PageCount> helpButtons_{};

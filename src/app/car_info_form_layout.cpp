@@ -243,11 +243,23 @@ QWidget* CarInfoForm::buildSoundPage() {
             connect(iplay, &QPushButton::clicked, this,
                     [this, index, repeat] { playSoundOfBox(index, repeat); });
             grid->addWidget(iplay, row, 2);
+            auto* save = new QPushButton("Save as WAV...", widget);
+            save->setObjectName(QString("cmdSaveWav_%1").arg(button - 1));
+            save->setAutoDefault(false);
+            save->setToolTip("Writes the sound number in the box to a WAV file");
+            connect(save, &QPushButton::clicked, this,
+                    [this, index, repeat] { saveSoundOfBox(index, repeat); });
+            grid->addWidget(save, row, 3);
         }
     }
-    grid->setColumnStretch(3, 1);
+    grid->setColumnStretch(4, 1);
     grid->setRowStretch(5, 1);
     layout->addLayout(grid, 1);
+    soundState_ = new QLabel(widget);
+    soundState_->setObjectName("lblSoundState");
+    soundState_->setWordWrap(true);
+    layout->addWidget(soundState_);
+    refreshSoundState();
     addHelpRow(layout, makeHelpButton(SoundPage, widget));
     return widget;
 }
@@ -297,6 +309,9 @@ QWidget* CarInfoForm::buildRemapPage() {
         grid24->addWidget(edit, row, 1);
     }
     imageBar_ = new RemapBar(remap24Frame);
+    // Dragging a pointer types its value into the box, which stores it like a typed value.
+    connect(imageBar_, &RemapBar::valueDragged, this,
+            [this](int i, int value) { box(38 + i)->setText(QString::number(value)); });
     grid24->addWidget(imageBar_, 3, 0, 1, 2);
     frames->addWidget(remap24Frame);
 

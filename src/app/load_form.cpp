@@ -72,6 +72,13 @@ LoadForm::LoadForm(DialogMode mode, const StyleFileState& style, Platform& platf
     fillDrives();
     setDirectory(QDir::currentPath());
     getRegSettings();
+    // With a style file open, opening the next one starts beside it: another level's file of
+    // the same name is then never picked by mistake.
+    if (mode_ == DialogMode::Style && style_.loaded && !style_.path.empty()) {
+        const QFileInfo open(QString::fromStdString(style_.path.string()));
+        if (open.absoluteDir().exists() && setDirectory(open.absolutePath()))
+            selectFile(open.fileName());
+    }
 }
 
 void LoadForm::buildWidgets() {

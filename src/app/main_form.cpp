@@ -47,6 +47,7 @@ MainForm::MainForm(AppOptions options, QtPlatform& platform, QWidget* parent)
     runDialog = [](QDialog& dialog) { return dialog.exec(); };
     buildWindow();
     connectCommands();
+    buildFindingAids();
     platform_.setParentWindow(this);
     platform_.qtDesktop().onRefreshBoard = [this] { board_->refresh(); };
     // Nothing is open yet: only the open command and what needs no file.
@@ -57,6 +58,7 @@ MainForm::MainForm(AppOptions options, QtPlatform& platform, QWidget* parent)
 
 MainForm::~MainForm() {
     platform_.qtDesktop().onRefreshBoard = nullptr;
+    platform_.qtDesktop().onShowHelp = nullptr;
 }
 
 void MainForm::buildWindow() {
@@ -176,10 +178,7 @@ void MainForm::connectCommands() {
             status_->clear();
             return;
         }
-        const std::string what = describeAt(*session_, page, x, y);
-        status_->setText(
-            tr("BLK:%1  x:%2 y:%3").arg(page).arg(x).arg(y) +
-            (what.empty() ? QString() : QStringLiteral("    ") + QString::fromStdString(what)));
+        status_->setText(hoverText(page, x, y));
     });
 }
 

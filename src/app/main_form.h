@@ -22,7 +22,9 @@ class QLabel;
 
 namespace torquil {
 
+class CarListDock;
 class DetailsForm;
+class HelpWindow;
 class MainMenus;
 class MainToolBar;
 class PageBoard;
@@ -41,6 +43,9 @@ public:
     const MainMenus& menus() const { return *menus_; }
     MainToolBar* toolBar() const { return toolBar_; }
     QLabel* statusLabel() const { return status_; }
+    QLabel* pathLabel() const { return pathLabel_; }
+    CarListDock* carList() const { return carList_; }
+    HelpWindow* helpWindow() const { return help_; }
 
     // Switches a command group (0: groups 1 to 9; above 9: nothing).
     void setCommandGroup(int group, bool enabled);
@@ -63,6 +68,12 @@ public:
     // "Save your changes?" when the save command is enabled; false when the user cancelled.
     bool askToSaveChanges();
     void setZoom(int zoom);
+    // The largest zoom at which a whole page fits the board, then applied.
+    void fitToWindow();
+    // Moves the selection to the next (step 1) or previous (step -1) sprite, page after page.
+    bool stepSelection(int step);
+    // Opens the manual at a help context's topic (0: contents, 100 + page: the car editor).
+    bool showHelpTopic(int context);
 
     // Edit menu: takes back the last edit or does the next undone one again.
     void undo();
@@ -78,6 +89,8 @@ public:
     std::function<int(QDialog&)> runDialog;
     // Asks for an absolute sprite number; nothing when cancelled.
     std::function<std::optional<int>()> askSpriteNumber;
+    // Asks Find Car's text (ASN, "model N" or a part of a name); nothing when cancelled.
+    std::function<std::optional<QString>()> askFindText;
     // Asks for a delta set picture to write (forSaving) or read; empty when cancelled.
     std::function<QString(bool forSaving, const QString& suggested)> askDeltaSetFile;
 
@@ -136,6 +149,13 @@ private:
     void mnuFormShrink_Click();
     void importBitmapFile(const QString& path);
 
+    // The car list, fit zoom, keyboard selection, file path and help window
+    // (main_form_view.cpp).
+    void buildFindingAids();
+    void showOpenFile();
+    QString hoverText(int page, int x, int y) const;
+    void findCarByText(const QString& text);
+
     // Help and debug commands (main_form_help.cpp).
     void mnuHelpContents_Click();
     void mnuHelpSearch_Click();
@@ -159,6 +179,9 @@ private:
     QLabel* status_ = nullptr;
     QLabel* selectionLabel_ = nullptr;
     QComboBox* zoomBox_ = nullptr;
+    QLabel* pathLabel_ = nullptr;
+    CarListDock* carList_ = nullptr;
+    HelpWindow* help_ = nullptr;
 };
 
 } // namespace torquil

@@ -1,5 +1,6 @@
 // The File menu: open, load a bitmap, save and exit (the car pack entries: main_form_car_pack).
 
+#include "app/car_list_dock.h"
 #include "app/load_form.h"
 #include "app/main_form.h"
 #include "app/main_tool_bar.h"
@@ -91,6 +92,7 @@ void MainForm::afterLoad(bool loaded) {
         setCommandGroup(9, true); // apply a car pack
         updateTitle();
     }
+    showOpenFile();
     updateStatusForSelection();
     board_->refresh();
 }
@@ -98,6 +100,7 @@ void MainForm::afterLoad(bool loaded) {
 void MainForm::markChanged() {
     // The save command follows the dirty flags: an edit sets them, an undo may clear them.
     setCommandGroup(2, session_->style.anyChange());
+    carList_->refresh();
     board_->refresh();
 }
 

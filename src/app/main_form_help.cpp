@@ -1,6 +1,7 @@
 // The Help and Debug menus.
 
 #include "app/details_form.h"
+#include "app/help_window.h"
 #include "app/main_form.h"
 #include "exchange/gc3.h"
 #include "platform/qt/qt_platform.h"
@@ -53,8 +54,15 @@ void MainForm::mnuReadMe_Click() {
         fs::path(QCoreApplication::applicationDirPath().toStdString()) / "readme.txt";
     std::error_code ec;
     const fs::path readme = fs::exists(inWorkDir, ec) ? inWorkDir : besideProgram;
-    if (platform_.desktop().openTextFile(readme)) return;
-    platform_.message(std::string("Sorry, ") + textEditorName() + " not found." + "\r" +
+    // Shown in the program's own help window: no outside viewer is needed.
+    if (!help_) help_ = new HelpWindow(this);
+    if (help_->showTextFile(QString::fromStdString(readme.string()))) {
+        help_->show();
+        help_->raise();
+        help_->activateWindow();
+        return;
+    }
+    platform_.message(std::string("Sorry, ") + readme.string() + " not found." + "\r" +
                       "Please manually view the readme.doc file in the TORQUIL directory.");
 }
 

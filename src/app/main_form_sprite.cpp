@@ -1,6 +1,7 @@
 // The Sprite and Car Info menus and the window size entries.
 
 #include "app/car_info_form.h"
+#include "app/car_list_dock.h"
 #include "app/delta_pic_form.h"
 #include "app/main_form.h"
 #include "app/page_board.h"
@@ -15,6 +16,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
+#include <QLineEdit>
 #include <QScreen>
 #include <QStatusBar>
 
@@ -115,22 +117,29 @@ void MainForm::mnuTranspCorrect_Click() {
 }
 
 void MainForm::mnuFindCar_Click() {
-    std::optional<int> asn;
     if (askSpriteNumber) {
-        asn = askSpriteNumber();
+        if (const std::optional<int> asn = askSpriteNumber()) selectSprite(*asn);
+        return;
+    }
+    std::optional<QString> text;
+    if (askFindText) {
+        text = askFindText();
     } else {
         const SpriteRec* current = session_->selectedSprite();
         bool ok = false;
-        const int value = QInputDialog::getInt(
-            this, tr("Find Car"), tr("Absolute sprite number (ASN):"),
-            current ? current->ASN : session_->sprites.firstCarSprite(), 0, 32767, 1, &ok);
-        if (ok) asn = value;
+        const QString typed = QInputDialog::getText(
+            this, tr("Find Car"),
+            tr("Absolute sprite number (ASN), model (\"model 12\") or part of the name:"),
+            QLineEdit::Normal,
+            QString::number(current ? current->ASN : session_->sprites.firstCarSprite()), &ok);
+        if (ok) text = typed;
     }
-    if (asn) selectSprite(*asn);
+    if (text && !text->trimmed().isEmpty()) findCarByText(*text);
 }
 
 bool MainForm::selectSprite(int asn) {
     const bool selected = searchNSelect(*session_, platform_, asn) == SearchResult::Selected;
+    if (selected) carList_->showCar(asn);
     updateStatusForSelection();
     refreshCommands();
     board_->refresh();

@@ -107,6 +107,26 @@ QSize PageBoard::viewportSizeFor(int pages) const {
     return {geometry_.contentWidth(std::max(pages, 1)), geometry_.contentHeight()};
 }
 
+int PageBoard::fitZoom() const {
+    // The viewport without the vertical bar (the horizontal one is always shown): the fit must
+    // not depend on whether the current zoom needed that bar.
+    QSize room = viewport()->size();
+    if (verticalScrollBar()->isVisible()) room.rwidth() += verticalScrollBar()->width();
+    for (int zoom = 4; zoom > 1; --zoom) {
+        BoardGeometry g;
+        g.zoom = zoom;
+        if (g.contentHeight() <= room.height() && g.contentWidth(1) <= room.width()) return zoom;
+    }
+    return 1;
+}
+
+void PageBoard::ensurePageVisible(int page) {
+    const QRect target = geometry_.pageRect(page);
+    const int left = horizontalScrollBar()->value();
+    if (target.left() >= left && target.right() < left + viewport()->width()) return;
+    showPage(page);
+}
+
 void PageBoard::updateScrollBars() {
     const QSize view = viewport()->size();
     QScrollBar* h = horizontalScrollBar();
@@ -178,11 +198,17 @@ void PageBoard::paintRuler(QPainter& p, int pages) const {
         if (page == selectedPage)
             p.fillRect(strip.adjusted(0, BoardGeometry::kRuler - 3, 0, 0), kSelection);
         p.setPen(page == selectedPage ? kSelection : kRulerText);
-        const int count = session_->sprites.pageCount(page);
-        const QString label =
-            count > 0 ? tr("Page %1  ·  %2 sprites").arg(page).arg(count) : tr("Page %1").arg(page);
-        p.drawText(strip.adjusted(4, 0, -4, -2), Qt::AlignLeft | Qt::AlignVCenter, label);
+        p.drawText(strip.adjusted(4, 0, -4, -2), Qt::AlignLeft | Qt::AlignVCenter, pageLabel(page));
     }
+}
+
+QString PageBoard::pageLabel(int page) const {
+    const int count = session_ ? session_->sprites.pageCount(page) : 0;
+    if (count <= 0) return tr("Page %1").arg(page);
+    // The tiles option shows 16 tiles a page: they are not sprites.
+    if (session_->style.loadOption == kLoadTiles)
+        return tr("Page %1  ·  %2 tiles").arg(page).arg(count);
+    return tr("Page %1  ·  %2 sprites").arg(page).arg(count);
 }
 
 void PageBoard::paintSpriteFrame(QPainter& p, int page, int sib, bool selected) const {
@@ -279,10 +305,20 @@ void PageBoard::keyPressEvent(QKeyEvent* event) {
     const int last = std::max(0, pagesShown() - 1);
     switch (event->key()) {
     case Qt::Key_Left:
+    case Qt::Key_Up:
+        emit stepRequested(-1);
+        break;
+    case Qt::Key_Right:
+    case Qt::Key_Down:
+        emit stepRequested(1);
+        break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        emit activateRequested();
+        break;
     case Qt::Key_PageUp:
         showPage(std::max(0, page - 1));
         break;
-    case Qt::Key_Right:
     case Qt::Key_PageDown:
         showPage(std::min(last, page + 1));
         break;

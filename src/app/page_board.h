@@ -40,12 +40,20 @@ public:
     QSize viewportSizeFor(int pages) const;
     // The page pixel under a viewport point; none beside the pages.
     std::optional<PagePoint> pagePointAt(QPoint viewportPos) const;
+    // The ruler's text over a page: its number and how many sprites (or tiles) it holds.
+    QString pageLabel(int page) const;
+    // The largest zoom (1..4) at which a whole page fits the board as it is now.
+    int fitZoom() const;
+    // Scrolls just enough that a page is wholly in view (nothing when it already is).
+    void ensurePageVisible(int page);
 
 signals:
     void hovered(int page, int x, int y);      // page -1: the mouse is over no page
     void pixelClicked(int page, int x, int y); // page -1: a click beside the pages
     void pixelDoubleClicked(int page, int x, int y);
     void zoomChanged(int zoom);
+    void stepRequested(int step); // arrow keys: the next (1) or previous (-1) sprite
+    void activateRequested();     // Enter: the selected sprite's command
 
 protected:
     void paintEvent(QPaintEvent* event) override;

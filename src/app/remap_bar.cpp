@@ -1,10 +1,12 @@
 #include "app/remap_bar.h"
 
 #include <QLinearGradient>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 
 #include <algorithm>
+#include <cmath>
 
 namespace torquil {
 
@@ -19,6 +21,43 @@ RemapBar::RemapBar(QWidget* parent) : QWidget(parent) {
     setObjectName("ImageBar");
     setToolTip("Hue, lightness and saturation of the selected remap");
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setCursor(Qt::PointingHandCursor);
+}
+
+int RemapBar::scaleAt(int y) {
+    return std::clamp((y - 2) / kRowHeight, 0, 2);
+}
+
+int RemapBar::valueAt(int i, int x) const {
+    const int left = kLabelWidth + 6, right = width() - 6;
+    const double f =
+        std::clamp((x - left) / static_cast<double>(std::max(right - left, 1)), 0.0, 1.0);
+    if (i == 0) return static_cast<int>(std::lround(f * 360.0)) % 360;
+    return static_cast<int>(std::lround(f * 200.0)) - 100;
+}
+
+void RemapBar::dragTo(int x) {
+    if (dragging_ < 0) return;
+    const int v = valueAt(dragging_, x);
+    if (v == values_[static_cast<std::size_t>(dragging_)]) return;
+    values_[static_cast<std::size_t>(dragging_)] = v;
+    update();
+    emit valueDragged(dragging_, v);
+}
+
+void RemapBar::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) return;
+    dragging_ = scaleAt(event->position().toPoint().y());
+    dragTo(event->position().toPoint().x());
+}
+
+void RemapBar::mouseMoveEvent(QMouseEvent* event) {
+    if (event->buttons() & Qt::LeftButton) dragTo(event->position().toPoint().x());
+}
+
+void RemapBar::mouseReleaseEvent(QMouseEvent* event) {
+    dragTo(event->position().toPoint().x());
+    dragging_ = -1;
 }
 
 void RemapBar::setValues(int hue, int lightness, int saturation) {

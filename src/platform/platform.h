@@ -68,6 +68,8 @@ class SoundPlayer {
 public:
     virtual ~SoundPlayer() = default;
     virtual bool playWavSync(const std::filesystem::path& wav) = 0;
+    // Whether there is a device to play on (without one, playing does nothing).
+    virtual bool hasOutput() const { return true; }
 };
 
 // The rest of the desktop: hourglass, event pump, external text editor, help.

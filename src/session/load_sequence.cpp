@@ -30,6 +30,11 @@ std::string loadFailureMessage(const std::string& step, const std::filesystem::p
            " from the KRB CD.";
 }
 
+std::string notStyleFileLine(const std::filesystem::path& path) {
+    return path.filename().string() +
+           " is not a style file: its header does not describe a file of this length.";
+}
+
 namespace {
 
 // Runs one loader under its step text; a loader not built into this program is skipped.
@@ -83,7 +88,10 @@ void clearUnpaintedRows(PageImage& image, const RowRecordingPainter& painter) {
 
 LoadOutcome fail(StyleSession& s, Platform& platform, BinaryFile& file) {
     file.close();
-    platform.message(loadFailureMessage(s.stepText, s.style.path));
+    std::string text = loadFailureMessage(s.stepText, s.style.path);
+    if (!headerFitsFile(s.style.header, s.style.fileLength))
+        text += "\r" + notStyleFileLine(s.style.path);
+    platform.message(text);
     s.style.loaded = false;
     s.style.clearDirtyFlags();
     s.selection.clear();

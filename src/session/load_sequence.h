@@ -29,5 +29,7 @@ void prepareStyle(StyleFileState& style, const std::filesystem::path& path, int 
 // The composite message of a failed load, lines joined with "\r".
 [[nodiscard]] std::string loadFailureMessage(const std::string& step,
                                              const std::filesystem::path& path);
+// The line added to the failure message when the file's header cannot belong to a style file.
+[[nodiscard]] std::string notStyleFileLine(const std::filesystem::path& path);
 
 } // namespace torquil

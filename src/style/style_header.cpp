@@ -86,4 +86,17 @@ std::vector<std::pair<std::string, std::int32_t>> StyleHeader::sizeFields() cons
             {"sprite_numbers_size:", g.sprite_numbers_size}};
 }
 
+bool headerFitsFile(const StyleHeader& h, std::int64_t fileLength) {
+    for (const auto& [label, value] : h.sizeFields())
+        if (value < 0) return false;
+    // 64-bit sums: the fields are each below 2^31.
+    const std::int64_t onDisk =
+        std::int64_t{h.headSize()} + h.side_size() + h.lid_size() + h.aux_size() + h.anim_size() +
+        h.object_info_size() + h.car_info_size() + h.sprite_info_size() + h.sprite_graphics_size() +
+        h.sprite_numbers_size() +
+        (h.is24 ? std::int64_t{h.g24.clut_size} + h.g24.palette_index_size
+                : std::int64_t{h.gry.palette_size} + h.gry.remap_size + h.gry.remap_index_size);
+    return h.version_code() >= 0 && onDisk <= fileLength;
+}
+
 } // namespace torquil

@@ -66,6 +66,11 @@ struct StyleHeader {
     std::vector<std::pair<std::string, std::int32_t>> sizeFields() const;
 };
 
+// Whether the header can describe a file of this length: no negative size, and the sections
+// stored on disk (tiles, anims, colour tables or palette and remaps, object, car and sprite info,
+// sprite pages, sprite numbers) fit after the header. Any other file fails this, whatever its name.
+bool headerFitsFile(const StyleHeader& header, std::int64_t fileLength);
+
 // Reads the header at the start of the open file (64 or 52 bytes, one read).
 [[nodiscard]] StyleHeader readStyleHeader(BinaryFile& file, bool is24);
 [[nodiscard]] StyleHeader parseStyleHeader(const std::uint8_t* bytes, bool is24);

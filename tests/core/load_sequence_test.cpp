@@ -3,6 +3,8 @@
 #include "session/load_sequence.h"
 #include "session/loaders.h"
 #include "session/session_io.h"
+#include "session/style_session.h"
+#include "style/style_header.h"
 #include "style_builder.h"
 #include "test_dir.h"
 
@@ -200,4 +202,38 @@ TEST_F(LoadFixture, TextFileRenamedToStyleGivesAMessageNotACrash) {
     ASSERT_FALSE(platform.shownMessages.empty());
     EXPECT_EQ(platform.shownMessages[0].text,
               "Tried to loadBlock 0 which is past the end of the file!");
+}
+
+TEST_F(LoadFixture, AFileThatIsNoStyleFileSaysSoUnderTheFailureMessage) {
+    // A text file named like a style file: its "sizes" are letters, far more than its length.
+    auto path = dir / "STYLE001.G24";
+    tb::writeFile(path, std::vector<std::uint8_t>(300, 'x'));
+    recording.failAt = "pal24";
+    EXPECT_EQ(load(path), LoadOutcome::Failed);
+    ASSERT_EQ(platform.shownMessages.size(), 1u);
+    const std::string expected = loadFailureMessage("Load 24bit Palette", path) + "\r" +
+                                 "STYLE001.G24 is not a style file: its header does not describe "
+                                 "a file of this length.";
+    EXPECT_EQ(platform.shownMessages[0].text, expected);
+}
+
+TEST_F(LoadFixture, AStyleFileThatFailsLaterKeepsTheMessageAlone) {
+    auto path = writeStyle("STYLE001.G24", smallSpec(true));
+    recording.failAt = "cars";
+    EXPECT_EQ(load(path), LoadOutcome::Failed);
+    EXPECT_EQ(platform.shownMessages.at(0).text, loadFailureMessage("Load Car Info", path));
+}
+
+TEST(HeaderFitsFile, SizesMustBePositiveAndFitTheLength) {
+    const tb::StyleSpec layout = smallSpec(true);
+    const std::vector<std::uint8_t> bytes = tb::buildStyle(layout);
+    StyleHeader header = parseStyleHeader(bytes.data(), true);
+    const auto length = static_cast<std::int64_t>(bytes.size());
+    EXPECT_TRUE(headerFitsFile(header, length));
+    EXPECT_FALSE(headerFitsFile(header, header.sprite_graphics_size())); // no room for the rest
+    EXPECT_TRUE(headerFitsFile(parseStyleHeader(tb::buildStyle(smallSpec(false)).data(), false),
+                               static_cast<std::int64_t>(tb::buildStyle(smallSpec(false)).size())));
+    header.g24.object_info_size = -4;
+    EXPECT_FALSE(headerFitsFile(header, length));
+    EXPECT_FALSE(headerFitsFile(StyleHeader{}, 10)); // shorter than a header
 }

@@ -1,5 +1,5 @@
 #pragma once
-// Hourglass, event pump, the system's text viewer and the (absent) help file.
+// Hourglass, event pump, the system's text viewer and the help window.
 
 #include "platform/platform.h"
 
@@ -15,14 +15,16 @@ public:
     void setBusy(bool busy) override;
     void processEvents() override;
     bool openTextFile(const std::filesystem::path& file) override;
-    bool hasHelp() const override { return false; }
-    bool showHelp(int context) override { return false; }
+    bool hasHelp() const override { return static_cast<bool>(onShowHelp); }
+    bool showHelp(int context) override { return onShowHelp && onShowHelp(context); }
     void refreshBoard() override {
         if (onRefreshBoard) onRefreshBoard();
     }
 
     // Set by the main window: repaint the page board.
     std::function<void()> onRefreshBoard;
+    // Set by the main window: opens the manual at a help context's topic.
+    std::function<bool(int)> onShowHelp;
     // Tests replace the opening of files (no desktop session there).
     std::function<bool(const std::filesystem::path&)> openTextFileHook;
 

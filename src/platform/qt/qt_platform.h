@@ -37,6 +37,7 @@ public:
     DetailsLog& detailsLog() { return details_; }
     QtSettingsStore& settingsStore() { return settings_; }
     QtDesktop& qtDesktop() { return desktop_; }
+    QtSoundPlayer& qtSound() { return sound_; }
 
     // The window that message boxes and the progress form belong to.
     void setParentWindow(QWidget* window);

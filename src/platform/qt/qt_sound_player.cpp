@@ -12,8 +12,13 @@
 
 namespace torquil {
 
+bool QtSoundPlayer::hasOutput() const {
+    if (outputOverride) return *outputOverride;
+    return !QMediaDevices::audioOutputs().isEmpty();
+}
+
 bool QtSoundPlayer::playWavSync(const std::filesystem::path& wav) {
-    if (QMediaDevices::audioOutputs().isEmpty()) return false;
+    if (!hasOutput()) return false;
     const std::optional<std::int64_t> length = wavDurationMs(wav);
     if (!length) return false;
 

@@ -4,11 +4,16 @@
 
 #include "platform/platform.h"
 
+#include <optional>
+
 namespace torquil {
 
 class QtSoundPlayer : public SoundPlayer {
 public:
     bool playWavSync(const std::filesystem::path& wav) override;
+    bool hasOutput() const override;
+    // Tests decide whether a device is there.
+    std::optional<bool> outputOverride;
 };
 
 } // namespace torquil

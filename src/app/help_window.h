@@ -1,0 +1,35 @@
+#pragma once
+// The help window: the program's manual (built in as a resource) in a text browser, opened at the
+// topic of the place the user asked from, and the Read Me file shown as plain text.
+
+#include <QString>
+#include <QWidget>
+
+class QTextBrowser;
+
+namespace torquil {
+
+// The manual's anchor for a help context: 0 the contents, 100 + page the car editor's pages.
+QString helpAnchor(int context);
+
+class HelpWindow : public QWidget {
+    Q_OBJECT
+public:
+    explicit HelpWindow(QWidget* parent = nullptr);
+
+    // Shows the manual scrolled to an anchor ("" : its top); false when the manual is missing.
+    bool showManual(const QString& anchor = {});
+    // Shows a text file (the Read Me); false when it cannot be read.
+    bool showTextFile(const QString& path);
+
+    QTextBrowser* browser() const { return browser_; }
+    // The anchor last asked for ("" for the top or a text file).
+    QString anchor() const { return anchor_; }
+
+private:
+    QTextBrowser* browser_ = nullptr;
+    QString anchor_;
+    bool manualLoaded_ = false; // false while nothing or the Read Me is shown
+};
+
+} // namespace torquil

@@ -1,0 +1,20 @@
+#pragma once
+// One box of the car editor set on a loaded car, with the editor's limits: what the car list does
+// with a changed cell. The change enters the session through editCar (session/edits.h), the same
+// edit the car editor and `torquil-cli car-set` make.
+
+#include <string>
+
+namespace torquil {
+
+class StyleSession;
+
+enum class CarFieldEdit { Stored, NotANumber, DoesNotFit, NoSuchCar, NoSuchField };
+
+// Sets box `index` (0..46; 42 is the name) of car `asn` from a text. The text is clamped to the
+// field's limits first (clampReport then holds the editor's report, else it is emptied); an
+// empty text counts as 0, as when an editor box loses the focus.
+CarFieldEdit editCarField(StyleSession& session, int asn, int index, const std::string& text,
+                          std::string* clampReport = nullptr);
+
+} // namespace torquil

@@ -1,0 +1,93 @@
+// Car list edits (one box with the editor's limits, through editCar) and Find Car's matching.
+
+#include "session/car_edit.h"
+#include "session/car_find.h"
+#include "session/style_session.h"
+
+#include <gtest/gtest.h>
+
+using namespace torquil;
+
+namespace {
+
+// Three cars: 5 and 9 of model 12, 7 of model 3.
+struct CarEditFixture : ::testing::Test {
+    StyleSession session;
+
+    void SetUp() override {
+        session.cars.slots.resize(10);
+        for (auto [asn, model] : {std::pair{5, 12}, {7, 3}, {9, 12}}) {
+            CarEntry& car = session.cars.slots[static_cast<std::size_t>(asn)];
+            car.inUse = true;
+            car.info.model = static_cast<std::uint8_t>(model);
+            car.info.width = 40;
+            car.name = "Old";
+        }
+        session.cars.highest = 9;
+        session.names.names[12] = "Old";
+    }
+    const CarInfo& info(int asn) { return session.cars.find(asn)->info; }
+};
+
+} // namespace
+
+TEST_F(CarEditFixture, AFieldIsClampedToTheEditorsLimitsAndQueued) {
+    std::string report;
+    EXPECT_EQ(editCarField(session, 7, 0, "300", &report), CarFieldEdit::Stored);
+    EXPECT_EQ(info(7).width, 255);
+    EXPECT_EQ(report, "txtbox valve set to H val");
+    EXPECT_EQ(editCarField(session, 7, 3, "-5", &report), CarFieldEdit::Stored);
+    EXPECT_EQ(info(7).spr_num, 0);
+    EXPECT_EQ(report, "txtbox valve set to L val");
+    EXPECT_EQ(session.style.gSaveCarInfo, (std::vector<std::int16_t>{0, 7, 7}));
+    EXPECT_FALSE(session.style.gCarNamesChanged);
+}
+
+TEST_F(CarEditFixture, FixedPointAndValueFieldsStoreAsTheEditorDoes) {
+    EXPECT_EQ(editCarField(session, 5, 18, "2.5"), CarFieldEdit::Stored);
+    EXPECT_EQ(info(5).rbp_mass, 163840);
+    EXPECT_EQ(editCarField(session, 5, 37, "12"), CarFieldEdit::Stored);
+    EXPECT_EQ(info(5).value, (std::array<std::int16_t, 4>{12, 12, 12, 12}));
+    // An empty text counts as 0, as when an editor box loses the focus.
+    EXPECT_EQ(editCarField(session, 5, 1, "  "), CarFieldEdit::Stored);
+    EXPECT_EQ(info(5).height, 0);
+}
+
+TEST_F(CarEditFixture, RejectedTextsChangeAndQueueNothing) {
+    EXPECT_EQ(editCarField(session, 5, 0, "wide"), CarFieldEdit::NotANumber);
+    EXPECT_EQ(editCarField(session, 5, 15, "-3"), CarFieldEdit::DoesNotFit); // cx is a byte
+    EXPECT_EQ(editCarField(session, 6, 0, "1"), CarFieldEdit::NoSuchCar);
+    EXPECT_EQ(editCarField(session, 5, 47, "1"), CarFieldEdit::NoSuchField);
+    EXPECT_EQ(info(5).width, 40);
+    EXPECT_EQ(session.style.gSaveCarInfo.size(), 1u);
+}
+
+TEST_F(CarEditFixture, ANameGoesToTheModelAndEveryCarOfIt) {
+    EXPECT_EQ(editCarField(session, 5, 42, "Swift"), CarFieldEdit::Stored);
+    EXPECT_EQ(session.names.names[12], "Swift");
+    EXPECT_EQ(session.cars.find(9)->name, "Swift");
+    EXPECT_EQ(session.cars.find(7)->name, "Old");
+    EXPECT_TRUE(session.style.gCarNamesChanged);
+    EXPECT_EQ(session.style.gSaveCarInfo.size(), 1u); // a name is no record write
+}
+
+TEST_F(CarEditFixture, FindCarTakesAnAsnAModelOrAPartOfTheName) {
+    session.cars.find(7)->name = "Beamer";
+    EXPECT_EQ(findCars(session, " 7 "), (std::vector<int>{7}));
+    EXPECT_EQ(findCars(session, "400"), (std::vector<int>{400})); // any sprite by its number
+    EXPECT_EQ(findCars(session, "model 12"), (std::vector<int>{5, 9}));
+    EXPECT_EQ(findCars(session, "M3"), (std::vector<int>{7}));
+    EXPECT_EQ(findCars(session, "beam"), (std::vector<int>{7}));
+    EXPECT_EQ(findCars(session, "OLD"), (std::vector<int>{5, 9}));
+    EXPECT_TRUE(findCars(session, "nothing like it").empty());
+    EXPECT_TRUE(findCars(session, "  ").empty());
+}
+
+TEST(NextMatch, WalksOnFromTheCurrentCarAndWrapsRound) {
+    const std::vector<int> matches{5, 9, 20};
+    EXPECT_EQ(nextMatch(matches, 0), 5);
+    EXPECT_EQ(nextMatch(matches, 5), 9);
+    EXPECT_EQ(nextMatch(matches, 12), 20);
+    EXPECT_EQ(nextMatch(matches, 20), 5);
+    EXPECT_EQ(nextMatch({}, 3), 0);
+}
