@@ -81,8 +81,8 @@ bool parseRecords(const std::vector<std::uint8_t>& bytes, std::int32_t first, st
 
 enum class ApplyFault { None, TooShort, PastLength };
 
-// The modified file rebuilt from the original and the runs, `length` bytes long. Bytes past the
-// original's end exist only in the runs, so each of them must be covered by one.
+// The modified file rebuilt from the unmodified one and the runs, `length` bytes long. Bytes past
+// the unmodified file's end exist only in the runs, so each of them must be covered by one.
 ApplyFault rebuild(const std::vector<std::uint8_t>& original, const std::vector<Gc3Record>& runs,
                    std::int32_t length, std::vector<std::uint8_t>& out) {
     if (length < 0) return ApplyFault::PastLength;

@@ -59,9 +59,10 @@ double secondsSinceMidnight();
 std::uint8_t gc3EncryptByte(double seconds);
 
 // Appends the difference records of one pair of open files to the open pack at its current
-// position: the modified file is walked in 4096-byte blocks with the original read in step, and
-// a byte is taken into the current run when the original has no byte there, the bytes differ,
-// or the open run's length is not yet a multiple of 8. Runs carry on across block boundaries.
+// position: the modified file is walked in 4096-byte blocks with the unmodified file read in
+// step, and a byte is taken into the current run when that file has no byte there, the bytes
+// differ, or the open run's length is not yet a multiple of 8. Runs carry on across block
+// boundaries.
 void diffFiles(BinaryFile& modified, BinaryFile& original, BinaryFile& pack, Platform& platform);
 
 // Writes a pack from a modified and an original style file and text file. Reports its own errors

@@ -277,7 +277,7 @@ SaveOutcome SaveRun::run() {
         const std::string mismatch = sectionMismatch(
             style.path, parseStyleHeader(head.data(), style.header.is24), file_.length());
         if (!mismatch.empty()) return refuse(mismatch);
-        // Nothing is written before the original is safe in its .bak.
+        // Nothing is written before the file as it was is safe in its .bak.
         std::error_code ec;
         if (!options_.backups->ensureBackup(style.path, ec)) {
             out_.cause = describeCause(ec);

@@ -240,7 +240,7 @@ TEST_F(CarPackFixture, EverySectionOfBothKindsIsNamedWhereTheBuilderPutIt) {
         {"delta store", &S::deltaStore}, {"sprite numbers", &S::spriteNumbers}};
     struct Level {
         const char* file;
-        tb::StyleSpec spec;
+        tb::StyleSpec layout;
         std::vector<Case> own;
     };
     const std::vector<Level> levels = {{"STYLE001.G24",
@@ -255,7 +255,7 @@ TEST_F(CarPackFixture, EverySectionOfBothKindsIsNamedWhereTheBuilderPutIt) {
         const fs::path file = dir / level.file;
         load(file);
         const auto before = tb::readFile(file);
-        const tb::SectionOffsets at = tb::sectionOffsets(level.spec);
+        const tb::SectionOffsets at = tb::sectionOffsets(level.layout);
         std::vector<Case> cases = shared;
         cases.insert(cases.end(), level.own.begin(), level.own.end());
         for (const Case& c : cases) {
