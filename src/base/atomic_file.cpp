@@ -40,14 +40,6 @@ std::error_code lastSystemError() {
 #endif
 }
 
-std::uint64_t processId() {
-#ifdef _WIN32
-    return GetCurrentProcessId();
-#else
-    return static_cast<std::uint64_t>(::getpid());
-#endif
-}
-
 // A side-file name no other run (other process id) and no other replace of this run shares.
 fs::path sideFileFor(const fs::path& target, std::string_view marker, const std::string& run) {
     fs::path side = target;
@@ -307,6 +299,14 @@ std::string interruptedSaveMessage(const fs::path& leftover, const fs::path& tar
                "; to keep the file as it is, delete it.";
     return text + "\r" +
            "The leftover file was not written to its end and is of no use:" + " delete it.";
+}
+
+std::uint64_t processId() {
+#ifdef _WIN32
+    return GetCurrentProcessId();
+#else
+    return static_cast<std::uint64_t>(::getpid());
+#endif
 }
 
 } // namespace torquil

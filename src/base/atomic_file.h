@@ -16,6 +16,9 @@
 
 namespace torquil {
 
+// This process's id: it names the side files and temporaries of one run.
+[[nodiscard]] std::uint64_t processId();
+
 // One file of a replace: where it goes and its complete new content.
 struct FileContent {
     std::filesystem::path target;

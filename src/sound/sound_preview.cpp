@@ -180,8 +180,12 @@ SoundOutcome playSound(const StyleFileState& style, FormatContext& ctx, std::int
     SoundTable table;
     const SoundOutcome checked = checkNumber(style, platform, soundNumber, table);
     if (checked != SoundOutcome::Done) return checked;
-    const fs::path wav = ctx.options.workPath("~tmp" + std::to_string(soundNumber) + ".wav");
-    TemporaryFile cleanup(wav);
+    // A folder of this run's own, so two runs playing the same sound never share the file.
+    const fs::path folder = ctx.options.workPath("~run" + std::to_string(processId()));
+    std::error_code made;
+    fs::create_directories(folder, made);
+    const fs::path wav = folder / ("~tmp" + std::to_string(soundNumber) + ".wav");
+    TemporaryFile cleanupFolder(folder), cleanup(wav); // the file goes first, then its folder
     const PendingErrorScope fresh(ctx.errors);
     switch (
         writeWavFile(ctx.errors, platform, table, soundNumber, rateMultiplier, repeatCount, wav)) {

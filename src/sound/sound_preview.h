@@ -44,8 +44,9 @@ SoundOutcome writeSoundWav(const StyleFileState& style, FormatContext& ctx,
                            std::int16_t repeatCount, const std::filesystem::path& wav);
 
 // Plays sound `soundNumber` of the bank: the table is read afresh, the WAV goes to
-// "~tmp" + number + ".wav" in the work directory, is played to its end and deleted. A run-time
-// error is reported as the general error message (in debug mode it escapes as RuntimeError).
+// "~tmp" + number + ".wav" in a folder of the run's own in the work directory, is played to its end
+// and deleted. A run-time error is reported as the general error message (in debug mode it escapes
+// as RuntimeError).
 SoundOutcome playSound(const StyleFileState& style, FormatContext& ctx, std::int16_t soundNumber,
                        double rateMultiplier, std::int16_t repeatCount);
 

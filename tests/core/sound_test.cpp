@@ -1,3 +1,4 @@
+#include "base/atomic_file.h"
 #include "sound/sound_preview.h"
 
 #include "base/binary_file.h"
@@ -124,10 +125,12 @@ TEST_F(SoundFixture, PlayingUsesATemporaryWavThatIsDeletedAfterwards) {
     standardBank();
     ASSERT_EQ(playSound(*session, platform, 1, 1.0, 1), SoundOutcome::Done);
     ASSERT_EQ(platform.playedSounds.size(), 1u);
-    EXPECT_EQ(platform.playedSounds[0], dir / "work" / "~tmp1.wav");
+    // In a folder of this run's own, so two runs never share it; the folder goes too.
+    const std::filesystem::path runFolder = dir / "work" / ("~run" + std::to_string(processId()));
+    EXPECT_EQ(platform.playedSounds[0], runFolder / "~tmp1.wav");
     EXPECT_EQ(platform.playedSoundBytes[0].size(), 48u);
     EXPECT_EQ(tb::getI32(platform.playedSoundBytes[0], 24), 22050);
-    EXPECT_FALSE(std::filesystem::exists(dir / "work" / "~tmp1.wav"));
+    EXPECT_FALSE(std::filesystem::exists(runFolder));
     EXPECT_FALSE(platform.busy);
 }
 
@@ -156,7 +159,8 @@ TEST_F(SoundFixture, RecordsOutsideTheRawFileFailCleanly) {
         EXPECT_EQ(playSound(*session, platform, 2, 1.5, 1), SoundOutcome::Failed) << c.message;
         EXPECT_EQ(messages(), std::vector<std::string>{c.message});
         EXPECT_TRUE(platform.playedSounds.empty());
-        EXPECT_FALSE(std::filesystem::exists(dir / "work" / "~tmp2.wav"));
+        EXPECT_FALSE(
+            std::filesystem::exists(dir / "work" / ("~run" + std::to_string(processId()))));
     }
 }
 
@@ -172,7 +176,7 @@ TEST_F(SoundFixture, DebugModeLetsTheErrorEscapeAndStillRemovesTheTemporaryFile)
     useSession(true);
     standardBank();
     EXPECT_THROW(playSound(*session, platform, 0, 1.0, 1), RuntimeError);
-    EXPECT_FALSE(std::filesystem::exists(dir / "work" / "~tmp0.wav"));
+    EXPECT_FALSE(std::filesystem::exists(dir / "work" / ("~run" + std::to_string(processId()))));
 }
 
 TEST_F(SoundFixture, CommandLineWritesTheWavThatWouldBePlayed) {
