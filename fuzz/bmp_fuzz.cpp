@@ -5,6 +5,7 @@
 #include "exchange/sprite_exchange.h"
 #include "fake_platform.h"
 #include "fuzz_support.h"
+#include "session/edits.h"
 #include "session/session_io.h"
 
 #include <algorithm>
@@ -59,7 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto file = fuzz::writeScratch("KRBSPR1_1.bmp", data + 3, size - 3);
     if (data[0] & 8) {
         std::vector<std::uint8_t> pixels;
-        readBmp(session, platform, file, sprite.clut, 0, 0, pixels);
+        static_cast<void>(readBmp(session, platform, file, sprite.clut, 0, 0, pixels));
         return 0;
     }
     const bool imported = importSprite(session, platform);
