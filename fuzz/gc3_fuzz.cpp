@@ -14,21 +14,27 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::vector<std::uint8_t> bytes(data, data + size);
     Gc3Pack parsed;
     std::string why;
-    parseGc3(bytes, parsed, why);
+    if (parseGc3(bytes, parsed, why)) (void)findGc3Trailer(bytes, parsed.header);
 
+    // The applier works on files by name.
     const auto pack = fuzz::writeScratch("PACK.GC3", data, size);
     const std::vector<std::uint8_t> style(300, 0x11), text(40, 0x22);
     const auto stylePath = fuzz::writeScratch("STYLE001.G24", style.data(), style.size());
     const auto textPath = fuzz::writeScratch("ENGLISH.FXT", text.data(), text.size());
     testing::FakePlatform platform;
     Gc3Header header;
-    readGC3(pack, header, platform);
-    if (!applyGC3(pack, stylePath, textPath, platform)) {
+    (void)readGC3(pack, header, platform);
+    const Gc3Applied applied = applyGc3Pack(pack, stylePath, textPath, platform);
+    std::vector<std::uint8_t> styleNow, textNow;
+    (void)readWholeFile(stylePath, styleNow);
+    (void)readWholeFile(textPath, textNow);
+    if (applied.outcome != Gc3Outcome::Applied) {
         // A refused pack leaves both files as they were.
-        std::vector<std::uint8_t> styleNow, textNow;
-        readWholeFile(stylePath, styleNow);
-        readWholeFile(textPath, textNow);
         if (styleNow != style || textNow != text) __builtin_trap();
+    } else if (styleNow.size() != static_cast<std::size_t>(parsed.header.StyleDataLOF) ||
+               textNow.size() != static_cast<std::size_t>(parsed.header.FXTDataLOF)) {
+        // An applied pack gives each file its recorded length.
+        __builtin_trap();
     }
     return 0;
 }

@@ -44,16 +44,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         session.colours.pal24.assign(65 * 256, {0, 0, 0});
         session.colours.used.assign(65, 0);
     }
+    // A refused table is an expected end; the tables are read all the same afterwards.
     if (option == kLoadTiles) {
-        calcTileSpriteInfo(session, file, platform);
+        (void)calcTileSpriteInfo(session, file, platform);
     } else {
-        loadSpriteInfo(session, file, platform);
+        (void)loadSpriteInfo(session, file, platform);
         session.errors.clear();
-        loadSpriteNumbers(session, file, platform);
+        (void)loadSpriteNumbers(session, file, platform);
     }
     session.errors.clear();
 
-    SpritePagePainter painter(session);
+    SpritePagePainter painter(session.sprites, session.colours, session.style.gIs24Bit);
     std::array<std::uint32_t, 256> row{};
     for (int page = 0; page <= std::min(session.pages.highestPage, 25); ++page)
         for (int y = 0; y < 256; y += 15)

@@ -8,6 +8,7 @@
 #include "platform/platform.h"
 #include "style/style_file.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace torquil {
@@ -80,7 +81,19 @@ bool loadCarNames(CarNames& names, const StyleFileState& style, FormatContext& c
     if (fs::is_regular_file(fxt, ec)) {
         names.fromFxt = decodeFxtFile(fxt, names.decodedText, &names, platform);
         rememberFxtState(names, fxt);
-        return names.fromFxt;
+        if (!names.fromFxt) return false;
+        // An empty or damaged file decodes to a text without car entries: a rename would have
+        // nowhere to go, so the file is left alone as if it were missing.
+        if (std::none_of(names.keys.begin(), names.keys.end(),
+                         [](const std::string& key) { return !key.empty(); })) {
+            platform.message("Warning: " + fxt.string() + " holds no car names (empty or " +
+                             "damaged).\rYou will not be able to save the real car names. " +
+                             "(defaults names used)");
+            names.fromFxt = false;
+            names.decodedText.clear();
+            fillBuiltInNames(names);
+        }
+        return true;
     }
     platform.message("Warning: ENGLISH.FXT was not with the style file in the\r" + folder.string() +
                      " directory.\r" +

@@ -15,8 +15,9 @@ struct FormatContext;
 struct StyleFileState;
 
 // Fills `names` from ENGLISH.FXT (found in the style's folder ignoring case). Without the file: a
-// three-line warning and the built-in names; the load goes on. False only when the existing file
-// could not be decoded.
+// three-line warning and the built-in names; the load goes on. A file that decodes to no car
+// entries (empty or damaged) is warned about and treated the same way. False only when the
+// existing file could not be decoded.
 [[nodiscard]] bool loadCarNames(CarNames& names, const StyleFileState& style, FormatContext& ctx);
 
 // The new ENGLISH.FXT: the decoded text of the load with `names`, coded. False (with the message

@@ -157,8 +157,14 @@ void registerCarSetCommand(CLI::App& app, Context& ctx) {
                 return;
             }
             if (!session->names.fromFxt) {
-                ctx.err
-                    << "car-set: the style has no ENGLISH.FXT beside it; names cannot be saved\n";
+                ctx.err << "car-set: the style has no ENGLISH.FXT with car names beside it; "
+                           "names cannot be saved\n";
+                ctx.exitCode = kExitFailed;
+                return;
+            }
+            if (session->names.keys[static_cast<std::size_t>(edited.info.model)].empty()) {
+                ctx.err << "car-set: ENGLISH.FXT has no entry for model " << int{edited.info.model}
+                        << "; its name cannot be saved\n";
                 ctx.exitCode = kExitFailed;
                 return;
             }

@@ -170,6 +170,35 @@ TEST(CarCli, CarSetRenamesThroughEnglishFxt) {
     EXPECT_EQ(same.out, "no change\n");
 }
 
+TEST(CarCli, CarSetRefusesANameThatEnglishFxtHasNoPlaceFor) {
+    Sample s;
+    const std::size_t k = s.carWithDoors();
+    const int model = s.layout.cars[k].model;
+    const std::string asn = std::to_string(s.asnOf(k));
+    const auto style = tb::readFile(s.style);
+
+    // A text without the model's entry: the name would be dropped by the save.
+    const auto withoutModel =
+        tb::encodeFxt({"[1001]Another day", "[car" + std::to_string(model == 3 ? 4 : 3) + "]Bike"});
+    tb::writeFile(s.dir / "ENGLISH.FXT", withoutModel);
+    auto noEntry = s.run({"car-set", s.style, asn, "name=Zed"});
+    EXPECT_EQ(noEntry.status, 1);
+    EXPECT_TRUE(contains(noEntry.err, "ENGLISH.FXT has no entry for model " +
+                                          std::to_string(model) + "; its name cannot be saved"))
+        << noEntry.err;
+    EXPECT_EQ(tb::readFile(s.dir / "ENGLISH.FXT"), withoutModel);
+
+    // An empty file is warned about at load and never rewritten.
+    tb::writeFile(s.dir / "ENGLISH.FXT", std::vector<std::uint8_t>{});
+    auto empty = s.run({"car-set", s.style, asn, "name=Zed"});
+    EXPECT_EQ(empty.status, 1);
+    EXPECT_TRUE(contains(empty.err, "holds no car names (empty or damaged)")) << empty.err;
+    EXPECT_TRUE(contains(empty.err, "names cannot be saved")) << empty.err;
+    EXPECT_FALSE(contains(empty.out, "-> Zed"));
+    EXPECT_TRUE(tb::readFile(s.dir / "ENGLISH.FXT").empty());
+    EXPECT_EQ(tb::readFile(s.style), style);
+}
+
 TEST(CarCli, FxtCommandsDecodeAndEncode) {
     tb::TempDir dir;
     const std::vector<std::string> entries = {"[1001]Another day", "[car3]Bike \xC0"};
