@@ -1,5 +1,7 @@
 #include "base/atomic_file.h"
 
+#include "base/binary_file.h"
+
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
@@ -52,18 +54,17 @@ std::string newRunTag() {
     return std::to_string(processId()) + "-" + std::to_string(counter++);
 }
 
-// The folder's entry of a rename reaches the disk only when the folder is flushed too.
-void syncFolder(const fs::path& folder) {
 #ifndef _WIN32
+// The folder's entry of a rename reaches the disk only when the folder is flushed too (on
+// Windows MOVEFILE_WRITE_THROUGH does that).
+void syncFolder(const fs::path& folder) {
     int fd = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd >= 0) {
         ::fsync(fd);
         ::close(fd);
     }
-#else
-    (void)folder;
-#endif
 }
+#endif
 
 // A complete side file on the disk, ready to be renamed over its target.
 class SideFile {
@@ -250,6 +251,7 @@ std::string describeCause(const std::error_code& cause) {
         return "permission denied";
     if (c == std::errc::no_space_on_device || c == std::errc::file_too_large) return "disk full";
     if (c == std::errc::read_only_file_system) return "read-only file system";
+    if (c == std::errc::no_such_file_or_directory) return "no such file or directory";
     if (c == std::errc::text_file_busy || c == std::errc::device_or_resource_busy)
         return "file in use";
 #ifdef _WIN32
@@ -261,6 +263,9 @@ std::string describeCause(const std::error_code& cause) {
         case ERROR_DISK_FULL:
         case ERROR_HANDLE_DISK_FULL:
             return "disk full";
+        case ERROR_FILE_NOT_FOUND:
+        case ERROR_PATH_NOT_FOUND:
+            return "no such file or directory";
         case ERROR_ACCESS_DENIED:
         case ERROR_WRITE_PROTECT:
             return "permission denied";
@@ -270,6 +275,16 @@ std::string describeCause(const std::error_code& cause) {
     }
 #endif
     return cause.message();
+}
+
+ReplaceFailure copyFileAtomically(const fs::path& source, const fs::path& target) {
+    std::vector<std::uint8_t> bytes;
+    std::error_code ec;
+    if (!readWholeFile(source, bytes))
+        return {source, fs::exists(source, ec)
+                            ? std::make_error_code(std::errc::io_error)
+                            : std::make_error_code(std::errc::no_such_file_or_directory)};
+    return replaceFileAtomically(target, bytes);
 }
 
 std::vector<fs::path> findInterruptedSaves(const fs::path& target) {

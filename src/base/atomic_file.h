@@ -37,6 +37,11 @@ struct ReplaceFailure {
 ReplaceFailure replaceFileAtomically(const std::filesystem::path& target,
                                      std::span<const std::uint8_t> bytes);
 
+// Copies the whole of `source` to `target` through a replace, so `target` never exists half
+// written. The cause is "no such file or directory" when `source` cannot be read.
+ReplaceFailure copyFileAtomically(const std::filesystem::path& source,
+                                  const std::filesystem::path& target);
+
 // Several files replaced together: every new file is complete and on the disk before the first
 // old one is replaced. A crash between two renames leaves the later files' new content beside
 // them (see findInterruptedSaves).

@@ -2,6 +2,8 @@
 // The car names table: 91 entries by car model, each the key as it stood in ENGLISH.FXT
 // ("[car12]") and the name.
 
+#include "base/file_stamp.h"
+
 #include <array>
 #include <cstdint>
 #include <filesystem>
@@ -20,8 +22,7 @@ struct CarNames {
     // save so that no two runs share a temporary file.
     std::vector<std::uint8_t> decodedText;
     // ENGLISH.FXT as the load found it, to notice another program's (or run's) save since.
-    std::int64_t fxtLength = -1;
-    std::filesystem::file_time_type fxtWriteTime{};
+    FileStamp fxtStamp;
 
     std::string nameOf(int model) const {
         return model >= 0 && model < kCarNameCount ? names[static_cast<std::size_t>(model)]

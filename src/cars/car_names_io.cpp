@@ -58,18 +58,11 @@ std::optional<std::string> rebuiltLine(const std::string& line, const CarNames& 
 } // namespace
 
 void rememberFxtState(CarNames& names, const fs::path& fxt) {
-    std::error_code ec;
-    const auto size = fs::file_size(fxt, ec);
-    names.fxtLength = ec ? -1 : static_cast<std::int64_t>(size);
-    names.fxtWriteTime = fs::last_write_time(fxt, ec);
+    names.fxtStamp = stampOf(fxt);
 }
 
 bool fxtChangedSinceLoad(const CarNames& names, const fs::path& fxt) {
-    std::error_code ec;
-    const auto size = fs::file_size(fxt, ec);
-    if (ec) return names.fxtLength >= 0;
-    return static_cast<std::int64_t>(size) != names.fxtLength ||
-           fs::last_write_time(fxt, ec) != names.fxtWriteTime;
+    return stampOf(fxt) != names.fxtStamp;
 }
 
 bool loadCarNames(CarNames& names, const StyleFileState& style, FormatContext& ctx) {

@@ -2,6 +2,7 @@
 
 #include "cli/cli.h"
 
+#include "base/atomic_file.h"
 #include "base/utf8_path.h"
 #include "cars/fxt.h"
 #include "session/file_backups.h"
@@ -49,7 +50,7 @@ void registerFxtCommands(CLI::App& app, Context& ctx) {
         if (!processBackups().ensureBackup(argumentPath(encode->to), ec)) {
             platform->message(
                 "FXT could not be copied to " + utf8Of(backupPathOf(argumentPath(encode->to))) +
-                ", so nothing was written." + "\r" + "The system said: " + ec.message() + ".");
+                ", so nothing was written." + "\r" + "The system said: " + describeCause(ec) + ".");
             ctx.exitCode = kExitFailed;
             return;
         }

@@ -5,7 +5,6 @@
 #include "base/crc32.h"
 #include "base/file_lock.h"
 #include "platform/platform.h"
-#include "platform/safe_replace.h"
 #include "style/level_name.h"
 
 #include <algorithm>

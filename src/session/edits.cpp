@@ -1,5 +1,6 @@
 #include "session/edits.h"
 
+#include "base/atomic_file.h"
 #include "exchange/bitmap_names.h"
 #include "platform/platform.h"
 #include "session/edit_history.h"
@@ -117,8 +118,7 @@ bool importSpriteNamedBy(StyleSession& session, Platform& platform, const fs::pa
     const fs::path expected = session.workPath(bmpFileName(session));
     std::error_code ec;
     if (!fs::equivalent(file, expected, ec)) {
-        fs::copy_file(file, expected, fs::copy_options::overwrite_existing, ec);
-        if (ec) {
+        if (copyFileAtomically(file, expected)) {
             platform.message("Unable to copy " + file.string() + " to " + expected.string(),
                              Buttons::Ok, Icon::Warning);
             return false;

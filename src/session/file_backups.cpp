@@ -1,6 +1,6 @@
 #include "session/file_backups.h"
 
-#include "platform/safe_replace.h"
+#include "base/atomic_file.h"
 
 namespace torquil {
 
@@ -29,7 +29,10 @@ bool BackupRegistry::ensureBackup(const fs::path& file, std::error_code& ec) {
         handled_.insert(id);
         return true;
     }
-    if (!copyFileSafely(file, bak, ec)) return false;
+    if (const ReplaceFailure failure = copyFileAtomically(file, bak)) {
+        ec = failure.cause;
+        return false;
+    }
     handled_.insert(id);
     return true;
 }

@@ -118,7 +118,7 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
     // A failed open leaves its pending error, which ends the load below.
     static_cast<void>(file.open(style.path, BinaryFile::Mode::Read));
     style.fileLength = file.length();
-    style.loadedWriteTime = std::filesystem::last_write_time(style.path, ec);
+    style.loadedStamp = stampOf(style.path);
     style.header = readStyleHeader(file, style.gIs24Bit);
     appendHeaderDetails(s, platform);
 

@@ -53,24 +53,18 @@ bool writesStyleFile(const StyleFileState& style) {
            style.gDeltasChanged;
 }
 
-// Size or last write time differ from what the load saw.
+// Length, last write time or the file itself differ from what the load saw.
 bool changedOnDisk(const StyleFileState& style) {
-    std::error_code ec;
-    const auto size = fs::file_size(style.path, ec);
-    if (ec) return false; // a missing file fails at "File Open" anyway
-    const auto written = fs::last_write_time(style.path, ec);
-    if (ec) return false;
-    return static_cast<std::int64_t>(size) != style.fileLength || written != style.loadedWriteTime;
+    const FileStamp now = stampOf(style.path);
+    if (!now.exists) return false; // a missing file fails at "File Open" anyway
+    return now != style.loadedStamp;
 }
 
 // What the file looks like after our own save, so the next save does not take it for a change
 // made behind our back.
 void rememberFileState(StyleFileState& style) {
-    std::error_code ec;
-    const auto size = fs::file_size(style.path, ec);
-    if (!ec) style.fileLength = static_cast<std::int64_t>(size);
-    const auto written = fs::last_write_time(style.path, ec);
-    if (!ec) style.loadedWriteTime = written;
+    style.loadedStamp = stampOf(style.path);
+    if (style.loadedStamp.exists) style.fileLength = style.loadedStamp.length;
 }
 
 class SaveRun {
@@ -203,8 +197,9 @@ void SaveRun::buildNames() {
         return;
     std::error_code ec;
     if (!options_.backups->ensureBackup(fxtPath_, ec)) {
-        platform_.message("ENGLISH.FXT could not be copied to " + backupPathOf(fxtPath_).string() +
-                          ", so the car names were not saved.");
+        platform_.message(
+            "ENGLISH.FXT could not be copied to " + backupPathOf(fxtPath_).string() +
+            ", so the car names were not saved.\rThe system said: " + describeCause(ec) + ".");
         return;
     }
     writeNames_ = options_.savers.carNames && options_.savers.carNames(s_, platform_, fxtBytes_);

@@ -4,7 +4,9 @@
 
 #include "style/style_header.h"
 
+#include "base/file_stamp.h"
 #include <cstdint>
+
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -23,7 +25,7 @@ struct StyleFileState {
 
     StyleHeader header;
     std::int64_t fileLength = 0; // L, the file's real length when it was loaded
-    std::filesystem::file_time_type loadedWriteTime{}; // to notice changes made behind our back
+    FileStamp loadedStamp; // the file as loaded (or last saved), to notice changes behind our back
 
     // 1-based positions; the car and sprite info ones are 0 under the tiles option.
     std::int64_t gSeekCarInfo = 0, gSeekCarInfoEnd = 0;

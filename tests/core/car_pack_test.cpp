@@ -322,8 +322,8 @@ TEST_F(CarPackFixture, PackFromTheBakOriginalsTurnsThemIntoTheEditedFilesOnce) {
     EXPECT_EQ(p.sprites.size(), 1u);
 
     // Back to the originals, as another modder has them; then the pack.
-    fs::copy_file(bak.style, style, fs::copy_options::overwrite_existing);
-    fs::copy_file(bak.fxt, fxt, fs::copy_options::overwrite_existing);
+    tb::writeFile(style, tb::readFile(bak.style));
+    tb::writeFile(fxt, tb::readFile(bak.fxt));
     BackupRegistry fresh;
     platform.shownMessages.clear();
     EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh),
@@ -347,7 +347,7 @@ TEST_F(CarPackFixture, PacksThatDoNotBelongAreRefusedWithNothingChanged) {
     save();
     build();
     const auto goodPack = tb::readFile(pack);
-    fs::copy_file(style.string() + ".bak", style, fs::copy_options::overwrite_existing);
+    tb::writeFile(style, tb::readFile(style.string() + ".bak"));
 
     struct Case {
         const char* name;
@@ -403,7 +403,7 @@ TEST_F(CarPackFixture, CommandLineShowsThePreviewAsTextAndJson) {
     save();
     build();
     // Shown against the files it would change: the originals, back in their place.
-    fs::copy_file(style.string() + ".bak", style, fs::copy_options::overwrite_existing);
+    tb::writeFile(style, tb::readFile(style.string() + ".bak"));
     const std::string bak = style.string();
     const std::string work = (dir / "work").string();
     auto text = tb::runCli({"gc3", "show", pack.string(), bak, fxt.string(), "--workdir", work});

@@ -74,10 +74,10 @@ struct HistoryFixture : tb::StyleFixture {
         const StyleFileState kept = session->style;
         const DeltaTable keptDeltas = session->deltas;
         session->style.path = copy;
-        session->style.loadedWriteTime = fs::last_write_time(copy);
+        session->style.loadedStamp = stampOf(copy);
         // The copy of ENGLISH.FXT is the one the names were loaded from, as far as the save knows.
         const CarNames keptNames = session->names;
-        session->names.fxtWriteTime = fs::last_write_time(folder / "ENGLISH.FXT");
+        session->names.fxtStamp = stampOf(folder / "ENGLISH.FXT");
         BackupRegistry backups;
         SaveOptions options;
         options.backups = &backups;

@@ -151,8 +151,8 @@ TEST(FxtFiles, MissingInputsAndUnwritableOutputsGiveTheMessages) {
     EXPECT_FALSE(txt2fxt(dir / "in.txt", dir / "no" / "such" / "X.FXT", q));
     ASSERT_EQ(q.messageTexts().size(), 2u);
     EXPECT_EQ(q.messageTexts()[0], "Error occured during load of FXT file.\r"
-                                   "The system said: No such file or directory.");
+                                   "The system said: no such file or directory.");
     EXPECT_EQ(q.messageTexts()[1], "Error occured during write of FXT file.\r"
-                                   "The system said: No such file or directory.");
+                                   "The system said: no such file or directory.");
     EXPECT_EQ(q.progressOpenCount, q.progressCloseCount);
 }

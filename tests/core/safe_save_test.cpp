@@ -4,6 +4,7 @@
 
 #include "base/atomic_file.h"
 #include "base/file_lock.h"
+#include "base/file_stamp.h"
 #include "cars/car_names_io.h"
 #include "cars/fxt.h"
 #include "cli_runner.h"
@@ -307,6 +308,10 @@ TEST(SafeSave, ReadOnlyFilesAreRefusedAndKeepTheirModeEvenForRoot) {
 }
 
 TEST(SafeSave, ReplaceKeepsTheFilesPermissions) {
+#ifdef _WIN32
+    GTEST_SKIP() << "Windows files have no mode bits and no /dev/null (read-only files are "
+                    "refused in ReadOnlyFilesAreRefusedAndKeepTheirModeEvenForRoot)";
+#endif
     tb::TempDir dir;
     const fs::path file = dir / "kept.txt";
     tb::writeFile(file, {1});
@@ -377,6 +382,21 @@ TEST(SafeSave, SecondSaveOfOneFileNeverLosesTheFirstSilently) {
     EXPECT_TRUE(third->style.gCarNamesChanged);
     const auto text = tb::decodeFxt(tb::readFile(level.fxt));
     EXPECT_EQ(std::count(text.begin(), text.end(), "[car43]First Again"), 1);
+}
+
+TEST(SafeSave, StampNoticesAFileReplacedBehindOurBackEvenWithTheSameSizeAndTime) {
+    tb::TempDir dir;
+    const fs::path file = dir / "STYLE001.G24", other = dir / "other";
+    tb::writeFile(file, {1, 2, 3});
+    const FileStamp loaded = stampOf(file);
+    ASSERT_TRUE(loaded.exists);
+    EXPECT_EQ(stampOf(file), loaded);
+    // Another program's save by rename: same length, same write time, another file.
+    tb::writeFile(other, {4, 5, 6});
+    fs::last_write_time(other, loaded.written);
+    fs::rename(other, file);
+    EXPECT_NE(stampOf(file), loaded);
+    EXPECT_FALSE(stampOf(dir / "missing").exists);
 }
 
 TEST(SafeSave, TwoLevelsSavedAtOnceKeepTheirOwnTexts) {
