@@ -3,6 +3,7 @@
 // the work is done by the core on the session, which is replaced whole on every load.
 
 #include "app/command_groups.h"
+#include "app/picture_file_choice.h"
 #include "session/edits.h"
 #include "session/session_io.h"
 
@@ -91,8 +92,11 @@ public:
     std::function<std::optional<int>()> askSpriteNumber;
     // Asks Find Car's text (ASN, "model N" or a part of a name); nothing when cancelled.
     std::function<std::optional<QString>()> askFindText;
-    // Asks for a delta set picture to write (forSaving) or read; empty when cancelled.
-    std::function<QString(bool forSaving, const QString& suggested)> askDeltaSetFile;
+    // Stands in for the file dialog of a delta set picture to write (forSaving) or read, which
+    // offers `filters` (pictureFileFilters) and starts at `suggested`.
+    std::function<PictureFileAnswer(bool forSaving, const QString& suggested,
+                                    const QString& filters)>
+        askDeltaSetFile;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -140,6 +144,8 @@ private:
     void mnuExportDeltas_Click(int index);
     void mnuImportDeltas_Click();
     void mnuViewDeltas_Click(int index);
+    // The delta set picture to write (forSaving) or read: the dialog's answer, with the chosen
+    // filter's extension added to a name typed without one; empty when cancelled.
     QString chooseDeltaSetFile(bool forSaving, const QString& suggested);
     void mnuTranspCheck_Click();
     void mnuTranspCorrect_Click();

@@ -80,10 +80,14 @@ bool MainForm::applyCarPackFile(const QString& path) {
     if (!askToSaveChanges()) return false;
     const fs::path packPath(path.toStdString());
     Gc3Pack pack;
-    if (!readCarPack(packPath, pack, platform_)) return false;
+    std::optional<Gc3Trailer> trailer;
+    if (!readCarPack(packPath, pack, platform_, &trailer)) return false;
     const CarPackFiles files = levelFiles(session_->style);
     const std::vector<std::uint8_t> style = bytesOf(files.style), fxt = bytesOf(files.fxt);
-    if (const std::string refusal = carPackRefusal(pack, files, style, fxt); !refusal.empty()) {
+    // Refused before the preview, with the GC3 applier's message (another level, already
+    // applied, files it was not made against, a damaged pack).
+    if (const std::string refusal = carPackRefusal(pack, trailer, files, style, fxt);
+        !refusal.empty()) {
         platform_.message(refusal, Buttons::Ok, Icon::Warning);
         return false;
     }
@@ -96,6 +100,8 @@ bool MainForm::applyCarPackFile(const QString& path) {
     }
     CarPackPreviewForm ask(preview, fileNameOf(packPath), CarPackPreviewForm::Purpose::Apply, this);
     if (execDialog(ask) != QDialog::Accepted) return false;
+    // The apply itself goes through the GC3 applier, which checks the files again (they may have
+    // changed while the preview was open) and shows its outcome when it writes nothing.
     if (applyCarPack(packPath, files, platform_, processBackups()) != ApplyResult::Applied)
         return false;
     const int loadOption = session_->style.loadOption;

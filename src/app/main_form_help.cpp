@@ -3,6 +3,7 @@
 #include "app/details_form.h"
 #include "app/help_window.h"
 #include "app/main_form.h"
+#include "base/work_dir.h"
 #include "exchange/gc3.h"
 #include "platform/qt/qt_platform.h"
 
@@ -49,11 +50,8 @@ void MainForm::mnuHelpSearch_Click() {
 }
 
 void MainForm::mnuReadMe_Click() {
-    const fs::path inWorkDir = options_.workDir / "readme.txt";
-    const fs::path besideProgram =
-        fs::path(QCoreApplication::applicationDirPath().toStdString()) / "readme.txt";
-    std::error_code ec;
-    const fs::path readme = fs::exists(inWorkDir, ec) ? inWorkDir : besideProgram;
+    const fs::path readme = findReadme(
+        options_.workDir, fs::path(QCoreApplication::applicationDirPath().toStdString()));
     // Shown in the program's own help window: no outside viewer is needed.
     if (!help_) help_ = new HelpWindow(this);
     if (help_->showTextFile(QString::fromStdString(readme.string()))) {

@@ -5,7 +5,6 @@
 #include "app/delta_pic_form.h"
 #include "app/main_form.h"
 #include "app/page_board.h"
-#include "exchange/png_codec.h"
 #include "exchange/sprite_exchange.h"
 #include "exchange/transparency.h"
 #include "platform/qt/qt_platform.h"
@@ -35,11 +34,19 @@ void MainForm::mnuImportSprite_Click() {
 }
 
 QString MainForm::chooseDeltaSetFile(bool forSaving, const QString& suggested) {
-    if (askDeltaSetFile) return askDeltaSetFile(forSaving, suggested);
-    const QString filter = tr("Pictures (*.bmp *.png);;BMP (*.bmp);;PNG (*.png)");
-    return forSaving
-               ? QFileDialog::getSaveFileName(this, tr("Export Delta Set"), suggested, filter)
-               : QFileDialog::getOpenFileName(this, tr("Import Delta Set"), suggested, filter);
+    const QString filters = pictureFileFilters();
+    PictureFileAnswer answer;
+    if (askDeltaSetFile) {
+        answer = askDeltaSetFile(forSaving, suggested, filters);
+    } else {
+        answer.filter = QString::fromLatin1(kBitmapFilter);
+        answer.file = forSaving ? QFileDialog::getSaveFileName(this, tr("Export Delta Set"),
+                                                               suggested, filters, &answer.filter)
+                                : QFileDialog::getOpenFileName(this, tr("Import Delta Set"),
+                                                               suggested, filters, &answer.filter);
+    }
+    // A file to read is taken as it is: its extension says what it holds.
+    return forSaving ? pictureFileToWrite(answer.file, answer.filter) : answer.file;
 }
 
 // index 0: dirty (each delta over the sprite), 1: clean (each delta on colour 0).

@@ -15,6 +15,7 @@
 #include <QFileInfo>
 #include <QImage>
 #include <QPixmap>
+#include <QStandardPaths>
 #include <QTimer>
 
 #include <algorithm>
@@ -49,6 +50,17 @@ StartupArgs parseStartupArgs(const QStringList& arguments) {
             args.style = a;
     }
     return args;
+}
+
+std::filesystem::path windowWorkDir(const QString& workDirArg, const QString& executable) {
+    if (!workDirArg.isEmpty()) return std::filesystem::absolute(workDirArg.toStdString());
+    const std::filesystem::path program(executable.toStdString());
+    if (isInstalledProgramFolder(program.parent_path())) {
+        const QString data = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+        if (!data.isEmpty() && QDir().mkpath(data))
+            return std::filesystem::path(data.toStdString());
+    }
+    return defaultWorkDir(program);
 }
 
 namespace {
@@ -87,9 +99,7 @@ int runTorquil(int argc, char** argv) {
 
     AppOptions options;
     options.debugMode = commandLineHasDebugSwitch(raw);
-    options.workDir = args.workDir.isEmpty()
-                          ? defaultWorkDir(QApplication::applicationFilePath().toStdString())
-                          : std::filesystem::absolute(args.workDir.toStdString());
+    options.workDir = windowWorkDir(args.workDir, QApplication::applicationFilePath());
     std::error_code ec;
     std::filesystem::create_directories(options.workDir, ec);
     std::filesystem::current_path(options.workDir, ec);

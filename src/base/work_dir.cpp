@@ -34,13 +34,32 @@ static fs::path userDataDir() {
     return fs::temp_directory_path() / "torquil";
 }
 
+bool isInstalledProgramFolder(const fs::path& folder) {
+    std::error_code ec;
+    const fs::path clean = fs::weakly_canonical(folder, ec).lexically_normal();
+    const fs::path dir = clean.has_filename() ? clean : clean.parent_path();
+    return dir.filename() == "bin" && fs::is_directory(dir.parent_path() / "share", ec);
+}
+
 fs::path defaultWorkDir(const fs::path& executable) {
     std::error_code ec;
     fs::path folder = fs::absolute(executable, ec).parent_path();
-    if (!folder.empty() && isWritableDirectory(folder)) return folder;
+    if (!folder.empty() && !isInstalledProgramFolder(folder) && isWritableDirectory(folder))
+        return folder;
     fs::path data = userDataDir();
     fs::create_directories(data, ec);
     return data;
+}
+
+fs::path findReadme(const fs::path& workDir, const fs::path& programDir) {
+    const fs::path beside = programDir / "readme.txt";
+    const fs::path places[] = {
+        workDir / "readme.txt", beside,
+        (programDir / ".." / "share" / "doc" / "torquil" / "readme.txt").lexically_normal()};
+    std::error_code ec;
+    for (const fs::path& place : places)
+        if (fs::is_regular_file(place, ec)) return place;
+    return beside;
 }
 
 bool commandLineHasDebugSwitch(const std::vector<std::string>& arguments) {

@@ -339,6 +339,65 @@ bool parseGc3(const std::vector<std::uint8_t>& bytes, Gc3Pack& pack, std::string
            parseRecords(bytes, h.FXTDataPosition, h.FXTDataPositionEnd, pack.fxtRecords, error);
 }
 
+Gc3Applied checkGc3Fit(const Gc3Pack& pack, const std::optional<Gc3Trailer>& trailer,
+                       const Gc3FileBytes& style, const Gc3FileBytes& fxt,
+                       std::vector<std::uint8_t>* styleResult,
+                       std::vector<std::uint8_t>* fxtResult) {
+    auto refused = [](Gc3Outcome outcome, std::string message) {
+        return Gc3Applied{outcome, std::move(message)};
+    };
+    // Torquil's packs say what they were made against and what they make.
+    if (trailer) {
+        const std::uint32_t styleCrc = crc32(style.bytes);
+        const std::uint32_t fxtCrc = crc32(fxt.bytes);
+        if (styleCrc == trailer->resultStyle && fxtCrc == trailer->resultFxt)
+            return refused(Gc3Outcome::AlreadyApplied,
+                           "This GC3 car pack is already applied to " + style.path.string() +
+                               " and " + fxt.path.string() + ": nothing was written.");
+        const bool styleFits = styleCrc == trailer->originalStyle;
+        const bool fxtFits = fxtCrc == trailer->originalFxt;
+        if (!styleFits || !fxtFits) {
+            std::string which = !styleFits && !fxtFits
+                                    ? style.path.string() + " and " + fxt.path.string()
+                                : !styleFits ? style.path.string()
+                                             : fxt.path.string();
+            return refused(Gc3Outcome::FilesDiffer,
+                           "This GC3 car pack was made against other files than " + which +
+                               " (their contents differ from the files it was made from)." + "\r" +
+                               "Nothing was written.");
+        }
+    }
+    struct Target {
+        const Gc3FileBytes& file;
+        const std::vector<Gc3Record>& runs;
+        std::int32_t length;
+        std::vector<std::uint8_t> result;
+    };
+    Target targets[] = {{style, pack.styleRecords, pack.header.StyleDataLOF, {}},
+                        {fxt, pack.fxtRecords, pack.header.FXTDataLOF, {}}};
+    for (Target& t : targets) {
+        switch (rebuild(t.file.bytes, t.runs, t.length, t.result)) {
+        case ApplyFault::None:
+            break;
+        case ApplyFault::TooShort:
+            return refused(Gc3Outcome::FilesDiffer, "The file " + t.file.path.string() +
+                                                        " is too short for this GC3 car pack.");
+        case ApplyFault::PastLength:
+            return refused(Gc3Outcome::Damaged, "This GC3 car pack has a run past the recorded " +
+                                                    std::string("length of ") +
+                                                    t.file.path.string() + ".");
+        }
+    }
+    if (trailer && (crc32(targets[0].result) != trailer->resultStyle ||
+                    crc32(targets[1].result) != trailer->resultFxt))
+        return refused(Gc3Outcome::Damaged,
+                       "This GC3 car pack is damaged: applied, it does not give the files it was "
+                       "made from. Nothing was written.");
+    if (styleResult) *styleResult = std::move(targets[0].result);
+    if (fxtResult) *fxtResult = std::move(targets[1].result);
+    return {Gc3Outcome::Applied, {}};
+}
+
 Gc3Applied applyGc3Pack(const fs::path& packPath, const fs::path& style, const fs::path& fxt,
                         Platform& platform, const Gc3KeepBackup& keepBackup) {
     BusyCursor busy(platform);
@@ -369,55 +428,18 @@ Gc3Applied applyGc3Pack(const fs::path& packPath, const fs::path& style, const f
 
     struct Target {
         const fs::path& path;
-        const std::vector<Gc3Record>& runs;
-        std::int32_t length;
         std::vector<std::uint8_t> original, result;
     };
-    Target targets[] = {{style, pack.styleRecords, pack.header.StyleDataLOF, {}, {}},
-                        {fxt, pack.fxtRecords, pack.header.FXTDataLOF, {}, {}}};
+    Target targets[] = {{style, {}, {}}, {fxt, {}, {}}};
     for (Target& t : targets) {
         if (!fs::is_regular_file(t.path, ec) || !readWholeFile(t.path, t.original))
             return refused(Gc3Outcome::Unreadable, "Unable to read " + t.path.string() + ".");
     }
-    // Torquil's packs say what they were made against and what they make.
     const std::optional<Gc3Trailer> trailer = findGc3Trailer(packBytes, pack.header);
-    if (trailer) {
-        const std::uint32_t styleCrc = crc32(targets[0].original);
-        const std::uint32_t fxtCrc = crc32(targets[1].original);
-        if (styleCrc == trailer->resultStyle && fxtCrc == trailer->resultFxt)
-            return refused(Gc3Outcome::AlreadyApplied, "This GC3 car pack is already applied to " +
-                                                           style.string() + " and " + fxt.string() +
-                                                           ": nothing was written.");
-        const bool styleFits = styleCrc == trailer->originalStyle;
-        const bool fxtFits = fxtCrc == trailer->originalFxt;
-        if (!styleFits || !fxtFits) {
-            std::string which = !styleFits && !fxtFits ? style.string() + " and " + fxt.string()
-                                : !styleFits           ? style.string()
-                                                       : fxt.string();
-            return refused(Gc3Outcome::FilesDiffer,
-                           "This GC3 car pack was made against other files than " + which +
-                               " (their contents differ from the files it was made from)." + "\r" +
-                               "Nothing was written.");
-        }
-    }
-    for (Target& t : targets) {
-        switch (rebuild(t.original, t.runs, t.length, t.result)) {
-        case ApplyFault::None:
-            break;
-        case ApplyFault::TooShort:
-            return refused(Gc3Outcome::FilesDiffer,
-                           "The file " + t.path.string() + " is too short for this GC3 car pack.");
-        case ApplyFault::PastLength:
-            return refused(Gc3Outcome::Damaged, "This GC3 car pack has a run past the recorded " +
-                                                    std::string("length of ") + t.path.string() +
-                                                    ".");
-        }
-    }
-    if (trailer && (crc32(targets[0].result) != trailer->resultStyle ||
-                    crc32(targets[1].result) != trailer->resultFxt))
-        return refused(Gc3Outcome::Damaged,
-                       "This GC3 car pack is damaged: applied, it does not give the files it was "
-                       "made from. Nothing was written.");
+    const Gc3Applied fit =
+        checkGc3Fit(pack, trailer, {style, targets[0].original}, {fxt, targets[1].original},
+                    &targets[0].result, &targets[1].result);
+    if (fit.outcome != Gc3Outcome::Applied) return fit;
 
     // Both originals are kept once as ".bak" before either is written.
     for (Target& t : targets) {

@@ -121,6 +121,21 @@ struct Gc3Applied {
     std::string message;
 };
 
+// A file a pack is applied to: its path (for messages) and its bytes.
+struct Gc3FileBytes {
+    const std::filesystem::path& path;
+    const std::vector<std::uint8_t>& bytes;
+};
+// Whether a pack can be applied to these files, without touching the disk: Applied when it can
+// (with the two results when asked for), else the refusal applyGc3Pack gives: AlreadyApplied or
+// FilesDiffer by the trailer's checksums when the pack has one, FilesDiffer for a file too short
+// for the runs, Damaged for a run past the recorded length or results that miss the trailer.
+// The level is not checked here.
+[[nodiscard]] Gc3Applied checkGc3Fit(const Gc3Pack& pack, const std::optional<Gc3Trailer>& trailer,
+                                     const Gc3FileBytes& style, const Gc3FileBytes& fxt,
+                                     std::vector<std::uint8_t>* styleResult = nullptr,
+                                     std::vector<std::uint8_t>* fxtResult = nullptr);
+
 // Keeps a file's original before it is first written (the run's ".bak" registry); true when the
 // backup exists afterwards.
 using Gc3KeepBackup = std::function<bool(const std::filesystem::path&, std::error_code&)>;

@@ -40,7 +40,8 @@ CarPackFiles levelBackups(const StyleFileState& style) {
     return out;
 }
 
-bool readCarPack(const fs::path& path, Gc3Pack& out, Platform& platform) {
+bool readCarPack(const fs::path& path, Gc3Pack& out, Platform& platform,
+                 std::optional<Gc3Trailer>* trailer) {
     std::vector<std::uint8_t> bytes;
     std::string why;
     std::error_code ec;
@@ -48,14 +49,17 @@ bool readCarPack(const fs::path& path, Gc3Pack& out, Platform& platform) {
         why = "cannot read " + path.string();
     else if (!parseGc3(bytes, out, why) && why.empty())
         why = "not a GC3 pack";
-    if (why.empty()) return true;
+    if (why.empty()) {
+        if (trailer) *trailer = findGc3Trailer(bytes, out.header);
+        return true;
+    }
     platform.detail("GC3 pack:" + why);
     platform.message("Error reading GC3 file.", Buttons::Ok, Icon::Warning);
     return false;
 }
 
-std::string carPackRefusal(const Gc3Pack& pack, const CarPackFiles& files,
-                           const std::vector<std::uint8_t>& style,
+std::string carPackRefusal(const Gc3Pack& pack, const std::optional<Gc3Trailer>& trailer,
+                           const CarPackFiles& files, const std::vector<std::uint8_t>& style,
                            const std::vector<std::uint8_t>& fxt) {
     const std::string name = files.style.filename().string();
     const int level = mapNumberFromFileName(toUpperAscii(name));
@@ -64,14 +68,11 @@ std::string carPackRefusal(const Gc3Pack& pack, const CarPackFiles& files,
                name + " is level " + levelText(level) + "." + kNothingChanged;
 
     std::vector<std::uint8_t> styleAfter, fxtAfter;
-    std::string why;
-    if (!rebuildFromRuns(style, pack.styleRecords, pack.header.StyleDataLOF, styleAfter, why))
-        return "This GC3 car pack does not fit " + name + ": " + why + "." + kNothingChanged;
-    if (!rebuildFromRuns(fxt, pack.fxtRecords, pack.header.FXTDataLOF, fxtAfter, why))
-        return "This GC3 car pack does not fit " + files.fxt.filename().string() + ": " + why +
-               "." + kNothingChanged;
-    // Applied once, the files hold every byte of the pack: a second time would change nothing
-    // here, and on files edited since it would overwrite the edits.
+    const Gc3Applied fit =
+        checkGc3Fit(pack, trailer, {files.style, style}, {files.fxt, fxt}, &styleAfter, &fxtAfter);
+    if (fit.outcome != Gc3Outcome::Applied) return fit.message;
+    // A pack without a trailer cannot tell its own results: applied once, the files hold every
+    // byte of it, and a second time would overwrite whatever was edited since.
     if (styleAfter == style && fxtAfter == fxt)
         return "This GC3 car pack is already applied: " + name + " and " +
                files.fxt.filename().string() + " already hold its changes." + kNothingChanged;
@@ -81,28 +82,39 @@ std::string carPackRefusal(const Gc3Pack& pack, const CarPackFiles& files,
 ApplyResult applyCarPack(const fs::path& packPath, const CarPackFiles& files, Platform& platform,
                          BackupRegistry& backups) {
     Gc3Pack pack;
-    if (!readCarPack(packPath, pack, platform)) return ApplyResult::Failed;
+    std::optional<Gc3Trailer> trailer;
+    if (!readCarPack(packPath, pack, platform, &trailer)) return ApplyResult::Failed;
     std::vector<std::uint8_t> style, fxt;
     if (!readIfPresent(files.style, style) || !readIfPresent(files.fxt, fxt)) {
         platform.message("Unable to read " + files.style.string() + ".", Buttons::Ok,
                          Icon::Warning);
         return ApplyResult::Failed;
     }
-    if (const std::string refusal = carPackRefusal(pack, files, style, fxt); !refusal.empty()) {
+    if (const std::string refusal = carPackRefusal(pack, trailer, files, style, fxt);
+        !refusal.empty()) {
         platform.message(refusal, Buttons::Ok, Icon::Warning);
         return ApplyResult::Refused;
     }
-    for (const fs::path* file : {&files.style, &files.fxt}) {
-        std::error_code ec;
-        if (!backups.ensureBackup(*file, ec)) {
-            platform.message("Unable to keep a copy of " + file->string() + " in " +
-                                 backupPathOf(*file).string() + "." + kNothingChanged,
-                             Buttons::Ok, Icon::Warning);
-            return ApplyResult::Failed;
-        }
+    auto keep = [&backups](const fs::path& file, std::error_code& ec) {
+        return backups.ensureBackup(file, ec);
+    };
+    const Gc3Applied applied = applyGc3Pack(packPath, files.style, files.fxt, platform, keep);
+    switch (applied.outcome) {
+    case Gc3Outcome::Applied:
+        return ApplyResult::Applied;
+    case Gc3Outcome::AlreadyApplied:
+    case Gc3Outcome::OtherLevel:
+    case Gc3Outcome::FilesDiffer:
+    case Gc3Outcome::Damaged:
+        platform.message(applied.message, Buttons::Ok, Icon::Warning);
+        return ApplyResult::Refused;
+    case Gc3Outcome::Unreadable:
+    case Gc3Outcome::Locked:
+    case Gc3Outcome::WriteFailed:
+        break;
     }
-    return applyGC3(packPath, files.style, files.fxt, platform) ? ApplyResult::Applied
-                                                                : ApplyResult::Failed;
+    platform.message(applied.message, Buttons::Ok, Icon::Warning);
+    return ApplyResult::Failed;
 }
 
 } // namespace torquil

@@ -342,6 +342,29 @@ TEST_F(CarPackFixture, PackFromTheBakOriginalsTurnsThemIntoTheEditedFilesOnce) {
     EXPECT_EQ(tb::readFile(fxt), editedFxt);
 }
 
+TEST_F(CarPackFixture, PackWithoutTrailerAppliesOnceAndIsThenRefusedByItsContent) {
+    editCarField(someCar(), "max_speed", "88");
+    save();
+    build();
+    const auto editedStyle = tb::readFile(style);
+    // A pack as other programs write it: the records end the file.
+    auto bytes = tb::readFile(pack);
+    bytes.resize(bytes.size() - kGc3TrailerSize);
+    tb::writeFile(pack, bytes);
+    fs::copy_file(style.string() + ".bak", style, fs::copy_options::overwrite_existing);
+
+    BackupRegistry fresh;
+    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh),
+              ApplyResult::Applied);
+    EXPECT_EQ(tb::readFile(style), editedStyle);
+    platform.shownMessages.clear();
+    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh),
+              ApplyResult::Refused);
+    ASSERT_EQ(messages().size(), 1u);
+    EXPECT_EQ(messages()[0], "This GC3 car pack is already applied: STYLE001.G24 and ENGLISH.FXT "
+                             "already hold its changes.\rNothing was changed.");
+}
+
 TEST_F(CarPackFixture, PacksThatDoNotBelongAreRefusedWithNothingChanged) {
     editCarField(someCar(), "max_speed", "77");
     save();
@@ -377,7 +400,16 @@ TEST_F(CarPackFixture, PacksThatDoNotBelongAreRefusedWithNothingChanged) {
              tb::writeFile(f.style, std::vector<std::uint8_t>(originalStyle.begin(),
                                                               originalStyle.begin() + 1000));
          },
-         ApplyResult::Refused, "does not fit STYLE001.G24"},
+         ApplyResult::Refused, "made against other files than " + (dir / "short").string()},
+        {"a style file changed where the pack does not reach",
+         [&](CarPackFiles& f) {
+             f.style = dir / "other" / "STYLE001.G24";
+             fs::create_directories(f.style.parent_path());
+             auto bytes = originalStyle;
+             bytes[10] ^= 1;
+             tb::writeFile(f.style, bytes);
+         },
+         ApplyResult::Refused, "made against other files than " + (dir / "other").string()},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

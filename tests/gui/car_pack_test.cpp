@@ -193,13 +193,18 @@ void CarPackTest::editedLevelRoundTripsThroughBuildAndApply() {
     QCOMPARE(h.form->session().cars.find(r.ASN)->info.width, std::int16_t{31});
     QCOMPARE(h.form->session().cars.find(r.ASN)->name, std::string("Packed Car"));
 
-    // A second time is refused without a preview.
+    // A second time is refused without a preview: the pack's trailer names the files it makes.
+    const auto bakStyle = readFile(h.style.string() + ".bak");
     h.previewLines.clear();
+    h.platform.shown.clear();
     h.applyThroughDialog(h.pack);
-    QVERIFY(h.saw("already applied"));
+    QCOMPARE(h.platform.texts(), std::vector<std::string>{
+                                     "This GC3 car pack is already applied to " + h.style.string() +
+                                     " and " + h.fxt.string() + ": nothing was written."});
     QVERIFY(h.previewLines.isEmpty());
     QCOMPARE(readFile(h.style), editedStyle);
     QCOMPARE(readFile(h.fxt), editedFxt);
+    QCOMPARE(readFile(h.style.string() + ".bak"), bakStyle);
 }
 
 void CarPackTest::packsThatDoNotBelongAreRefused() {
@@ -234,6 +239,26 @@ void CarPackTest::packsThatDoNotBelongAreRefused() {
     QVERIFY(!h.previewLines.isEmpty());
     QCOMPARE(readFile(h.style), style);
     QVERIFY(!fs::exists(h.style.string() + ".bak"));
+
+    // The style file on the disk changed since the pack was made, in a byte the pack does not
+    // touch: its runs would still fit, but the trailer's checksum refuses it.
+    auto differs = style;
+    differs.back() ^= 1;
+    torquil::testing::writeFile(h.style, differs);
+    const auto fxt = readFile(h.fxt);
+    h.previewLines.clear();
+    h.platform.shown.clear();
+    h.applyThroughDialog(h.pack);
+    QCOMPARE(h.platform.texts(),
+             std::vector<std::string>{"This GC3 car pack was made against other files than " +
+                                      h.style.string() +
+                                      " (their contents differ from the files it was made "
+                                      "from).\rNothing was written."});
+    QVERIFY(h.previewLines.isEmpty());
+    QCOMPARE(readFile(h.style), differs);
+    QCOMPARE(readFile(h.fxt), fxt);
+    QVERIFY(!fs::exists(h.style.string() + ".bak"));
+    QVERIFY(!fs::exists(h.fxt.string() + ".bak"));
 }
 
 void CarPackTest::withoutBakCopiesTheOriginalsMustBeChosen() {

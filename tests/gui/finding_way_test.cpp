@@ -30,31 +30,15 @@
 #include <filesystem>
 
 using namespace torquil;
-using torquil::testing::SampleFolder;
-using torquil::testing::ScriptedQtPlatform;
+using torquil::testing::WindowHarness;
 
 namespace {
 
-struct Harness {
-    SampleFolder sample;
-    ScriptedQtPlatform platform{sample.settingsFile};
-    std::unique_ptr<MainForm> form;
-
+struct Harness : WindowHarness {
     Harness() {
-        AppOptions options;
-        options.workDir = sample.work;
-        form = std::make_unique<MainForm>(options, platform);
         form->resize(1100, 700);
         form->show();
     }
-    QAction* action(const char* name) const {
-        if (QAction* a = form->menus().action(name)) return a;
-        return form->findChild<QAction*>(name);
-    }
-    void open(const char* file = "STYLE001.G24", int option = kLoadSprites) {
-        form->openStyle(sample.file(file), option);
-    }
-    StyleSession& session() { return form->session(); }
     CarListModel* model() { return form->carList()->model(); }
     QSortFilterProxyModel* proxy() { return form->carList()->proxy(); }
     // The list's cell of a car and a field column, through the sorting and filtering proxy.

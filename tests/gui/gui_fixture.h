@@ -1,10 +1,14 @@
 #pragma once
 // What the window tests share: a Qt platform whose message boxes answer from a script and are
-// recorded, a settings file of their own, and the sample level in a temporary folder.
+// recorded, a settings file of their own, the sample level in a temporary folder, and a main
+// window working on it.
 
+#include "app/main_form.h"
+#include "app/main_menus.h"
 #include "platform/qt/qt_platform.h"
 #include "sample_level.h"
 
+#include <QAction>
 #include <QString>
 #include <QTemporaryDir>
 
@@ -65,6 +69,38 @@ struct SampleFolder {
     }
     QString gameDir() const { return QString::fromStdString(dir.string()); }
     QString file(const char* name) const { return QString::fromStdString((dir / name).string()); }
+};
+
+// A main window with its own platform and settings, working in the sample folder. The window is
+// not shown yet: each test shows it as it needs (at a size, as the active window).
+struct WindowHarness {
+    SampleFolder sample;
+    ScriptedQtPlatform platform{sample.settingsFile};
+    std::unique_ptr<MainForm> form;
+
+    explicit WindowHarness(AppOptions options = {}) {
+        options.workDir = sample.work;
+        form = std::make_unique<MainForm>(options, platform);
+    }
+    // A menu entry by its control name, else another action of the window by its object name.
+    QAction* action(const char* name) const {
+        if (QAction* a = form->menus().action(name)) return a;
+        return form->findChild<QAction*>(name);
+    }
+    bool enabled(const char* control) const { return form->commandEnabled(control); }
+    StyleSession& session() const { return form->session(); }
+    void open(const char* file = "STYLE001.G24", int option = kLoadSprites) {
+        form->openStyle(sample.file(file), option);
+    }
+    // The first sprite of a page (that has a car record, when asked).
+    const SpriteRec* firstSprite(int page, bool car = false) const {
+        StyleSession& s = session();
+        for (int sib = 1; sib <= s.sprites.pageCount(page); ++sib) {
+            const SpriteRec& r = s.sprites.pageSprites[page][sib];
+            if (!car || s.cars.find(r.ASN)) return &r;
+        }
+        return nullptr;
+    }
 };
 
 } // namespace torquil::testing

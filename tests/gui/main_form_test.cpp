@@ -12,6 +12,8 @@
 #include "app/main_menus.h"
 #include "app/main_tool_bar.h"
 #include "app/page_board.h"
+#include "app/picture_file_choice.h"
+#include "exchange/png_codec.h"
 #include "style_builder.h"
 
 #include <QAction>
@@ -540,17 +542,31 @@ void MainFormTest::deltaSetCommandsViewExportAndImport() {
     QVERIFY(view->windowTitle().startsWith("Deltas (with car)"));
     view->close();
 
-    // Export clean to the file the dialog gives; the suggestion is named after the car.
-    const auto file = h.sample.work / "set.png";
-    QString suggested;
-    h.form->askDeltaSetFile = [&](bool, const QString& name) {
+    // Export clean through the dialog: BMP is offered first, then PNG when the build has it; the
+    // name is typed without an extension and the PNG filter chosen. The suggestion is named
+    // after the car.
+    const bool png = pngSupported();
+    const auto typed = h.sample.work / "set";
+    const auto file = h.sample.work / (png ? "set.png" : "set.bmp");
+    QString suggested, offered;
+    h.form->askDeltaSetFile = [&](bool forSaving, const QString& name, const QString& filters) {
         suggested = name;
-        return QString::fromStdString(file.string());
+        offered = filters;
+        return forSaving ? PictureFileAnswer{QString::fromStdString(typed.string()), kPngFilter}
+                         : PictureFileAnswer{QString::fromStdString(file.string()), kBitmapFilter};
     };
+    std::vector<std::vector<RunLine>> runsBefore;
+    for (const DeltaRec& d : s.deltas.myDeltas) runsBefore.push_back(d.runLine);
+    const std::vector<std::uint8_t> pagesBefore(s.pages.gPixels.data(),
+                                                s.pages.gPixels.data() + s.pages.gPixels.size());
     h.action("mnuExportDeltas1")->trigger();
     QVERIFY(suggested.endsWith("_deltas_clean.bmp"));
+    QCOMPARE(offered, png ? QString("Bitmap (*.bmp);;PNG (*.png)") : QString("Bitmap (*.bmp)"));
     QVERIFY(std::filesystem::exists(file));
     QCOMPARE(h.platform.texts().back(), "Delta set exported to:\r" + file.string());
+    const auto written = readFile(file);
+    QVERIFY(written.size() > 8);
+    QCOMPARE(written[1] == 'P' && written[2] == 'N' && written[3] == 'G', png);
 
     // Import it back as a clean set (Yes): nothing differs, but the deltas are marked for saving.
     QVERIFY(!h.enabled("mnuSaveBlock"));
@@ -558,6 +574,16 @@ void MainFormTest::deltaSetCommandsViewExportAndImport() {
     h.action("mnuImportDeltas")->trigger();
     QVERIFY(s.style.gDeltasChanged);
     QVERIFY(h.enabled("mnuSaveBlock"));
+    for (std::size_t i = 0; i < runsBefore.size(); ++i)
+        QVERIFY2(s.deltas.myDeltas[i].runLine == runsBefore[i], qPrintable(QString::number(i)));
+    QVERIFY(std::equal(pagesBefore.begin(), pagesBefore.end(), s.pages.gPixels.data()));
+
+    // The typed extension decides; without one, the chosen filter does.
+    QCOMPARE(pictureFileToWrite("a.BMP", kPngFilter), QString("a.BMP"));
+    QCOMPARE(pictureFileToWrite("a.png", kBitmapFilter), QString("a.png"));
+    QCOMPARE(pictureFileToWrite("a.txt", kBitmapFilter), QString("a.txt.bmp"));
+    QCOMPARE(pictureFileToWrite("a", kPngFilter), png ? QString("a.png") : QString("a.bmp"));
+    QCOMPARE(pictureFileToWrite("", kPngFilter), QString());
     // Cancel at the clean-or-dirty question changes nothing.
     s.style.gDeltasChanged = false;
     h.platform.answers = {Answer::Cancel};

@@ -6,10 +6,16 @@
 #include "base/version.h"
 #include "base/work_dir.h"
 
+#include <QDir>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
+
+#include <filesystem>
+#include <fstream>
 
 #include <sstream>
 
@@ -21,6 +27,7 @@ private slots:
     void commandLineNamesTheStyleAndTheHiddenOptions();
     void splashClosesByTimerKeyOrButton();
     void helpAndVersionAnswerWithoutAWindow();
+    void installedProgramWorksInTheUsersDataFolder();
 };
 
 void StartupTest::commandLineNamesTheStyleAndTheHiddenOptions() {
@@ -83,6 +90,42 @@ void StartupTest::helpAndVersionAnswerWithoutAWindow() {
     std::ostringstream none;
     QVERIFY(!torquil::answerInfoOptions({"--zoom", "2", "STYLE001.G24"}, none).has_value());
     QVERIFY(none.str().empty());
+}
+
+void StartupTest::installedProgramWorksInTheUsersDataFolder() {
+#if !defined(Q_OS_LINUX)
+    QSKIP("the per-user data folder is moved through XDG_DATA_HOME");
+#endif
+    namespace fs = std::filesystem;
+    QTemporaryDir temp;
+    const fs::path root(temp.path().toStdString());
+    // The per-user data folder inside the test's folder.
+    const QByteArray oldDataHome = qgetenv("XDG_DATA_HOME");
+    qputenv("XDG_DATA_HOME", QByteArray::fromStdString((root / "data").string()));
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    QVERIFY(data.startsWith(QString::fromStdString((root / "data").string())));
+
+    // /usr/bin is writable for root, yet an installed program never works in it.
+    fs::create_directories(root / "usr" / "bin");
+    fs::create_directories(root / "usr" / "share");
+    const QString installed = QString::fromStdString((root / "usr" / "bin" / "torquil").string());
+    QVERIFY(!QDir(data).exists());
+    QCOMPARE(windowWorkDir({}, installed), fs::path(data.toStdString()));
+    QVERIFY(QDir(data).exists());
+    // --workdir wins.
+    QCOMPARE(windowWorkDir(QString::fromStdString((root / "w").string()), installed), root / "w");
+
+    // Run from its build folder, the program keeps working beside itself.
+    fs::create_directories(root / "build" / "src");
+    std::ofstream(root / "build" / "src" / "torquil") << "x";
+    QCOMPARE(
+        windowWorkDir({}, QString::fromStdString((root / "build" / "src" / "torquil").string())),
+        root / "build" / "src");
+
+    if (oldDataHome.isNull())
+        qunsetenv("XDG_DATA_HOME");
+    else
+        qputenv("XDG_DATA_HOME", oldDataHome);
 }
 
 QTEST_MAIN(StartupTest)

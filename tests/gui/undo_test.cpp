@@ -23,37 +23,15 @@
 
 using namespace torquil;
 using torquil::testing::readFile;
-using torquil::testing::SampleFolder;
-using torquil::testing::ScriptedQtPlatform;
+using torquil::testing::WindowHarness;
 
 namespace {
 
-struct Harness {
-    SampleFolder sample;
-    ScriptedQtPlatform platform{sample.settingsFile};
-    std::unique_ptr<MainForm> form;
-
+struct Harness : WindowHarness {
     Harness() {
-        AppOptions options;
-        options.workDir = sample.work;
-        form = std::make_unique<MainForm>(options, platform);
         form->show();
         form->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(form.get()));
-    }
-    QAction* action(const char* name) const { return form->menus().action(name); }
-    bool enabled(const char* control) const { return form->commandEnabled(control); }
-    StyleSession& session() const { return form->session(); }
-    void open(const char* file, int option = kLoadSprites) {
-        form->openStyle(sample.file(file), option);
-    }
-    const SpriteRec* firstSprite(int page, bool car = false) const {
-        StyleSession& s = session();
-        for (int sib = 1; sib <= s.sprites.pageCount(page); ++sib) {
-            const SpriteRec& r = s.sprites.pageSprites[page][sib];
-            if (!car || s.cars.find(r.ASN)) return &r;
-        }
-        return nullptr;
     }
     QPoint windowPoint(const SpriteRec& r) const {
         PageBoard* board = form->board();
