@@ -11,11 +11,10 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QDir>
 #include <QFileInfo>
+#include <QIcon>
 #include <QImage>
 #include <QPixmap>
-#include <QStandardPaths>
 #include <QTimer>
 
 #include <algorithm>
@@ -24,6 +23,11 @@
 #include <iostream>
 #include <string>
 #include <vector>
+
+// The icon lives in the application library: it has to be brought in by name.
+static void initIconResource() {
+    Q_INIT_RESOURCE(icon);
+}
 
 namespace torquil {
 
@@ -54,13 +58,8 @@ StartupArgs parseStartupArgs(const QStringList& arguments) {
 
 std::filesystem::path windowWorkDir(const QString& workDirArg, const QString& executable) {
     if (!workDirArg.isEmpty()) return std::filesystem::absolute(workDirArg.toStdString());
-    const std::filesystem::path program(executable.toStdString());
-    if (isInstalledProgramFolder(program.parent_path())) {
-        const QString data = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
-        if (!data.isEmpty() && QDir().mkpath(data))
-            return std::filesystem::path(data.toStdString());
-    }
-    return defaultWorkDir(program);
+    // The same folder as torquil-cli's, so exported pictures and dumps are found by both.
+    return defaultWorkDir(std::filesystem::path(executable.toStdString()));
 }
 
 namespace {
@@ -86,6 +85,8 @@ int runTorquil(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Torquil"));
     QApplication::setApplicationName(QStringLiteral("Torquil"));
+    initIconResource();
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/torquil/torquil.png")));
     QApplication::setApplicationVersion(QString::fromLatin1(kVersion));
 
     std::vector<std::string> raw;
