@@ -351,7 +351,7 @@ TEST_F(CarPackFixture, PackWithoutTrailerAppliesOnceAndIsThenRefusedByItsContent
     auto bytes = tb::readFile(pack);
     bytes.resize(bytes.size() - kGc3TrailerSize);
     tb::writeFile(pack, bytes);
-    fs::copy_file(style.string() + ".bak", style, fs::copy_options::overwrite_existing);
+    tb::writeFile(style, tb::readFile(style.string() + ".bak"));
 
     BackupRegistry fresh;
     EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh),

@@ -110,6 +110,15 @@ void change(StyleSession& s, Change what) {
     }
 }
 
+// A pack made from `level` and a copy of it with both files changed; true when written.
+bool writeChangedPack(const Level& level, const Level& changed, const fs::path& pack) {
+    tb::FakePlatform p;
+    auto s = changed.load(p);
+    change(*s, Change::Both);
+    if (saveChanges(*s, p).result != SaveResult::Saved) return false;
+    return writeGC3(changed.style, level.style, changed.fxt, level.fxt, pack, p);
+}
+
 struct SaveCase {
     Change what;
     const char* name;
@@ -209,15 +218,9 @@ TEST(FaultedCommands, Txt2FxtAndGc3ApplyLeaveEachFileOldOrNew) {
     const Level level(dir / "level");
     // A pack that renames a car in both files.
     const Level changed(dir / "changed");
-    {
-        tb::FakePlatform p;
-        auto s = changed.load(p);
-        change(*s, Change::Both);
-        ASSERT_EQ(saveChanges(*s, p).result, SaveResult::Saved);
-    }
     const fs::path pack = dir / "CARS.GC3";
+    ASSERT_TRUE(writeChangedPack(level, changed, pack));
     tb::FakePlatform p;
-    ASSERT_TRUE(writeGC3(changed.style, level.style, changed.fxt, level.fxt, pack, p));
     const auto packedStyle = tb::readFile(changed.style), packedFxt = tb::readFile(changed.fxt);
 
     const fs::path txt = dir / "names.txt";
@@ -427,15 +430,9 @@ TEST(SafeSave, TwoLevelsSavedAtOnceKeepTheirOwnTexts) {
 TEST(SafeGc3, PackChecksTheFilesItWasMadeAgainstAndKnowsWhenItIsApplied) {
     tb::TempDir dir;
     const Level level(dir / "level"), changed(dir / "changed");
-    {
-        tb::FakePlatform p;
-        auto s = changed.load(p);
-        change(*s, Change::Both);
-        ASSERT_EQ(saveChanges(*s, p).result, SaveResult::Saved);
-    }
     const fs::path pack = dir / "CARS.GC3";
+    ASSERT_TRUE(writeChangedPack(level, changed, pack));
     tb::FakePlatform p;
-    ASSERT_TRUE(writeGC3(changed.style, level.style, changed.fxt, level.fxt, pack, p));
 
     // Files that differ from the pack's originals (one text line changed) are refused.
     auto otherFxt = tb::sampleFxtEntries();
