@@ -30,36 +30,15 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct Harness {
-    SampleFolder sample;
-    ScriptedQtPlatform platform{sample.settingsFile};
-    std::unique_ptr<MainForm> form;
+struct Harness : torquil::testing::WindowHarness {
     fs::path style = sample.dir / "STYLE001.G24";
     fs::path fxt = sample.dir / "ENGLISH.FXT";
     fs::path pack = sample.dir / "MINE.GC3";
     QStringList previewLines; // of the last preview shown
     QString previewHeadline;
 
-    Harness() {
-        AppOptions options;
-        options.workDir = sample.work;
-        form = std::make_unique<MainForm>(options, platform);
-        form->show();
-    }
-    QAction* action(const char* name) const { return form->menus().action(name); }
+    Harness() { form->show(); }
 
-    void open(const char* file) {
-        const QString dir = sample.gameDir();
-        form->runDialog = [dir, file](QDialog& dialog) {
-            auto* load = qobject_cast<LoadForm*>(&dialog);
-            if (!load) return int(QDialog::Rejected);
-            load->setDirectory(dir);
-            load->selectFile(QString::fromLatin1(file));
-            load->confirm();
-            return load->result();
-        };
-        action("mnuOpen")->trigger();
-    }
     const SpriteRec* firstCarSprite() {
         StyleSession& s = form->session();
         for (int page = 0; page <= s.pages.gNumBlockLoaded; ++page)
@@ -67,12 +46,6 @@ struct Harness {
                 if (s.cars.find(s.sprites.pageSprites[page][sib].ASN))
                     return &s.sprites.pageSprites[page][sib];
         return nullptr;
-    }
-    void select(const SpriteRec& r) {
-        PageBoard* board = form->board();
-        board->showPage(r.page);
-        QTest::mouseClick(board->viewport(), Qt::LeftButton, {},
-                          board->viewportPoint(r.page, r.xo + r.W / 2, r.yo + r.H / 2));
     }
     // Keeps what a preview window lists and answers it.
     int answerPreview(QDialog& dialog, bool apply) {
@@ -121,12 +94,12 @@ void CarPackTest::editedLevelRoundTripsThroughBuildAndApply() {
     Harness h;
     const auto originalStyle = readFile(h.style);
     const auto originalFxt = readFile(h.fxt);
-    h.open("STYLE001.G24");
+    h.openThroughDialog("STYLE001.G24");
     QVERIFY(h.form->commandEnabled("mnuBuildGC3") && h.form->commandEnabled("loadgc3"));
     const SpriteRec* car = h.firstCarSprite();
     QVERIFY(car);
     const SpriteRec r = *car;
-    h.select(r);
+    h.click(r);
 
     // The car's width and name in the editor, its picture through export and import.
     h.form->runDialog = [](QDialog& dialog) {
@@ -178,9 +151,9 @@ void CarPackTest::editedLevelRoundTripsThroughBuildAndApply() {
                                     " (Packed Car): 4 pixels"));
 
     // Another modder's untouched level gets the pack.
-    fs::copy_file(h.style.string() + ".bak", h.style, fs::copy_options::overwrite_existing);
-    fs::copy_file(h.fxt.string() + ".bak", h.fxt, fs::copy_options::overwrite_existing);
-    h.open("STYLE001.G24");
+    torquil::testing::writeFile(h.style, readFile(h.style.string() + ".bak"));
+    torquil::testing::writeFile(h.fxt, readFile(h.fxt.string() + ".bak"));
+    h.openThroughDialog("STYLE001.G24");
     h.platform.shown.clear();
     h.applyThroughDialog(h.pack);
     QVERIFY2(h.platform.shown.empty(),
@@ -218,7 +191,7 @@ void CarPackTest::packsThatDoNotBelongAreRefused() {
     QVERIFY(writeGC3(changed / "STYLE001.G24", h.style, h.fxt, h.fxt, h.pack, h.platform));
     const auto gry = readFile(h.sample.dir / "STYLE002.GRY");
 
-    h.open("STYLE002.GRY");
+    h.openThroughDialog("STYLE002.GRY");
     h.platform.shown.clear();
     h.applyThroughDialog(h.pack);
     QVERIFY(h.saw("is for level 1 (Port Alder), but STYLE002.GRY is level 2 (Sierra Bay)"));
@@ -229,7 +202,7 @@ void CarPackTest::packsThatDoNotBelongAreRefused() {
     auto packBytes = readFile(h.pack);
     torquil::testing::putI32(packBytes, kGc3HeaderSize + 4, 1 << 30); // the first run's length
     torquil::testing::writeFile(damaged, packBytes);
-    h.open("STYLE001.G24");
+    h.openThroughDialog("STYLE001.G24");
     const auto style = readFile(h.style);
     h.applyThroughDialog(damaged);
     QCOMPARE(h.platform.texts().back(), std::string("Error reading GC3 file."));
@@ -263,7 +236,7 @@ void CarPackTest::packsThatDoNotBelongAreRefused() {
 
 void CarPackTest::withoutBakCopiesTheOriginalsMustBeChosen() {
     Harness h;
-    h.open("STYLE001.G24");
+    h.openThroughDialog("STYLE001.G24");
     h.platform.shown.clear();
     bool accepted = true;
     BuildCarPackForm::Paths defaults;
@@ -290,7 +263,7 @@ void CarPackTest::screenshots() {
     const QByteArray target = qgetenv("TORQUIL_SCREENSHOT_DIR");
     if (target.isEmpty()) QSKIP("TORQUIL_SCREENSHOT_DIR not set");
     Harness h;
-    h.open("STYLE001.G24");
+    h.openThroughDialog("STYLE001.G24");
     const SpriteRec r = *h.firstCarSprite();
     StyleSession& s = h.form->session();
     CarInfo info = s.cars.find(r.ASN)->info;

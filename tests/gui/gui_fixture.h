@@ -3,14 +3,17 @@
 // recorded, a settings file of their own, the sample level in a temporary folder, and a main
 // window working on it.
 
+#include "app/load_form.h"
 #include "app/main_form.h"
 #include "app/main_menus.h"
+#include "app/page_board.h"
 #include "platform/qt/qt_platform.h"
 #include "sample_level.h"
 
 #include <QAction>
 #include <QString>
 #include <QTemporaryDir>
+#include <QtTest>
 
 #include <deque>
 #include <filesystem>
@@ -91,6 +94,31 @@ struct WindowHarness {
     StyleSession& session() const { return form->session(); }
     void open(const char* file = "STYLE001.G24", int option = kLoadSprites) {
         form->openStyle(sample.file(file), option);
+    }
+    // File > Open, the dialog worked as a user would: folder, file, option, OK.
+    void openThroughDialog(const char* file, int option = kLoadSprites) {
+        const QString dir = sample.gameDir();
+        form->runDialog = [dir, file, option](QDialog& dialog) {
+            auto* load = qobject_cast<LoadForm*>(&dialog);
+            if (!load) return int(QDialog::Rejected);
+            load->setDirectory(dir);
+            load->selectFile(QString::fromLatin1(file));
+            load->setLoadOption(option);
+            load->confirm();
+            return load->result();
+        };
+        action("mnuOpen")->trigger();
+    }
+    // A click on the middle of a sprite on the board.
+    void click(const SpriteRec& r) const {
+        PageBoard* board = form->board();
+        board->showPage(r.page);
+        QTest::mouseClick(board->viewport(), Qt::LeftButton, {},
+                          board->viewportPoint(r.page, r.xo + r.W / 2, r.yo + r.H / 2));
+    }
+    // The caption as the window shows it: Qt's "[*]" is "*" while there are unsaved changes.
+    QString title() const {
+        return form->windowTitle().replace("[*]", form->isWindowModified() ? "*" : "");
     }
     // The first sprite of a page (that has a car record, when asked).
     const SpriteRec* firstSprite(int page, bool car = false) const {

@@ -34,54 +34,15 @@ namespace {
 
 const char* kCaption24 = "Torquil: STYLE001.G24 (Port Alder 24bit) [Sprites]";
 
-// One window on the sample level with its own platform and settings.
-struct Harness {
-    SampleFolder sample;
-    ScriptedQtPlatform platform{sample.settingsFile};
-    std::unique_ptr<MainForm> form;
-
-    explicit Harness(bool debugMode = false) {
-        AppOptions options;
-        options.workDir = sample.work;
-        options.debugMode = debugMode;
-        form = std::make_unique<MainForm>(options, platform);
+// One window on the sample level with its own platform and settings, shown.
+struct Harness : torquil::testing::WindowHarness {
+    explicit Harness(bool debugMode = false) : WindowHarness(withDebugMode(debugMode)) {
         form->show();
     }
-    QAction* action(const char* name) const { return form->menus().action(name); }
-    // The caption as the window shows it: Qt's "[*]" is "*" while there are unsaved changes.
-    QString title() const {
-        return form->windowTitle().replace("[*]", form->isWindowModified() ? "*" : "");
-    }
-    bool enabled(const char* control) const { return form->commandEnabled(control); }
-
-    // File > Open, the dialog worked as a user would: folder, file, option, OK.
-    void openThroughDialog(const char* file, int option = kLoadSprites) {
-        const QString dir = sample.gameDir();
-        form->runDialog = [dir, file, option](QDialog& dialog) {
-            auto* load = qobject_cast<LoadForm*>(&dialog);
-            if (!load) return int(QDialog::Rejected);
-            load->setDirectory(dir);
-            load->selectFile(QString::fromLatin1(file));
-            load->setLoadOption(option);
-            load->confirm();
-            return load->result();
-        };
-        action("mnuOpen")->trigger();
-    }
-    // The first sprite of a page (that has a car record, when asked).
-    const SpriteRec* spriteOn(int page, bool car = false) {
-        StyleSession& s = form->session();
-        for (int sib = 1; sib <= s.sprites.pageCount(page); ++sib) {
-            const SpriteRec& r = s.sprites.pageSprites[page][sib];
-            if (!car || s.cars.find(r.ASN)) return &r;
-        }
-        return nullptr;
-    }
-    void click(int page, const SpriteRec& r) {
-        PageBoard* board = form->board();
-        board->showPage(page);
-        QTest::mouseClick(board->viewport(), Qt::LeftButton, {},
-                          board->viewportPoint(page, r.xo + r.W / 2, r.yo + r.H / 2));
+    static AppOptions withDebugMode(bool debugMode) {
+        AppOptions options;
+        options.debugMode = debugMode;
+        return options;
     }
 };
 
@@ -264,7 +225,7 @@ void MainFormTest::openingTheSampleThroughTheDialogSetsCaptionCommandsAndBoard()
     // The sprites are drawn in their colours, on the board as on the page image.
     PageBoard* board = h.form->board();
     QCOMPARE(board->pagesShown(), 4);
-    const SpriteRec* sprite = h.spriteOn(0);
+    const SpriteRec* sprite = h.firstSprite(0);
     QVERIFY(sprite);
     const QPoint at =
         board->viewportPoint(0, sprite->xo + sprite->W / 2, sprite->yo + sprite->H / 2);
@@ -340,9 +301,9 @@ void MainFormTest::clickingTheBoardSelectsAndFindCarScrollsToTheSprite() {
     Harness h;
     h.openThroughDialog("STYLE001.G24");
     StyleSession& s = h.form->session();
-    const SpriteRec* car = h.spriteOn(0, /*car=*/true);
+    const SpriteRec* car = h.firstSprite(0, /*car=*/true);
     QVERIFY(car);
-    h.click(0, *car);
+    h.click(*car);
     QCOMPARE(s.selection.page, 0);
     QVERIFY(s.selectedSprite() && s.selectedSprite()->ASN == car->ASN);
     QVERIFY(h.enabled("mnuEditCar") && h.enabled("carinfo"));
@@ -363,9 +324,9 @@ void MainFormTest::clickingTheBoardSelectsAndFindCarScrollsToTheSprite() {
              qPrintable(over));
 
     // A sprite without a car record: sprite commands yes, car editor no.
-    const SpriteRec* plain = h.spriteOn(2);
+    const SpriteRec* plain = h.firstSprite(2);
     QVERIFY(plain && !s.cars.find(plain->ASN));
-    h.click(2, *plain);
+    h.click(*plain);
     QCOMPARE(s.selection.page, 2);
     QVERIFY(h.enabled("mnuExportSprite") && !h.enabled("mnuEditCar"));
 
@@ -394,10 +355,10 @@ void MainFormTest::clickingTheBoardSelectsAndFindCarScrollsToTheSprite() {
 void MainFormTest::importedSpriteIsSavedIntoTheStyleFile() {
     Harness h;
     h.openThroughDialog("STYLE001.G24");
-    const SpriteRec* sprite = h.spriteOn(2);
+    const SpriteRec* sprite = h.firstSprite(2);
     QVERIFY(sprite);
     const SpriteRec r = *sprite;
-    h.click(2, r);
+    h.click(r);
     h.form->runKey("exportsprite");
     const std::string shown = h.platform.texts().back();
     QVERIFY(shown.rfind("Sprite exported to:\r", 0) == 0);
@@ -430,10 +391,10 @@ void MainFormTest::importedSpriteIsSavedIntoTheStyleFile() {
 void MainFormTest::carEditorChangesEnableSaveAndReachTheFile() {
     Harness h;
     h.openThroughDialog("STYLE001.G24");
-    const SpriteRec* car = h.spriteOn(0, true);
+    const SpriteRec* car = h.firstSprite(0, true);
     QVERIFY(car);
     const int asn = car->ASN;
-    h.click(0, *car);
+    h.click(*car);
     const std::int32_t record = h.form->session().cars.find(asn)->fileSeek;
     h.form->runDialog = [](QDialog& dialog) {
         auto* form = qobject_cast<CarInfoForm*>(&dialog);
@@ -486,10 +447,10 @@ void MainFormTest::saveQuestionGuardsOpenAndClose() {
 void MainFormTest::transparencyCommandsShowTheMaskAndFix() {
     Harness h;
     h.openThroughDialog("STYLE001.G24");
-    const SpriteRec* car = h.spriteOn(0, true);
+    const SpriteRec* car = h.firstSprite(0, true);
     QVERIFY(car);
     const SpriteRec r = *car;
-    h.click(0, r);
+    h.click(r);
     h.action("mnuTranspCheck")->trigger();
     QWidget* mask = h.form->findChild<QWidget*>("DeltaPicFrm");
     QVERIFY(mask && mask->isVisible());
@@ -510,7 +471,7 @@ void MainFormTest::transparencyCommandsShowTheMaskAndFix() {
     h.openThroughDialog("STYLE002.GRY");
     QCOMPARE(h.platform.texts().back(), std::string("Save your changes?"));
     QVERIFY(!h.form->session().style.gIs24Bit);
-    h.click(0, *h.spriteOn(0));
+    h.click(*h.firstSprite(0));
     h.action("mnuTranspCorrect")->trigger();
     QCOMPARE(h.platform.texts().back(),
              std::string("Sorry , Transparency Correction not supported on 8bit style files."));
@@ -528,7 +489,7 @@ void MainFormTest::deltaSetCommandsViewExportAndImport() {
     const SpriteRec r = *car;
     for (const char* control : {"mnuViewDeltas0", "mnuExportDeltas1", "importdeltas"})
         QVERIFY2(!h.enabled(control), control); // nothing selected yet
-    h.click(0, r);
+    h.click(r);
     for (const char* control :
          {"mnuExportDeltas0", "mnuExportDeltas1", "mnuImportDeltas", "mnuViewDeltas0",
           "mnuViewDeltas1", "exportdeltasdirty", "exportdeltasclean", "importdeltas"})
