@@ -1,5 +1,6 @@
 #include "app/main_form.h"
 
+#include "app/car_list_dock.h"
 #include "app/details_form.h"
 #include "app/main_menus.h"
 #include "app/main_tool_bar.h"
@@ -59,6 +60,9 @@ MainForm::MainForm(AppOptions options, QtPlatform& platform, QWidget* parent)
 MainForm::~MainForm() {
     platform_.qtDesktop().onRefreshBoard = nullptr;
     platform_.qtDesktop().onShowHelp = nullptr;
+    // Child widgets outlive this body (QWidget deletes them later) but the session does not: the
+    // car list's model, which reads the session at any layout pass, lets go of it now.
+    if (carList_) carList_->setSession(nullptr);
 }
 
 void MainForm::buildWindow() {
