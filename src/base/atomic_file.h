@@ -38,7 +38,8 @@ ReplaceFailure replaceFileAtomically(const std::filesystem::path& target,
                                      std::span<const std::uint8_t> bytes);
 
 // Copies the whole of `source` to `target` through a replace, so `target` never exists half
-// written. The cause is "no such file or directory" when `source` cannot be read.
+// written. The cause is "no such file or directory" when `source` is missing, an input/output
+// error when it cannot be read.
 ReplaceFailure copyFileAtomically(const std::filesystem::path& source,
                                   const std::filesystem::path& target);
 
