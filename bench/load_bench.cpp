@@ -4,6 +4,7 @@
 
 #include "base/binary_file.h"
 #include "fake_platform.h"
+#include "floor.h"
 #include "sample_level.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
@@ -74,15 +75,11 @@ BENCHMARK(BM_FullLoad)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
 // The floor: the file's bytes into memory, and every page pixel through one colour table.
 void BM_Floor(benchmark::State& state) {
-    std::array<std::uint32_t, 256> table{};
-    for (std::uint32_t v = 0; v < 256; ++v) table[v] = v * 0x010101u;
-    std::vector<std::uint32_t> image(static_cast<std::size_t>(kMaxPages) * kPageBytes);
+    bench::FloorPainter floor;
     for (auto _ : state) {
         std::vector<std::uint8_t> bytes;
-        if (!readWholeFile(level().style, bytes)) state.SkipWithError("cannot read the level");
-        const std::size_t pixels = std::min(bytes.size(), image.size());
-        for (std::size_t i = 0; i < pixels; ++i) image[i] = table[bytes[i]];
-        benchmark::DoNotOptimize(image.data());
+        if (!floor.readAndPaint(level().style, bytes)) state.SkipWithError("cannot read the level");
+        benchmark::DoNotOptimize(floor.image());
     }
     state.SetBytesProcessed(state.iterations() *
                             static_cast<std::int64_t>(std::filesystem::file_size(level().style)));

@@ -6,6 +6,7 @@
 #include "base/atomic_file.h"
 #include "base/binary_file.h"
 #include "fake_platform.h"
+#include "floor.h"
 #include "sample_level.h"
 #include "session/file_backups.h"
 #include "session/load_sequence.h"
@@ -79,16 +80,12 @@ BENCHMARK(BM_FullSave)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 // The floor: the file read, every page pixel through one colour table, the file written whole
 // beside itself, flushed to the disk and renamed over the old one.
 void BM_SaveFloor(benchmark::State& state) {
-    std::array<std::uint32_t, 256> table{};
-    for (std::uint32_t v = 0; v < 256; ++v) table[v] = v * 0x010101u;
-    std::vector<std::uint32_t> image(static_cast<std::size_t>(kMaxPages) * kPageBytes);
+    bench::FloorPainter floor;
     const fs::path copy = level().dir / "floor.G24";
     for (auto _ : state) {
         std::vector<std::uint8_t> bytes;
-        if (!readWholeFile(level().style, bytes)) state.SkipWithError("cannot read the level");
-        const std::size_t pixels = std::min(bytes.size(), image.size());
-        for (std::size_t i = 0; i < pixels; ++i) image[i] = table[bytes[i]];
-        benchmark::DoNotOptimize(image.data());
+        if (!floor.readAndPaint(level().style, bytes)) state.SkipWithError("cannot read the level");
+        benchmark::DoNotOptimize(floor.image());
         if (replaceFileAtomically(copy, bytes)) {
             state.SkipWithError("the copy could not be written");
             return;
