@@ -1,6 +1,7 @@
 #pragma once
 // torquil-cli: the core without windows. Every command is registered on one CLI11 app.
 
+#include "cli/run.h"
 #include "platform/console_platform.h"
 #include "session/edits.h"
 #include "session/load_sequence.h"
@@ -16,10 +17,6 @@
 #include <vector>
 
 namespace torquil::cli {
-
-inline constexpr int kExitOk = 0;
-inline constexpr int kExitFailed = 1;
-inline constexpr int kExitUsage = 2;
 
 // Shared by all commands: where output goes and the options every command knows.
 struct Context {
@@ -68,9 +65,5 @@ void registerTransparencyCommand(CLI::App& app, Context& ctx);
 void registerGc3Command(CLI::App& app, Context& ctx);
 void registerSoundCommand(CLI::App& app, Context& ctx);
 void registerDeltaCommands(CLI::App& app, Context& ctx);
-
-// Parses and runs a whole command line; returns the exit status.
-int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err);
-int run(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 
 } // namespace torquil::cli

@@ -1,4 +1,4 @@
-#include "cli/cli.h"
+#include "cli/run.h"
 #include "platform/console_setup.h"
 
 #include <iostream>

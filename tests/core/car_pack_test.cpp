@@ -14,6 +14,7 @@
 #include "session/edits.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
+#include "session/session_io.h"
 #include "session/save_sequence.h"
 #include "session/style_session.h"
 #include "sprites/sprite_info.h"

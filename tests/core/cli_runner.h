@@ -1,7 +1,7 @@
 #pragma once
 // torquil-cli run in-process, and small helpers to read what it printed.
 
-#include "cli/cli.h"
+#include "cli/run.h"
 
 #include <sstream>
 #include <string>

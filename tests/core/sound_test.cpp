@@ -3,6 +3,7 @@
 
 #include "base/binary_file.h"
 #include "cli_runner.h"
+#include "platform/console_platform.h"
 #include "fake_platform.h"
 #include "session/load_sequence.h"
 #include "session/session_io.h"
