@@ -1,13 +1,12 @@
 #pragma once
-// torquil-cli: the core without windows. Every command is registered on one CLI11 app.
+// torquil-cli: the core without windows. Every command registers itself on one command line.
 
+#include "cli/command.h"
 #include "cli/run.h"
 #include "platform/console_platform.h"
 #include "session/edits.h"
 #include "session/load_sequence.h"
 #include "session/session_io.h"
-
-#include <CLI/CLI.hpp>
 
 #include <filesystem>
 #include <functional>
@@ -31,16 +30,16 @@ struct CommonOptions {
     bool debug = false;
     std::string answer; // yes|no|cancel|ok
     std::string workdir;
-    std::string dumps;         // comma list: carinfo,spriteinfo,clut,delta
-    void addTo(CLI::App& cmd); // adds -d, --answer, --workdir (and --dump when wanted)
-    void addDumpOption(CLI::App& cmd);
+    std::string dumps;        // comma list: carinfo,spriteinfo,clut,delta
+    void addTo(Command& cmd); // adds -d, --answer, --workdir (and --dump when wanted)
+    void addDumpOption(Command& cmd);
 };
 
 // A file named on the command line (UTF-8 text) as a path, in every script.
 std::filesystem::path argumentPath(const std::string& utf8);
 
 // Builds the session options (debug mode, work directory, dump flags) from the common options;
-// throws CLI::ValidationError for an unknown dump kind.
+// throws UsageError for an unknown dump kind.
 AppOptions makeAppOptions(const Context& ctx, const CommonOptions& common);
 // A console platform set up with the --answer given.
 std::unique_ptr<ConsolePlatform> makePlatform(const Context& ctx, const CommonOptions& common);
@@ -52,18 +51,18 @@ std::unique_ptr<StyleSession> loadStyle(Context& ctx, ConsolePlatform& platform,
                                         int loadOption);
 
 // Each command file provides one of these; cli_app.cpp calls them all.
-void registerOpenCommand(CLI::App& app, Context& ctx);
-void registerSpriteCommand(CLI::App& app, Context& ctx);
-void registerSaveTestCommand(CLI::App& app, Context& ctx);
-void registerCarCommand(CLI::App& app, Context& ctx);
-void registerCarsCommand(CLI::App& app, Context& ctx);
-void registerCarSetCommand(CLI::App& app, Context& ctx);
-void registerFxtCommands(CLI::App& app, Context& ctx);
-void registerExportSpriteCommand(CLI::App& app, Context& ctx);
-void registerImportSpriteCommand(CLI::App& app, Context& ctx);
-void registerTransparencyCommand(CLI::App& app, Context& ctx);
-void registerGc3Command(CLI::App& app, Context& ctx);
-void registerSoundCommand(CLI::App& app, Context& ctx);
-void registerDeltaCommands(CLI::App& app, Context& ctx);
+void registerOpenCommand(Command& app, Context& ctx);
+void registerSpriteCommand(Command& app, Context& ctx);
+void registerSaveTestCommand(Command& app, Context& ctx);
+void registerCarCommand(Command& app, Context& ctx);
+void registerCarsCommand(Command& app, Context& ctx);
+void registerCarSetCommand(Command& app, Context& ctx);
+void registerFxtCommands(Command& app, Context& ctx);
+void registerExportSpriteCommand(Command& app, Context& ctx);
+void registerImportSpriteCommand(Command& app, Context& ctx);
+void registerTransparencyCommand(Command& app, Context& ctx);
+void registerGc3Command(Command& app, Context& ctx);
+void registerSoundCommand(Command& app, Context& ctx);
+void registerDeltaCommands(Command& app, Context& ctx);
 
 } // namespace torquil::cli

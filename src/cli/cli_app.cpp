@@ -12,18 +12,19 @@
 
 namespace torquil::cli {
 
-void CommonOptions::addTo(CLI::App& cmd) {
-    cmd.add_flag("-d,--debug", debug, "Debug mode: a run-time error stops the command");
-    cmd.add_option("--answer", answer,
-                   "Answer to every question (default: the answer that changes nothing)")
-        ->check(CLI::IsMember({"yes", "no", "cancel", "ok"}));
-    cmd.add_option("--workdir", workdir,
-                   "The program's directory (temporary files, dump files, exported BMPs)");
+void CommonOptions::addTo(Command& cmd) {
+    cmd.addFlag("-d,--debug", debug, "Debug mode: a run-time error stops the command");
+    cmd.addOption("--answer", answer,
+                  "Answer to every question (default: the answer that changes nothing)")
+        ->oneOf({"yes", "no", "cancel", "ok"});
+    cmd.addOption("--workdir", workdir,
+                  "The program's directory (temporary files, dump files, exported BMPs)")
+        ->path();
 }
 
-void CommonOptions::addDumpOption(CLI::App& cmd) {
-    cmd.add_option("--dump", dumps,
-                   "Comma list of dump files to write: carinfo, spriteinfo, clut, delta");
+void CommonOptions::addDumpOption(Command& cmd) {
+    cmd.addOption("--dump", dumps,
+                  "Comma list of dump files to write: carinfo, spriteinfo, clut, delta");
 }
 
 std::filesystem::path argumentPath(const std::string& utf8) {
@@ -50,7 +51,7 @@ AppOptions makeAppOptions(const Context& ctx, const CommonOptions& common) {
         else if (kind == "delta")
             options.dumps.delta = true;
         else if (!kind.empty())
-            throw CLI::ValidationError("--dump", "unknown dump kind: " + kind);
+            throw UsageError("--dump", "unknown dump kind: " + kind);
     }
     return options;
 }
@@ -84,9 +85,10 @@ int run(const std::vector<std::string>& args, std::ostream& out, std::ostream& e
 int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
     Context ctx{out, err, argc > 0 ? pathFromUtf8(argv[0]) : std::filesystem::path{}};
     setLockProgramName("torquil-cli");
-    CLI::App app{"torquil-cli: the Torquil style file editor for scripts"};
-    app.set_version_flag("--version", std::string("torquil-cli ") + kVersion);
-    app.require_subcommand(1);
+    CommandLine commandLine("torquil-cli: the Torquil style file editor for scripts",
+                            std::string("torquil-cli ") + kVersion);
+    Command& app = commandLine.root();
+    app.requireSubcommand();
     registerOpenCommand(app, ctx);
     registerSpriteCommand(app, ctx);
     registerSaveTestCommand(app, ctx);
@@ -101,12 +103,8 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
     registerSoundCommand(app, ctx);
     registerDeltaCommands(app, ctx);
     try {
-        app.parse(argc, argv);
-    } catch (const CLI::Success& e) {
-        return app.exit(e, out, err);
-    } catch (const CLI::ParseError& e) {
-        app.exit(e, out, err);
-        return kExitUsage;
+        int status = kExitOk;
+        if (!commandLine.parseAndRun(argc, argv, out, err, kExitUsage, status)) return status;
     } catch (const RuntimeError& e) {
         // Debug mode: the error stopped the command; it is reported here, at the top.
         err << "message: " << e.what() << '\n';

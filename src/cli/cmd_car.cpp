@@ -8,21 +8,21 @@
 
 namespace torquil::cli {
 
-void registerCarCommand(CLI::App& app, Context& ctx) {
+void registerCarCommand(Command& app, Context& ctx) {
     struct Args {
         CommonOptions common;
         std::string style;
         int asn = 0;
     };
     auto args = std::make_shared<Args>();
-    CLI::App* cmd = app.add_subcommand(
+    Command* cmd = app.addSubcommand(
         "car", "Print the car info record of the car with absolute sprite number ASN.\n"
                "Standard output: the record dump of the details window, one field per line.\n"
                "Exit status: 0 printed, 1 no car there or load failed, 2 usage error.");
     args->common.addTo(*cmd);
-    cmd->add_option("STYLE", args->style, "The style file (.G24 or .GRY)")->required();
-    cmd->add_option("ASN", args->asn, "Absolute sprite number of the car")->required();
-    cmd->callback([args, &ctx] {
+    cmd->addOption("STYLE", args->style, "The style file (.G24 or .GRY)")->path()->required();
+    cmd->addOption("ASN", args->asn, "Absolute sprite number of the car")->required();
+    cmd->action([args, &ctx] {
         AppOptions options = makeAppOptions(ctx, args->common);
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);

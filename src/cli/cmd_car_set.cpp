@@ -98,7 +98,7 @@ void printChanges(std::ostream& out, const CarEntry& before, const CarEntry& aft
 
 } // namespace
 
-void registerCarSetCommand(CLI::App& app, Context& ctx) {
+void registerCarSetCommand(Command& app, Context& ctx) {
     struct Args {
         CommonOptions common;
         std::string style;
@@ -106,7 +106,7 @@ void registerCarSetCommand(CLI::App& app, Context& ctx) {
         std::vector<std::string> assignments;
     };
     auto args = std::make_shared<Args>();
-    CLI::App* cmd = app.add_subcommand(
+    Command* cmd = app.addSubcommand(
         "car-set",
         "Change fields of the car with absolute sprite number ASN and save them into the style\n"
         "file (and ENGLISH.FXT for name=...), as the car info editor does.\n"
@@ -118,10 +118,10 @@ void registerCarSetCommand(CLI::App& app, Context& ctx) {
         "Exit status: 0 saved (or nothing to change), 1 no car there, load or save failed,\n"
         "2 usage error, unknown field or a value that is not a number (nothing written).");
     args->common.addTo(*cmd);
-    cmd->add_option("STYLE", args->style, "The style file (.G24 or .GRY)")->required();
-    cmd->add_option("ASN", args->asn, "Absolute sprite number of the car")->required();
-    cmd->add_option("FIELD=VALUE", args->assignments, "Fields to change")->required();
-    cmd->callback([args, &ctx] {
+    cmd->addOption("STYLE", args->style, "The style file (.G24 or .GRY)")->path()->required();
+    cmd->addOption("ASN", args->asn, "Absolute sprite number of the car")->required();
+    cmd->addOption("FIELD=VALUE", args->assignments, "Fields to change")->required();
+    cmd->action([args, &ctx] {
         std::vector<Assignment> assignments;
         if (!parseAssignments(args->assignments, assignments, ctx.err)) {
             ctx.exitCode = kExitUsage;

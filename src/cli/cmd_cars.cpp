@@ -98,14 +98,14 @@ nlohmann::ordered_json carJson(const Car& car) {
 
 } // namespace
 
-void registerCarsCommand(CLI::App& app, Context& ctx) {
+void registerCarsCommand(Command& app, Context& ctx) {
     struct Args {
         CommonOptions common;
         std::string style;
         std::string format = "text";
     };
     auto args = std::make_shared<Args>();
-    CLI::App* cmd = app.add_subcommand(
+    Command* cmd = app.addSubcommand(
         "cars",
         "List every loaded car with every field of its record, by the record's field names.\n"
         "16.16 fields are given as the editor shows them (three decimals), moment raw; arrays by\n"
@@ -113,10 +113,9 @@ void registerCarsCommand(CLI::App& app, Context& ctx) {
         "text: name=value lines, a blank line between cars; csv: one row per car; json: an array.\n"
         "Exit status: 0 listed, 1 load failed, 2 usage error.");
     args->common.addTo(*cmd);
-    cmd->add_option("STYLE", args->style, "The style file (.G24 or .GRY)")->required();
-    cmd->add_option("--format", args->format, "text, csv or json")
-        ->check(CLI::IsMember({"text", "csv", "json"}));
-    cmd->callback([args, &ctx] {
+    cmd->addOption("STYLE", args->style, "The style file (.G24 or .GRY)")->path()->required();
+    cmd->addOption("--format", args->format, "text, csv or json")->oneOf({"text", "csv", "json"});
+    cmd->action([args, &ctx] {
         AppOptions options = makeAppOptions(ctx, args->common);
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);

@@ -71,26 +71,26 @@ struct DeltaArgs {
     bool json = false, clean = false;
 };
 
-CLI::App* addStyleAndAsn(CLI::App& cmd, DeltaArgs& args) {
+Command* addStyleAndAsn(Command& cmd, DeltaArgs& args) {
     args.common.addTo(cmd);
-    cmd.add_option("STYLE", args.style, "The style file (.G24 or .GRY)")->required();
-    cmd.add_option("ASN", args.asn, "Absolute sprite number of the sprite (a car)")->required();
+    cmd.addOption("STYLE", args.style, "The style file (.G24 or .GRY)")->path()->required();
+    cmd.addOption("ASN", args.asn, "Absolute sprite number of the sprite (a car)")->required();
     return &cmd;
 }
 
 } // namespace
 
-void registerDeltaCommands(CLI::App& app, Context& ctx) {
+void registerDeltaCommands(Command& app, Context& ctx) {
     auto list = std::make_shared<DeltaArgs>();
-    CLI::App* deltas = app.add_subcommand(
+    Command* deltas = app.addSubcommand(
         "deltas",
         "List the deltas of the sprite with absolute number ASN: their count and, per delta, its\n"
         "index in the delta table, size, pointer, run count and the bounding box of its pixels\n"
         "(runs drawn as the game draws them).\n"
         "Exit status: 0 listed, 1 not found or load failed, 2 usage error.");
     addStyleAndAsn(*deltas, *list);
-    deltas->add_flag("--json", list->json, "One JSON object instead of text lines");
-    deltas->callback([list, &ctx] {
+    deltas->addFlag("--json", list->json, "One JSON object instead of text lines");
+    deltas->action([list, &ctx] {
         AppOptions options = makeAppOptions(ctx, list->common);
         auto platform = makePlatform(ctx, list->common);
         auto session = loadStyle(ctx, *platform, options, list->style, kLoadSprites);
@@ -105,7 +105,7 @@ void registerDeltaCommands(CLI::App& app, Context& ctx) {
     });
 
     auto exp = std::make_shared<DeltaArgs>();
-    CLI::App* exportCmd = app.add_subcommand(
+    Command* exportCmd = app.addSubcommand(
         "export-deltas",
         "Write the delta set of the sprite with absolute number ASN as one picture, frame i at\n"
         "x = i * width: dirty (each delta over the sprite) or with --clean (each delta on colour\n"
@@ -113,10 +113,10 @@ void registerDeltaCommands(CLI::App& app, Context& ctx) {
         "Standard output: the full path of the picture written.\n"
         "Exit status: 0 written, 1 no deltas, not found, load or write failed, 2 usage error.");
     addStyleAndAsn(*exportCmd, *exp);
-    exportCmd->add_flag("--clean", exp->clean, "Each delta alone on colour 0");
-    exportCmd->add_option("-o,--output", exp->output, "The picture to write (.bmp or .png)")
+    exportCmd->addFlag("--clean", exp->clean, "Each delta alone on colour 0");
+    exportCmd->addOption("-o,--output", exp->output, "The picture to write (.bmp or .png)")
         ->required();
-    exportCmd->callback([exp, &ctx] {
+    exportCmd->action([exp, &ctx] {
         AppOptions options = makeAppOptions(ctx, exp->common);
         auto platform = makePlatform(ctx, exp->common);
         auto session = loadStyle(ctx, *platform, options, exp->style, kLoadSprites);
@@ -132,7 +132,7 @@ void registerDeltaCommands(CLI::App& app, Context& ctx) {
     });
 
     auto imp = std::make_shared<DeltaArgs>();
-    CLI::App* importCmd = app.add_subcommand(
+    Command* importCmd = app.addSubcommand(
         "import-deltas",
         "Read a delta set picture (BMP, or PNG by the name; dirty, or with --clean clean) into "
         "the\n"
@@ -144,9 +144,11 @@ void registerDeltaCommands(CLI::App& app, Context& ctx) {
         "their number.\n"
         "Exit status: 0 imported and saved, 1 refused, cancelled or failed, 2 usage error.");
     addStyleAndAsn(*importCmd, *imp);
-    importCmd->add_option("FILE", imp->file, "The delta set picture (.bmp or .png)")->required();
-    importCmd->add_flag("--clean", imp->clean, "The picture is a clean set (deltas on colour 0)");
-    importCmd->callback([imp, &ctx] {
+    importCmd->addOption("FILE", imp->file, "The delta set picture (.bmp or .png)")
+        ->path()
+        ->required();
+    importCmd->addFlag("--clean", imp->clean, "The picture is a clean set (deltas on colour 0)");
+    importCmd->action([imp, &ctx] {
         AppOptions options = makeAppOptions(ctx, imp->common);
         auto platform = makePlatform(ctx, imp->common);
         auto session = loadStyle(ctx, *platform, options, imp->style, kLoadSprites);

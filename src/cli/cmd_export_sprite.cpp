@@ -11,7 +11,7 @@
 
 namespace torquil::cli {
 
-void registerExportSpriteCommand(CLI::App& app, Context& ctx) {
+void registerExportSpriteCommand(Command& app, Context& ctx) {
     struct Args {
         CommonOptions common;
         bool tiles = false;
@@ -19,7 +19,7 @@ void registerExportSpriteCommand(CLI::App& app, Context& ctx) {
         int asn = 0;
     };
     auto args = std::make_shared<Args>();
-    CLI::App* cmd = app.add_subcommand(
+    Command* cmd = app.addSubcommand(
         "export-sprite",
         "Write the sprite (or with --tiles the tile) with absolute number ASN as an 8-bit BMP\n"
         "with its colours, named as the editor names it (KRBSPR/CAR/KRBTIL + level + _ + number)\n"
@@ -27,12 +27,12 @@ void registerExportSpriteCommand(CLI::App& app, Context& ctx) {
         "Standard output: the full path of the BMP written.\n"
         "Exit status: 0 written, 1 not found, load or write failed, 2 usage error.");
     args->common.addTo(*cmd);
-    cmd->add_flag("--tiles", args->tiles, "Open the tile pages and export a tile");
-    cmd->add_option("-o,--output", args->output, "Write the BMP here instead");
-    cmd->add_option("STYLE", args->style, "The style file (.G24 or .GRY)")->required();
-    cmd->add_option("ASN", args->asn, "Absolute sprite number (tile number with --tiles)")
+    cmd->addFlag("--tiles", args->tiles, "Open the tile pages and export a tile");
+    cmd->addOption("-o,--output", args->output, "Write the BMP here instead");
+    cmd->addOption("STYLE", args->style, "The style file (.G24 or .GRY)")->path()->required();
+    cmd->addOption("ASN", args->asn, "Absolute sprite number (tile number with --tiles)")
         ->required();
-    cmd->callback([args, &ctx] {
+    cmd->action([args, &ctx] {
         AppOptions options = makeAppOptions(ctx, args->common);
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style,

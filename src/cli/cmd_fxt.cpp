@@ -11,20 +11,20 @@
 
 namespace torquil::cli {
 
-void registerFxtCommands(CLI::App& app, Context& ctx) {
+void registerFxtCommands(Command& app, Context& ctx) {
     struct Args {
         CommonOptions common;
         std::string from, to;
     };
     auto decode = std::make_shared<Args>();
-    CLI::App* fxt2txtCmd = app.add_subcommand(
+    Command* fxt2txtCmd = app.addSubcommand(
         "fxt2txt",
         "Decode a coded text file (ENGLISH.FXT) into a text file: the first eight bytes, then\n"
         "one entry per line ended by CR LF. Exit status: 0 written, 1 failed, 2 usage error.");
     decode->common.addTo(*fxt2txtCmd);
-    fxt2txtCmd->add_option("FXT", decode->from, "The coded text file")->required();
-    fxt2txtCmd->add_option("TXT", decode->to, "The text file to write")->required();
-    fxt2txtCmd->callback([decode, &ctx] {
+    fxt2txtCmd->addOption("FXT", decode->from, "The coded text file")->path()->required();
+    fxt2txtCmd->addOption("TXT", decode->to, "The text file to write")->path()->required();
+    fxt2txtCmd->action([decode, &ctx] {
         auto platform = makePlatform(ctx, decode->common);
         CarNames names;
         ctx.exitCode =
@@ -34,16 +34,16 @@ void registerFxtCommands(CLI::App& app, Context& ctx) {
     });
 
     auto encode = std::make_shared<Args>();
-    CLI::App* txt2fxtCmd = app.add_subcommand(
+    Command* txt2fxtCmd = app.addSubcommand(
         "txt2fxt",
         "Encode a text file (one entry per line) into a coded text file, replacing it; the file\n"
         "ends with the end marker the editor writes. The coded file it replaces is kept once as\n"
         "FXT.bak (an existing .bak is never overwritten). Exit status: 0 written, 1 failed,\n"
         "2 usage.");
     encode->common.addTo(*txt2fxtCmd);
-    txt2fxtCmd->add_option("TXT", encode->from, "The text file")->required();
-    txt2fxtCmd->add_option("FXT", encode->to, "The coded text file to write")->required();
-    txt2fxtCmd->callback([encode, &ctx] {
+    txt2fxtCmd->addOption("TXT", encode->from, "The text file")->path()->required();
+    txt2fxtCmd->addOption("FXT", encode->to, "The coded text file to write")->path()->required();
+    txt2fxtCmd->action([encode, &ctx] {
         auto platform = makePlatform(ctx, encode->common);
         // The coded file replaced is kept as its ".bak" before anything is written over it.
         std::error_code ec;

@@ -58,27 +58,27 @@ nlohmann::ordered_json previewJson(const CarPackPreview& p) {
 
 } // namespace
 
-void registerGc3Command(CLI::App& app, Context& ctx) {
-    CLI::App* gc3 = app.add_subcommand("gc3", "GC3 car packs: write, read, apply.");
-    gc3->require_subcommand(1);
+void registerGc3Command(Command& app, Context& ctx) {
+    Command* gc3 = app.addSubcommand("gc3", "GC3 car packs: write, read, apply.");
+    gc3->requireSubcommand();
 
     struct WriteArgs {
         CommonOptions common;
         std::string modStyle, origStyle, modFxt, origFxt, pack;
     };
     auto w = std::make_shared<WriteArgs>();
-    CLI::App* write = gc3->add_subcommand(
+    Command* write = gc3->addSubcommand(
         "write",
         "Write PACK with the byte runs in which MOD_STYLE and MOD_FXT differ from ORIG_STYLE\n"
         "and ORIG_FXT. Both style files must be of the same level (STYLEnnn in the name).\n"
         "Exit status: 0 written, 1 refused or failed, 2 usage error.");
     w->common.addTo(*write);
-    write->add_option("MOD_STYLE", w->modStyle, "The changed style file")->required();
-    write->add_option("ORIG_STYLE", w->origStyle, "The style file as it was")->required();
-    write->add_option("MOD_FXT", w->modFxt, "The changed ENGLISH.FXT")->required();
-    write->add_option("ORIG_FXT", w->origFxt, "ENGLISH.FXT as it was")->required();
-    write->add_option("PACK", w->pack, "The pack to write (replaced)")->required();
-    write->callback([w, &ctx] {
+    write->addOption("MOD_STYLE", w->modStyle, "The changed style file")->path()->required();
+    write->addOption("ORIG_STYLE", w->origStyle, "The style file as it was")->path()->required();
+    write->addOption("MOD_FXT", w->modFxt, "The changed ENGLISH.FXT")->path()->required();
+    write->addOption("ORIG_FXT", w->origFxt, "ENGLISH.FXT as it was")->path()->required();
+    write->addOption("PACK", w->pack, "The pack to write (replaced)")->path()->required();
+    write->action([w, &ctx] {
         auto platform = makePlatform(ctx, w->common);
         ctx.exitCode =
             writeGC3(argumentPath(w->modStyle), argumentPath(w->origStyle), argumentPath(w->modFxt),
@@ -92,12 +92,12 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
         std::string pack;
     };
     auto r = std::make_shared<ReadArgs>();
-    CLI::App* read =
-        gc3->add_subcommand("read", "Print the header of PACK as \"field:value\" lines.\n"
-                                    "Exit status: 0 read, 1 missing or too short, 2 usage error.");
+    Command* read =
+        gc3->addSubcommand("read", "Print the header of PACK as \"field:value\" lines.\n"
+                                   "Exit status: 0 read, 1 missing or too short, 2 usage error.");
     r->common.addTo(*read);
-    read->add_option("PACK", r->pack, "The pack")->required();
-    read->callback([r, &ctx] {
+    read->addOption("PACK", r->pack, "The pack")->path()->required();
+    read->action([r, &ctx] {
         auto platform = makePlatform(ctx, r->common);
         Gc3Header header;
         if (!readGC3(argumentPath(r->pack), header, *platform)) {
@@ -114,18 +114,18 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
         bool json = false;
     };
     auto sh = std::make_shared<ShowArgs>();
-    CLI::App* show = gc3->add_subcommand(
+    Command* show = gc3->addSubcommand(
         "show",
         "Tell what PACK changes in STYLE and FXT (the files it would be applied to): the car\n"
         "records and their fields, the car names, the sprites whose pixels change (page and\n"
         "ASN), the CLUTs, the delta store and other sections, and the level it is for.\n"
         "Exit status: 0 shown, 1 the pack is damaged or does not fit the files, 2 usage error.");
     sh->common.addTo(*show);
-    show->add_option("PACK", sh->pack, "The pack")->required();
-    show->add_option("STYLE", sh->style, "The style file it would change")->required();
-    show->add_option("FXT", sh->fxt, "The ENGLISH.FXT it would change")->required();
-    show->add_flag("--json", sh->json, "Print the preview as a JSON object");
-    show->callback([sh, &ctx] {
+    show->addOption("PACK", sh->pack, "The pack")->path()->required();
+    show->addOption("STYLE", sh->style, "The style file it would change")->path()->required();
+    show->addOption("FXT", sh->fxt, "The ENGLISH.FXT it would change")->path()->required();
+    show->addFlag("--json", sh->json, "Print the preview as a JSON object");
+    show->action([sh, &ctx] {
         AppOptions options = makeAppOptions(ctx, sh->common);
         auto platform = makePlatform(ctx, sh->common);
         Gc3Pack pack;
@@ -164,7 +164,7 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
         std::string pack, style, fxt;
     };
     auto a = std::make_shared<ApplyArgs>();
-    CLI::App* apply = gc3->add_subcommand(
+    Command* apply = gc3->addSubcommand(
         "apply",
         "Apply PACK to STYLE and FXT (the files the pack was made against), so that they become\n"
         "the changed files. Nothing is written when the pack is for another level, damaged, or\n"
@@ -174,10 +174,10 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
         "replaced. Standard output: the number of runs applied to each file.\n"
         "Exit status: 0 applied, 1 refused or failed, 2 usage error.");
     a->common.addTo(*apply);
-    apply->add_option("PACK", a->pack, "The pack")->required();
-    apply->add_option("STYLE", a->style, "The style file to change")->required();
-    apply->add_option("FXT", a->fxt, "The ENGLISH.FXT to change")->required();
-    apply->callback([a, &ctx] {
+    apply->addOption("PACK", a->pack, "The pack")->path()->required();
+    apply->addOption("STYLE", a->style, "The style file to change")->path()->required();
+    apply->addOption("FXT", a->fxt, "The ENGLISH.FXT to change")->path()->required();
+    apply->action([a, &ctx] {
         auto platform = makePlatform(ctx, a->common);
         auto keep = [](const std::filesystem::path& file, std::error_code& ec) {
             return processBackups().ensureBackup(file, ec);

@@ -12,7 +12,7 @@
 
 namespace torquil::cli {
 
-void registerImportSpriteCommand(CLI::App& app, Context& ctx) {
+void registerImportSpriteCommand(Command& app, Context& ctx) {
     struct Args {
         CommonOptions common;
         bool tiles = false;
@@ -20,7 +20,7 @@ void registerImportSpriteCommand(CLI::App& app, Context& ctx) {
         int asn = 0;
     };
     auto args = std::make_shared<Args>();
-    CLI::App* cmd = app.add_subcommand(
+    Command* cmd = app.addSubcommand(
         "import-sprite",
         "Read BMP into the sprite (or with --tiles the tile) with absolute number ASN, with the\n"
         "editor's checks and palette questions, and save the style file.\n"
@@ -31,12 +31,12 @@ void registerImportSpriteCommand(CLI::App& app, Context& ctx) {
         "were overwritten.\n"
         "Exit status: 0 imported and saved, 1 refused, cancelled or failed, 2 usage error.");
     args->common.addTo(*cmd);
-    cmd->add_flag("--tiles", args->tiles, "Open the tile pages and import into a tile");
-    cmd->add_option("STYLE", args->style, "The style file (.G24 or .GRY)")->required();
-    cmd->add_option("ASN", args->asn, "Absolute sprite number (tile number with --tiles)")
+    cmd->addFlag("--tiles", args->tiles, "Open the tile pages and import into a tile");
+    cmd->addOption("STYLE", args->style, "The style file (.G24 or .GRY)")->path()->required();
+    cmd->addOption("ASN", args->asn, "Absolute sprite number (tile number with --tiles)")
         ->required();
-    cmd->add_option("BMP", args->bmp, "The 8-bit BMP to import")->required();
-    cmd->callback([args, &ctx] {
+    cmd->addOption("BMP", args->bmp, "The 8-bit BMP to import")->path()->required();
+    cmd->action([args, &ctx] {
         AppOptions options = makeAppOptions(ctx, args->common);
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style,

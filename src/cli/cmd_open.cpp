@@ -8,14 +8,14 @@
 
 namespace torquil::cli {
 
-void registerOpenCommand(CLI::App& app, Context& ctx) {
+void registerOpenCommand(Command& app, Context& ctx) {
     struct Args {
         CommonOptions common;
         bool tiles = false;
         std::string style;
     };
     auto args = std::make_shared<Args>();
-    CLI::App* cmd = app.add_subcommand(
+    Command* cmd = app.addSubcommand(
         "open", "Load a style file as the editor does.\n"
                 "Standard output: every details-window line, in order.\n"
                 "Standard error: each message box line prefixed \"message: \", \"answer: \" for "
@@ -24,9 +24,9 @@ void registerOpenCommand(CLI::App& app, Context& ctx) {
                 "Exit status: 0 loaded, 1 load failed, 2 usage error.");
     args->common.addTo(*cmd);
     args->common.addDumpOption(*cmd);
-    cmd->add_flag("--tiles", args->tiles, "Open the tile pages instead of the sprites");
-    cmd->add_option("STYLE", args->style, "The style file (.G24 or .GRY)")->required();
-    cmd->callback([args, &ctx] {
+    cmd->addFlag("--tiles", args->tiles, "Open the tile pages instead of the sprites");
+    cmd->addOption("STYLE", args->style, "The style file (.G24 or .GRY)")->path()->required();
+    cmd->action([args, &ctx] {
         AppOptions options = makeAppOptions(ctx, args->common);
         auto platform = makePlatform(ctx, args->common);
         StyleSession session(options);

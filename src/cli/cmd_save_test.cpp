@@ -9,13 +9,13 @@
 
 namespace torquil::cli {
 
-void registerSaveTestCommand(CLI::App& app, Context& ctx) {
+void registerSaveTestCommand(Command& app, Context& ctx) {
     struct Args {
         CommonOptions common;
         std::string style;
     };
     auto args = std::make_shared<Args>();
-    CLI::App* cmd = app.add_subcommand(
+    Command* cmd = app.addSubcommand(
         "save-test",
         "Load a style file, mark pages, CLUTs (.G24 only), deltas, every car and the car names\n"
         "as changed, and save them with the editor's Save Changes.\n"
@@ -24,8 +24,8 @@ void registerSaveTestCommand(CLI::App& app, Context& ctx) {
         "Standard error: each message box line prefixed \"message: \".\n"
         "Exit status: 0 saved, 1 load or save failed, 2 usage error.");
     args->common.addTo(*cmd);
-    cmd->add_option("STYLE", args->style, "The style file (.G24 or .GRY)")->required();
-    cmd->callback([args, &ctx] {
+    cmd->addOption("STYLE", args->style, "The style file (.G24 or .GRY)")->path()->required();
+    cmd->action([args, &ctx] {
         AppOptions options = makeAppOptions(ctx, args->common);
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);

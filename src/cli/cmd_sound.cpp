@@ -11,7 +11,7 @@
 
 namespace torquil::cli {
 
-void registerSoundCommand(CLI::App& app, Context& ctx) {
+void registerSoundCommand(Command& app, Context& ctx) {
     struct Args {
         CommonOptions common;
         std::string style, output;
@@ -21,7 +21,7 @@ void registerSoundCommand(CLI::App& app, Context& ctx) {
         bool play = false;
     };
     auto args = std::make_shared<Args>();
-    CLI::App* cmd = app.add_subcommand(
+    Command* cmd = app.addSubcommand(
         "sound",
         "Cut sound N out of the level's bank (audio/LEVEL00n.SDT and .RAW beside STYLE) and\n"
         "write it as a WAV file (-o), play it (--play), or both. Numbers run from 0 to the\n"
@@ -31,25 +31,24 @@ void registerSoundCommand(CLI::App& app, Context& ctx) {
         "Exit status: 0 done, 1 no bank, out of range or failed, 2 usage error.");
     args->common.addTo(*cmd);
     constexpr int kMax16 = std::numeric_limits<std::int16_t>::max();
-    cmd->add_option("STYLE", args->style, "The style file (its name gives the level)")->required();
-    cmd->add_option("N", args->number, "Sound number")
-        ->required()
-        ->check(CLI::Range(-kMax16 - 1, kMax16));
-    cmd->add_option("--rate", args->rate,
-                    "Multiplier of the sample's rate, 0.01 to 100 (default 1)")
-        ->check(CLI::Range(kMinRateMultiplier, kMaxRateMultiplier));
-    cmd->add_option("--repeat", args->repeat,
-                    "How many times the sample plays, 1 to 100 (default 1)")
-        ->check(CLI::Range(1, kMaxRepeatCount));
-    cmd->add_option("-o,--output", args->output, "Write the WAV here");
-    cmd->add_flag("--play", args->play, "Play it through the system's sound player");
-    cmd->callback([args, &ctx] {
+    cmd->addOption("STYLE", args->style, "The style file (its name gives the level)")
+        ->path()
+        ->required();
+    cmd->addOption("N", args->number, "Sound number")->required()->inRange(-kMax16 - 1, kMax16);
+    cmd->addOption("--rate", args->rate, "Multiplier of the sample's rate, 0.01 to 100 (default 1)")
+        ->inRange(kMinRateMultiplier, kMaxRateMultiplier);
+    cmd->addOption("--repeat", args->repeat,
+                   "How many times the sample plays, 1 to 100 (default 1)")
+        ->inRange(1, kMaxRepeatCount);
+    cmd->addOption("-o,--output", args->output, "Write the WAV here");
+    cmd->addFlag("--play", args->play, "Play it through the system's sound player");
+    cmd->action([args, &ctx] {
         if (args->output.empty() && !args->play)
-            throw CLI::ValidationError("sound", "give -o WAV, --play, or both");
+            throw UsageError("sound", "give -o WAV, --play, or both");
         // Checked here rather than by CLI11, whose test reads the name in the Windows code page.
         const auto style = std::filesystem::absolute(argumentPath(args->style));
         if (!std::filesystem::is_regular_file(style))
-            throw CLI::ValidationError("STYLE", "File does not exist: " + args->style);
+            throw UsageError("STYLE", "File does not exist: " + args->style);
         AppOptions options = makeAppOptions(ctx, args->common);
         auto platform = makePlatform(ctx, args->common);
         platform->setPlaybackEnabled(args->play);

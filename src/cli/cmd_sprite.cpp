@@ -63,7 +63,7 @@ nlohmann::json toJson(const StyleSession& s, const SpriteRec& rec, int page, int
 
 } // namespace
 
-void registerSpriteCommand(CLI::App& app, Context& ctx) {
+void registerSpriteCommand(Command& app, Context& ctx) {
     struct Args {
         CommonOptions common;
         bool tiles = false;
@@ -72,18 +72,18 @@ void registerSpriteCommand(CLI::App& app, Context& ctx) {
         int asn = 0;
     };
     auto args = std::make_shared<Args>();
-    CLI::App* cmd = app.add_subcommand(
+    Command* cmd = app.addSubcommand(
         "sprite",
         "Print the record of the sprite (or with --tiles the tile) with absolute number ASN.\n"
         "Standard output: \"label:value\" lines (ASN, page, SIB, position, size, physical CLUT,\n"
         "delta count and delta reference numbers), or one JSON object with --json.\n"
         "Exit status: 0 found, 1 not found or load failed, 2 usage error.");
     args->common.addTo(*cmd);
-    cmd->add_flag("--tiles", args->tiles, "Open the tile pages and look up a tile number");
-    cmd->add_flag("--json", args->json, "Print the record as one JSON object");
-    cmd->add_option("STYLE", args->style, "The style file (.G24 or .GRY)")->required();
-    cmd->add_option("ASN", args->asn, "Absolute sprite number (1-based)")->required();
-    cmd->callback([args, &ctx] {
+    cmd->addFlag("--tiles", args->tiles, "Open the tile pages and look up a tile number");
+    cmd->addFlag("--json", args->json, "Print the record as one JSON object");
+    cmd->addOption("STYLE", args->style, "The style file (.G24 or .GRY)")->path()->required();
+    cmd->addOption("ASN", args->asn, "Absolute sprite number (1-based)")->required();
+    cmd->action([args, &ctx] {
         AppOptions options = makeAppOptions(ctx, args->common);
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style,

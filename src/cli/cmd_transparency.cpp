@@ -32,14 +32,14 @@ const char* outcomeWord(TransparencyOutcome outcome) {
 
 } // namespace
 
-void registerTransparencyCommand(CLI::App& app, Context& ctx) {
+void registerTransparencyCommand(Command& app, Context& ctx) {
     struct Args {
         CommonOptions common;
         std::string style;
         int asn = 0;
     };
     auto args = std::make_shared<Args>();
-    CLI::App* cmd = app.add_subcommand(
+    Command* cmd = app.addSubcommand(
         "transparency-fix",
         "Find the background colour of the sprite with absolute number ASN from its corners and\n"
         "exchange it with index 0 in the sprite's pixels and CLUT, as \"Transparency > Fix\"\n"
@@ -48,9 +48,9 @@ void registerTransparencyCommand(CLI::App& app, Context& ctx) {
         "Standard output: corrected, already correct, undetermined, refused or cancelled.\n"
         "Exit status: 0 corrected and saved or already correct, 1 otherwise, 2 usage error.");
     args->common.addTo(*cmd);
-    cmd->add_option("STYLE", args->style, "The style file (.G24)")->required();
-    cmd->add_option("ASN", args->asn, "Absolute sprite number")->required();
-    cmd->callback([args, &ctx] {
+    cmd->addOption("STYLE", args->style, "The style file (.G24)")->path()->required();
+    cmd->addOption("ASN", args->asn, "Absolute sprite number")->required();
+    cmd->action([args, &ctx] {
         AppOptions options = makeAppOptions(ctx, args->common);
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);
