@@ -5,6 +5,7 @@
 #include "app/main_form.h"
 #include "app/main_menus.h"
 #include "app/splash_form.h"
+#include "base/argument_words.h"
 #include "base/version.h"
 #include "base/work_dir.h"
 #include "platform/qt/qt_platform.h"
@@ -33,15 +34,24 @@ namespace torquil {
 
 StartupArgs parseStartupArgs(const QStringList& arguments) {
     StartupArgs args;
+    // A file or folder option takes the next word only when it is a name.
+    auto pathValue = [&](int& i, QString& into) {
+        const QString& word = arguments[++i];
+        const std::string refusal = optionWordAsPathMessage(word.toStdString());
+        if (refusal.empty())
+            into = word;
+        else if (args.error.isEmpty())
+            args.error = arguments[i - 1] + QStringLiteral(": ") + QString::fromStdString(refusal);
+    };
     for (int i = 0; i < arguments.size(); ++i) {
         const QString& a = arguments[i];
         const bool hasValue = i + 1 < arguments.size();
         if (a == QLatin1String("--screenshot") && hasValue)
-            args.screenshot = arguments[++i];
+            pathValue(i, args.screenshot);
         else if (a == QLatin1String("--workdir") && hasValue)
-            args.workDir = arguments[++i];
+            pathValue(i, args.workDir);
         else if (a == QLatin1String("--settings") && hasValue)
-            args.settings = arguments[++i];
+            pathValue(i, args.settings);
         else if (a == QLatin1String("--zoom") && hasValue)
             args.zoom = arguments[++i].toInt();
         else if (a == QLatin1String("--select") && hasValue)
@@ -92,6 +102,11 @@ int runTorquil(int argc, char** argv) {
     std::vector<std::string> raw;
     for (int i = 1; i < argc; ++i) raw.emplace_back(argv[i]);
     const StartupArgs args = parseStartupArgs(QApplication::arguments().mid(1));
+    if (!args.error.isEmpty()) {
+        std::fprintf(stderr, "torquil: %s\nRun torquil --help for the options.\n",
+                     qPrintable(args.error));
+        return 2;
+    }
     // Relative names on the command line are taken before the current directory moves.
     const QString style =
         args.style.isEmpty() ? QString() : QFileInfo(args.style).absoluteFilePath();

@@ -18,6 +18,9 @@ struct StartupArgs {
     // After the selection, open the delta view: "plain" or "car"; the screenshot then shows it.
     QString viewDeltas;
     bool splash = true;
+    // Set when a file or folder option was given an option-looking word ("--screenshot
+    // --no-splash"): the program says so and starts nothing.
+    QString error;
 };
 
 // Reads the arguments after the program name; unknown options are ignored, so a

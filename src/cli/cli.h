@@ -6,6 +6,7 @@
 #include "platform/console_platform.h"
 #include "session/edits.h"
 #include "session/load_sequence.h"
+#include "session/output_guard.h"
 #include "session/session_io.h"
 
 #include <filesystem>
@@ -49,6 +50,11 @@ std::unique_ptr<ConsolePlatform> makePlatform(const Context& ctx, const CommonOp
 std::unique_ptr<StyleSession> loadStyle(Context& ctx, ConsolePlatform& platform,
                                         const AppOptions& options, const std::string& style,
                                         int loadOption);
+
+// Refuses an output that is one of `guarded` (the level's files, the command's inputs): prints
+// "command: why" to standard error, sets the failed exit status and returns true.
+bool refuseOutput(Context& ctx, const std::string& command, const std::filesystem::path& output,
+                  const std::vector<GuardedFile>& guarded);
 
 // Each command file provides one of these; cli_app.cpp calls them all.
 void registerOpenCommand(Command& app, Context& ctx);

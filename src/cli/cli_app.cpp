@@ -76,6 +76,15 @@ std::unique_ptr<StyleSession> loadStyle(Context& ctx, ConsolePlatform& platform,
     return session;
 }
 
+bool refuseOutput(Context& ctx, const std::string& command, const std::filesystem::path& output,
+                  const std::vector<GuardedFile>& guarded) {
+    const std::string clash = outputClash(output, guarded);
+    if (clash.empty()) return false;
+    ctx.err << command << ": " << clash << '\n';
+    ctx.exitCode = kExitFailed;
+    return true;
+}
+
 int run(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
     std::vector<const char*> argv;
     for (const auto& a : args) argv.push_back(a.c_str());

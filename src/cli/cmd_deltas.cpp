@@ -1,6 +1,7 @@
 // torquil-cli deltas, export-deltas, import-deltas: a sprite's delta set listed, written as one
 // picture and read back (then saved).
 
+#include "base/utf8_path.h"
 #include "cli/cli.h"
 #include "cli/sprite_pick.h"
 
@@ -115,19 +116,21 @@ void registerDeltaCommands(Command& app, Context& ctx) {
     addStyleAndAsn(*exportCmd, *exp);
     exportCmd->addFlag("--clean", exp->clean, "Each delta alone on colour 0");
     exportCmd->addOption("-o,--output", exp->output, "The picture to write (.bmp or .png)")
+        ->path()
         ->required();
     exportCmd->action([exp, &ctx] {
         AppOptions options = makeAppOptions(ctx, exp->common);
         auto platform = makePlatform(ctx, exp->common);
         auto session = loadStyle(ctx, *platform, options, exp->style, kLoadSprites);
         if (!session || !pickSprite(ctx, *session, *platform, exp->asn, "export-deltas")) return;
-        const auto target = std::filesystem::absolute(exp->output);
+        const auto target = std::filesystem::absolute(argumentPath(exp->output));
+        if (refuseOutput(ctx, "export-deltas", target, levelFiles(session->style.path))) return;
         if (!exportDeltaSet(*session, *platform, target, exp->clean)) {
             ctx.err << "export-deltas: the picture was not written\n";
             ctx.exitCode = kExitFailed;
             return;
         }
-        ctx.out << target.string() << '\n';
+        ctx.out << utf8Of(target) << '\n';
         ctx.exitCode = kExitOk;
     });
 

@@ -28,7 +28,7 @@ void registerExportSpriteCommand(Command& app, Context& ctx) {
         "Exit status: 0 written, 1 not found, load or write failed, 2 usage error.");
     args->common.addTo(*cmd);
     cmd->addFlag("--tiles", args->tiles, "Open the tile pages and export a tile");
-    cmd->addOption("-o,--output", args->output, "Write the BMP here instead");
+    cmd->addOption("-o,--output", args->output, "Write the BMP here instead")->path();
     cmd->addOption("STYLE", args->style, "The style file (.G24 or .GRY)")->path()->required();
     cmd->addOption("ASN", args->asn, "Absolute sprite number (tile number with --tiles)")
         ->required();
@@ -43,6 +43,7 @@ void registerExportSpriteCommand(Command& app, Context& ctx) {
             written = exportSprite(*session, *platform);
         } else {
             const auto target = std::filesystem::absolute(argumentPath(args->output));
+            if (refuseOutput(ctx, "export-sprite", target, levelFiles(session->style.path))) return;
             if (exportSpriteTo(*session, *platform, target)) written = target;
         }
         if (written.empty()) {

@@ -25,6 +25,11 @@ void registerFxtCommands(Command& app, Context& ctx) {
     fxt2txtCmd->addOption("FXT", decode->from, "The coded text file")->path()->required();
     fxt2txtCmd->addOption("TXT", decode->to, "The text file to write")->path()->required();
     fxt2txtCmd->action([decode, &ctx] {
+        const auto from = argumentPath(decode->from);
+        if (refuseOutput(ctx, "fxt2txt", argumentPath(decode->to),
+                         {{from, "the coded text file being read (FXT)"},
+                          {backupPathOf(from), "the backup of the coded text file"}}))
+            return;
         auto platform = makePlatform(ctx, decode->common);
         CarNames names;
         ctx.exitCode =
@@ -44,6 +49,11 @@ void registerFxtCommands(Command& app, Context& ctx) {
     txt2fxtCmd->addOption("TXT", encode->from, "The text file")->path()->required();
     txt2fxtCmd->addOption("FXT", encode->to, "The coded text file to write")->path()->required();
     txt2fxtCmd->action([encode, &ctx] {
+        const auto to = argumentPath(encode->to);
+        if (refuseOutput(ctx, "txt2fxt", to,
+                         {{argumentPath(encode->from), "the text file being read (TXT)"},
+                          {backupPathOf(to), "the backup this command keeps of FXT"}}))
+            return;
         auto platform = makePlatform(ctx, encode->common);
         // The coded file replaced is kept as its ".bak" before anything is written over it.
         std::error_code ec;

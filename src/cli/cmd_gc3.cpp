@@ -79,6 +79,13 @@ void registerGc3Command(Command& app, Context& ctx) {
     write->addOption("ORIG_FXT", w->origFxt, "ENGLISH.FXT as it was")->path()->required();
     write->addOption("PACK", w->pack, "The pack to write (replaced)")->path()->required();
     write->action([w, &ctx] {
+        // The pack must not land on one of its four inputs or on a file of either level.
+        std::vector<GuardedFile> guarded = levelFiles(argumentPath(w->modStyle));
+        const auto originals = levelFiles(argumentPath(w->origStyle));
+        guarded.insert(guarded.end(), originals.begin(), originals.end());
+        guarded.push_back({argumentPath(w->modFxt), "the changed ENGLISH.FXT (MOD_FXT)"});
+        guarded.push_back({argumentPath(w->origFxt), "the original ENGLISH.FXT (ORIG_FXT)"});
+        if (refuseOutput(ctx, "gc3 write", argumentPath(w->pack), guarded)) return;
         auto platform = makePlatform(ctx, w->common);
         ctx.exitCode =
             writeGC3(argumentPath(w->modStyle), argumentPath(w->origStyle), argumentPath(w->modFxt),

@@ -40,7 +40,7 @@ void registerSoundCommand(Command& app, Context& ctx) {
     cmd->addOption("--repeat", args->repeat,
                    "How many times the sample plays, 1 to 100 (default 1)")
         ->inRange(1, kMaxRepeatCount);
-    cmd->addOption("-o,--output", args->output, "Write the WAV here");
+    cmd->addOption("-o,--output", args->output, "Write the WAV here")->path();
     cmd->addFlag("--play", args->play, "Play it through the system's sound player");
     cmd->action([args, &ctx] {
         if (args->output.empty() && !args->play)
@@ -57,10 +57,11 @@ void registerSoundCommand(Command& app, Context& ctx) {
         const auto number = static_cast<std::int16_t>(args->number);
         const auto repeat = static_cast<std::int16_t>(args->repeat);
 
+        const auto output = std::filesystem::absolute(argumentPath(args->output));
+        if (!args->output.empty() && refuseOutput(ctx, "sound", output, levelFiles(style))) return;
         SoundOutcome outcome = SoundOutcome::Done;
         if (!args->output.empty())
-            outcome = writeSoundWav(session, *platform, number, args->rate, repeat,
-                                    std::filesystem::absolute(argumentPath(args->output)));
+            outcome = writeSoundWav(session, *platform, number, args->rate, repeat, output);
         if (outcome == SoundOutcome::Done && args->play)
             outcome = playSound(session, *platform, number, args->rate, repeat);
         if (outcome == SoundOutcome::Done && args->play && !platform->playbackError().empty()) {

@@ -2,6 +2,8 @@
 
 #include "cli/command.h"
 
+#include "base/argument_words.h"
+
 #include <CLI/CLI.hpp>
 
 #include <ostream>
@@ -29,14 +31,8 @@ Argument* Argument::inRange(double lowest, double highest) {
 Argument* Argument::path() {
     // The parser hands an option its next word even when that word is another option's name:
     // `-o --force` would otherwise write a file called "--force".
-    option_->check(CLI::Validator(
-        [](std::string& value) -> std::string {
-            if (value.size() > 1 && value.front() == '-')
-                return "\"" + value + "\" looks like an option, not a file name (write ./" + value +
-                       " for a file of that name)";
-            return {};
-        },
-        "PATH"));
+    option_->check(
+        CLI::Validator([](std::string& value) { return optionWordAsPathMessage(value); }, "PATH"));
     return this;
 }
 

@@ -48,6 +48,13 @@ void StartupTest::commandLineNamesTheStyleAndTheHiddenOptions() {
     a = parseStartupArgs({"STYLE002.GRY", "--screenshot"});
     QCOMPARE(a.style, QStringLiteral("STYLE002.GRY"));
     QVERIFY(a.screenshot.isEmpty());
+    // A file or folder option followed by another option takes nothing and says which.
+    a = parseStartupArgs({"--screenshot", "--no-splash", "--workdir", "--wd", "x.G24"});
+    QVERIFY(a.screenshot.isEmpty() && a.workDir.isEmpty());
+    QVERIFY2(
+        a.error.startsWith(QStringLiteral("--screenshot: \"--no-splash\" looks like an option")),
+        qPrintable(a.error));
+    QVERIFY(parseStartupArgs({"--screenshot", "./-shot.png"}).error.isEmpty());
     // Debug mode is a plain substring test over the whole command line.
     QVERIFY(commandLineHasDebugSwitch({"x", "-dz"}));
     QVERIFY(!commandLineHasDebugSwitch({"--no-splash", "STYLE001.G24"}));
