@@ -29,7 +29,7 @@ std::vector<std::uint8_t> rampPixels(int w, int h) {
 }
 
 // Every codec test skips in a build without libpng; PngCodecWithoutLibpng covers that build.
-class PngCodec : public testing::Test {
+class PngCodec : public ::testing::Test {
 protected:
     void SetUp() override {
         if (!pngSupported()) GTEST_SKIP() << kPngUnsupported << " (TORQUIL_PNG=OFF)";
