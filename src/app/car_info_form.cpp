@@ -2,6 +2,7 @@
 
 #include "app/car_sprite_image.h"
 #include "base/runtime_error.h"
+#include "cars/car_name_rules.h"
 #include "cars/fixed_point.h"
 #include "platform/platform.h"
 #include "session/edits.h"
@@ -75,7 +76,20 @@ void CarInfoForm::setBoxText(int index, const std::string& text) {
     const bool wasFilling = filling_;
     filling_ = true;
     edit->setText(index == kNameBox ? fromGameText(text) : QString::fromStdString(text));
+    keptText_[static_cast<std::size_t>(index)] = text;
     filling_ = wasFilling;
+}
+
+bool CarInfoForm::refuseUnfit(int index, const std::string& text) {
+    const std::string reason = doesNotFitReason(index, text);
+    if (reason.empty()) return false;
+    // Never wrapped: the box goes back to the last text it held that the record can keep.
+    const CarField* field = carField(index);
+    platform_.message(std::string(field->caption) + ": " + text + " is refused.\r" + reason +
+                          ".\rType a value the game can read.",
+                      Buttons::Ok, Icon::Warning, "Car Info");
+    setBoxText(index, keptText_[static_cast<std::size_t>(index)]);
+    return true;
 }
 
 void CarInfoForm::fillBoxes() {
@@ -101,13 +115,15 @@ void CarInfoForm::txtBoxChange(int index) {
         platform_.message(check.report);
         return;
     }
+    if (check.isNumber && refuseUnfit(index, text)) return;
+    keptText_[static_cast<std::size_t>(index)] = text;
     if (!isRemapColourBox(index)) recordChanged_ = true;
 
     const CarField* field = carField(index);
     if (field->kind == FieldKind::Door) {
-        // Door boxes go straight into the selected door record.
-        setFieldText(entry_, index, text, cursor_);
-        refreshDoorView();
+        // Door boxes go straight into the selected door record. A text that is not a number yet
+        // ("-") leaves the door as it is until the typing is done.
+        if (setFieldText(entry_, index, text, cursor_) == FieldStore::Stored) refreshDoorView();
     } else if (field->kind == FieldKind::Remap) {
         if (setFieldText(entry_, index, text, cursor_) == FieldStore::Stored &&
             isRemapColourBox(index))
@@ -206,12 +222,19 @@ void CarInfoForm::acceptEdits() {
 
     CarEdit edit;
     CarEntry edited = *target;
+    std::string notKept; // boxes whose text the record could not take, one line each
     if (recordChanged_) {
         // A box still showing the text it was filled with keeps its stored value exactly (a 16.16
         // value does not survive its 3-decimal text); a changed box is read back.
         for (int i = 0; i <= kValueBox; ++i) {
             const std::string text = box(i)->text().toStdString();
-            if (text != filledText_[static_cast<std::size_t>(i)]) setFieldText(edited, i, text);
+            if (text == filledText_[static_cast<std::size_t>(i)]) continue;
+            const FieldStore stored = setFieldText(edited, i, textOnLeave(text));
+            if (stored == FieldStore::Stored) continue;
+            // Only a text left half typed ("-") gets here: the boxes refuse what cannot fit.
+            const std::string why = stored == FieldStore::DoesNotFit ? doesNotFitReason(i, text)
+                                                                     : std::string("not a number");
+            notKept += "\r" + std::string(carField(i)->caption) + " \"" + text + "\": " + why;
         }
         edit.doors = entry_.doorList;
     }
@@ -222,9 +245,22 @@ void CarInfoForm::acceptEdits() {
         edited.info.remap8 = entry_.info.remap8;
         edit.info = edited.info;
     }
-    if (nameChanged_) edit.name = toGameText(box(kNameBox)->text());
-    // A model outside the names table keeps its name; the record is applied all the same.
-    (void)editCar(session_, asn_, edit);
+    if (nameChanged_) {
+        const std::string name = toGameText(box(kNameBox)->text());
+        // A name typed back to what it was is no loss when the names cannot be saved.
+        if (name != target->name || checkCarName(session_.names, edited.info.model, name))
+            edit.name = name;
+    }
+    // A refused name (checkCarName) leaves the old one; the record is applied all the same.
+    std::string why;
+    if (!editCar(session_, asn_, edit, &why))
+        notKept += "\rModel Name \"" + box(kNameBox)->text().toStdString() + "\": " + why;
+    if (!notKept.empty())
+        platform_.message("Car Info: " + fromGameText(entry_.name).toStdString() +
+                              ": these values were not kept, the car keeps "
+                              "its old ones:" +
+                              notKept,
+                          Buttons::Ok, Icon::Warning, "Car Info");
 }
 
 } // namespace torquil

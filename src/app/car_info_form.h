@@ -91,6 +91,9 @@ private:
     // Events of the boxes and buttons (car_info_form.cpp).
     void fillBoxes();
     void setBoxText(int index, const std::string& text); // without counting as an edit
+    // A number inside the box's limits that its record field cannot hold (cx = 200): says why,
+    // with the value the game would read, and puts back the box's last good text.
+    bool refuseUnfit(int index, const std::string& text);
     void txtBoxChange(int index);
     void txtBoxLostFocus(int index);
     void cmdHelpClick(int page);
@@ -124,6 +127,7 @@ private:
     bool filling_ = false; // boxes being filled by the form itself
     bool accepted_ = false;
     std::array<std::string, kCarFieldCount> filledText_; // each box's text when the form opened
+    std::array<std::string, kCarFieldCount> keptText_;   // each box's last text the record can hold
 
     QTabWidget* tabs_ = nullptr;
     QLabel* soundState_ = nullptr;

@@ -11,9 +11,10 @@ namespace torquil {
 
 namespace {
 
-// The editor's boxes shown, after the ASN: name, model and type first, then the main fields.
-constexpr std::array<int, 18> kColumnFields = {42, 12, 11, 0,  1,  2,  4,  5,  6,
-                                               7,  8,  9,  10, 13, 14, 18, 19, 37};
+// The editor's boxes shown, after the ASN: name, model and type first, then the main fields and
+// the centre of mass (cx, cy).
+constexpr std::array<int, 20> kColumnFields = {42, 12, 11, 0,  1,  2,  4,  5,  6,  7,
+                                               8,  9,  10, 13, 14, 18, 19, 37, 15, 16};
 constexpr int kNameBox = 42;
 
 // Car names are the game's single-byte text.
@@ -21,16 +22,11 @@ QString fromGameText(const std::string& text) {
     return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-QString rejectionText(CarFieldEdit result, const QString& caption) {
-    switch (result) {
-    case CarFieldEdit::NotANumber:
-        return CarListModel::tr("%1: not a number, nothing changed.").arg(caption);
-    case CarFieldEdit::DoesNotFit:
-        return CarListModel::tr("%1: the value does not fit the record, nothing changed.")
-            .arg(caption);
-    default:
-        return CarListModel::tr("%1: the car has no record, nothing changed.").arg(caption);
-    }
+// What was refused, why (from the core: the value the game would read, the name rule) and that
+// nothing changed.
+QString rejectionText(const QString& caption, const QString& text, const std::string& why) {
+    return CarListModel::tr("%1: \"%2\" refused: %3. Nothing changed.")
+        .arg(caption, text, QString::fromStdString(why));
 }
 
 } // namespace
@@ -153,9 +149,10 @@ bool CarListModel::setData(const QModelIndex& index, const QVariant& value, int 
     std::string report;
     const std::string stored =
         field == kNameBox ? text.toLatin1().toStdString() : text.trimmed().toStdString();
-    const CarFieldEdit result = editCarField(*session_, asn, field, stored, &report);
+    std::string why;
+    const CarFieldEdit result = editCarField(*session_, asn, field, stored, &report, &why);
     if (result != CarFieldEdit::Stored) {
-        emit editReport(rejectionText(result, caption));
+        emit editReport(rejectionText(caption, text, why));
         return false;
     }
     if (!report.empty())

@@ -9,6 +9,7 @@
 #include "base/work_dir.h"
 #include "platform/qt/qt_platform.h"
 #include "session/board_lookup.h"
+#include "session/edits.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -259,12 +260,8 @@ void MainForm::refreshCommands() {
 void MainForm::selectAt(int page, int x, int y) {
     if (busy_) return;
     const auto hit = hitTest(*session_, page, x, y);
-    if (hit) {
-        session_->selection.page = hit->first;
-        session_->selection.sib = hit->second;
-    } else {
-        session_->selection.clear();
-    }
+    // A miss (or a hit the tables no longer hold) leaves nothing selected.
+    if (!hit || !selectOnBoard(*session_, hit->first, hit->second)) clearSelection(*session_);
     updateStatusForSelection();
     refreshCommands();
     board_->refresh();

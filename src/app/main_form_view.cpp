@@ -9,6 +9,7 @@
 #include "platform/qt/qt_platform.h"
 #include "session/board_lookup.h"
 #include "session/car_find.h"
+#include "session/edits.h"
 
 #include <QAction>
 #include <QDir>
@@ -115,8 +116,8 @@ bool MainForm::stepSelection(int step) {
         }
         break;
     }
-    session_->selection.page = page;
-    session_->selection.sib = sib;
+    // The walk above stays on existing sprites.
+    if (!selectOnBoard(*session_, page, sib)) return false;
     board_->ensurePageVisible(page);
     updateStatusForSelection();
     refreshCommands();

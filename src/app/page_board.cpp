@@ -1,5 +1,6 @@
 #include "app/page_board.h"
 
+#include "session/edits.h"
 #include "session/session_io.h"
 
 #include <QKeyEvent>
@@ -90,7 +91,7 @@ void PageBoard::showPage(int page) {
     scrollingFromCore_ = true;
     horizontalScrollBar()->setValue(geometry_.pageLeft(page) - BoardGeometry::kGap);
     scrollingFromCore_ = false;
-    if (session_) session_->pages.gBoardOffset = static_cast<std::int16_t>(page * 256);
+    if (session_) showBoardPage(*session_, page);
     followedOffset_ = page * 256;
     viewport()->update();
 }
@@ -144,7 +145,7 @@ void PageBoard::scrollContentsBy(int, int) {
     if (scrollingFromCore_ || !session_) return;
     // The user scrolled: the page at the left edge becomes the board's page.
     const int page = std::clamp(geometry_.pageAt(horizontalScrollBar()->value()), 0, kMaxPages - 1);
-    session_->pages.gBoardOffset = static_cast<std::int16_t>(page * 256);
+    showBoardPage(*session_, page);
     followedOffset_ = page * 256;
 }
 

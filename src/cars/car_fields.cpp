@@ -4,6 +4,7 @@
 
 #include <cctype>
 #include <limits>
+#include <type_traits>
 #include <variant>
 
 namespace torquil {
@@ -64,8 +65,8 @@ constexpr std::array<CarField, kCarFieldCount> kFields{{
 }};
 
 // The record member behind each of the boxes 0..36 (box 37, the values, is handled apart).
-using Member =
-    std::variant<std::int16_t CarInfo::*, std::uint8_t CarInfo::*, std::int32_t CarInfo::*>;
+using Member = std::variant<std::int16_t CarInfo::*, std::uint8_t CarInfo::*,
+                            std::int8_t CarInfo::*, std::int32_t CarInfo::*>;
 const std::array<Member, 37> kMembers{&CarInfo::width,
                                       &CarInfo::height,
                                       &CarInfo::depth,
@@ -146,6 +147,35 @@ bool remapInRange(int remap) {
     return remap >= 0 && remap < 12;
 }
 
+// What the record field behind a box holds: its smallest and largest value, its bytes and sign.
+struct FieldRange {
+    std::int64_t low, high;
+    int bytes;
+    bool isSigned;
+};
+template <class T> FieldRange rangeOf() {
+    return {std::numeric_limits<T>::min(), std::numeric_limits<T>::max(),
+            static_cast<int>(sizeof(T)), std::numeric_limits<T>::is_signed};
+}
+FieldRange fieldRange(const CarField& f) {
+    switch (f.kind) {
+    case FieldKind::Integer:
+        if (f.index == kValueBox) return rangeOf<std::int16_t>();
+        return std::visit(
+            [](auto member) { return rangeOf<std::remove_cvref_t<decltype(CarInfo{}.*member)>>(); },
+            kMembers[static_cast<std::size_t>(f.index)]);
+    case FieldKind::Raw:
+    case FieldKind::Fixed:
+        return rangeOf<std::int32_t>();
+    case FieldKind::Remap:
+        return f.index == 41 ? rangeOf<std::uint8_t>() : rangeOf<std::int16_t>();
+    case FieldKind::Door:
+    case FieldKind::Name:
+        break;
+    }
+    return rangeOf<std::int16_t>();
+}
+
 } // namespace
 
 const std::array<CarField, kCarFieldCount>& carFields() {
@@ -217,6 +247,28 @@ FieldCheck clampFieldText(int index, const std::string& text) {
         check.clamped = true;
     }
     return check;
+}
+
+std::string doesNotFitReason(int index, const std::string& text) {
+    const CarField* f = carField(index);
+    const std::optional<double> value = parseNumber(text);
+    if (!f || f->kind == FieldKind::Name || !value) return {};
+    const FieldRange range = fieldRange(*f);
+    // A 16.16 field holds the value times 65536.
+    const std::int64_t whole =
+        f->kind == FieldKind::Fixed ? wholeNumber(*value * 65536.0) : wholeNumber(*value);
+    if (whole >= range.low && whole <= range.high) return {};
+    const std::string limits = std::to_string(range.low) + " to " + std::to_string(range.high);
+    const std::string name(f->field);
+    if (range.bytes != 1)
+        return "the record keeps " + name + " in " + std::to_string(range.bytes) + " bytes (" +
+               limits + ")";
+    // One byte: what the game would find there if the number were cut to its low 8 bits.
+    const auto byte = static_cast<std::uint8_t>(static_cast<std::uint64_t>(whole) & 0xFF);
+    const long long read = range.isSigned ? static_cast<std::int8_t>(byte) : byte;
+    return "the game reads " + name + " as one " + (range.isSigned ? "signed" : "unsigned") +
+           " byte (" + limits + "): " + std::to_string(whole) + " would be read as " +
+           std::to_string(read);
 }
 
 std::string textOnLeave(const std::string& text) {

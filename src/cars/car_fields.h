@@ -77,14 +77,21 @@ struct FieldCheck {
 // An empty (or all blank) box becomes "0" when it loses the focus.
 [[nodiscard]] std::string textOnLeave(const std::string& text);
 
+// Why a number does not fit the record field behind box `index`, in the user's words; empty when
+// it fits or is not a number. The limits of cx and cy (-255 to 255) are wider than the signed
+// byte the game reads them from, so within them -200 gives
+// "the game reads cx as one signed byte (-128 to 127): -200 would be read as 56".
+[[nodiscard]] std::string doesNotFitReason(int index, const std::string& text);
+
 enum class FieldStore {
     Stored,
     NotANumber, // the text is not a number: nothing changed
-    DoesNotFit, // the number does not fit the record field (a negative cx into its byte)
+    DoesNotFit, // the number does not fit the record field (cx = 200 into its signed byte)
     NoSuchField // unknown index, remap or door outside the record
 };
-// Writes a box's text into the entry (no clamping: run clampFieldText first).
-FieldStore setFieldText(CarEntry& entry, int index, const std::string& text,
-                        const FieldCursor& at = {});
+// Writes a box's text into the entry (no clamping: run clampFieldText first). Nothing is ever
+// wrapped: a number the record field cannot hold is refused (DoesNotFit).
+[[nodiscard]] FieldStore setFieldText(CarEntry& entry, int index, const std::string& text,
+                                      const FieldCursor& at = {});
 
 } // namespace torquil

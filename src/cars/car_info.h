@@ -20,7 +20,8 @@ struct CarInfo {
     std::array<std::uint8_t, 12> remap8{};
     std::uint8_t vtype = 0, model = 0, turning = 0, damagable = 0;
     std::array<std::int16_t, 4> value{};
-    std::uint8_t cx = 0, cy = 0;
+    // The centre of mass as pixel offsets: the game reads each byte as a signed number.
+    std::int8_t cx = 0, cy = 0;
     std::int32_t moment = 0, rbp_mass = 0, g1_thrust = 0, tyre_adhesion_x = 0, tyre_adhesion_y = 0,
                  handbrake_friction = 0, footbrake_friction = 0, front_brake_bias = 0;
     std::int16_t turn_ratio = 0, drive_wheel_offset = 0, steering_wheel_offset = 0;

@@ -42,7 +42,9 @@ std::vector<std::string> carInfoDumpLines(const CarEntry& e) {
     line(" damagable:", c.damagable);
     for (std::size_t i = 0; i < c.value.size(); ++i)
         line(" value[" + n(static_cast<long long>(i)) + "]:", c.value[i]);
-    out.push_back(" cx,cy:" + n(c.cx) + "," + n(c.cy));
+    // The dump prints the two stored bytes unsigned, as the record's byte fields are listed.
+    out.push_back(" cx,cy:" + n(static_cast<std::uint8_t>(c.cx)) + "," +
+                  n(static_cast<std::uint8_t>(c.cy)));
     // The 16.16 values as stored, not converted.
     line(" moment:", c.moment);
     line(" rbp_mass:", c.rbp_mass);

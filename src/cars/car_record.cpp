@@ -13,6 +13,7 @@ public:
     void field(std::int16_t& v) { v = getI16(take(2)); }
     void field(std::int32_t& v) { v = getI32(take(4)); }
     void field(std::uint8_t& v) { v = *take(1); }
+    void field(std::int8_t& v) { v = static_cast<std::int8_t>(*take(1)); }
 
 private:
     const std::uint8_t* take(std::size_t n) {
@@ -30,6 +31,7 @@ public:
     void field(std::int16_t v) { putI16(take(2), v); }
     void field(std::int32_t v) { putI32(take(4), v); }
     void field(std::uint8_t v) { *take(1) = v; }
+    void field(std::int8_t v) { *take(1) = static_cast<std::uint8_t>(v); }
 
 private:
     std::uint8_t* take(std::size_t n) {

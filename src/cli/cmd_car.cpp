@@ -28,7 +28,8 @@ void registerCarCommand(Command& app, Context& ctx) {
         auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);
         if (!session) return;
         if (!session->cars.find(args->asn)) {
-            ctx.err << "car: no car record at absolute sprite number " << args->asn << '\n';
+            ctx.err << "car: no car record at absolute sprite number " << args->asn
+                    << "; `torquil-cli cars " << args->style << "` lists the cars' numbers (asn)\n";
             ctx.exitCode = kExitFailed;
             return;
         }

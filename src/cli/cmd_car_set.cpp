@@ -4,6 +4,7 @@
 #include "cli/cli.h"
 
 #include "cars/car_listing.h"
+#include "cars/car_name_rules.h"
 #include "cars/car_names_io.h"
 #include "cars/car_record.h"
 #include "session/save_sequence.h"
@@ -65,7 +66,8 @@ bool applyAssignment(CarEntry& car, const Assignment& a, std::ostream& err) {
         err << "car-set: " << a.field << ": not a number: " << a.text << '\n';
         break;
     case FieldStore::DoesNotFit:
-        err << "car-set: " << a.field << ": " << text << " does not fit the record's field\n";
+        err << "car-set: " << a.field << '=' << a.text
+            << " refused: " << doesNotFitReason(index, text) << "; nothing written\n";
         break;
     case FieldStore::NoSuchField:
         err << "car-set: " << a.field << ": the car has no such "
@@ -112,11 +114,18 @@ void registerCarSetCommand(Command& app, Context& ctx) {
         "file (and ENGLISH.FXT for name=...), as the car info editor does.\n"
         "FIELD is a record field name as `cars` lists it: width, rbp_mass, value (all four),\n"
         "remap24[i].H|L|S, remap8[i], door[i].rpx|rpy|object|delta, name.\n"
-        "Values outside the editor's limits are set to the limit, reported on standard error\n"
-        "(\"txtbox valve set to L val\" / \"... H val\"). 16.16 fields take decimals (1.5).\n"
+        "A value outside the editor's limits is set to the limit, as the editor does, and\n"
+        "reported on standard error (\"txtbox valve set to L val\" / \"... H val\").\n"
+        "cx and cy are signed pixel offsets (-128 to 127, the signed byte the game reads): a\n"
+        "value the record's field cannot hold is refused, never wrapped, with the value the\n"
+        "game would read. 16.16 fields take decimals (1.5).\n"
+        "A name is refused when the save could not write it (no ENGLISH.FXT, no entry for the\n"
+        "car's model in it, a line break in the name).\n"
         "Standard output: \"field: old -> new\" for every changed value.\n"
-        "Exit status: 0 saved (or nothing to change), 1 no car there, load or save failed,\n"
-        "2 usage error, unknown field or a value that is not a number (nothing written).");
+        "Exit status: 0 saved (or nothing to change); 1 no car there, a name the save could\n"
+        "not write, load or save failed; 2 usage error, unknown field, a model outside the\n"
+        "names table, a value that is not a number or that the field cannot hold (nothing\n"
+        "written).");
     args->common.addTo(*cmd);
     cmd->addOption("STYLE", args->style, "The style file (.G24 or .GRY)")->path()->required();
     cmd->addOption("ASN", args->asn, "Absolute sprite number of the car")->required();
@@ -133,7 +142,8 @@ void registerCarSetCommand(Command& app, Context& ctx) {
         if (!session) return;
         CarEntry* car = session->cars.find(args->asn);
         if (!car) {
-            ctx.err << "car-set: no car record at absolute sprite number " << args->asn << '\n';
+            ctx.err << "car-set: no car record at absolute sprite number " << args->asn
+                    << "; `torquil-cli cars " << args->style << "` lists the cars' numbers (asn)\n";
             ctx.exitCode = kExitFailed;
             return;
         }
@@ -150,22 +160,15 @@ void registerCarSetCommand(Command& app, Context& ctx) {
         const bool recordChanged = !sameRecord(*car, edited);
         const bool nameChanged = nameGiven && edited.name != car->name;
         if (nameChanged) {
-            if (edited.info.model >= kCarNameCount) {
-                ctx.err << "car-set: model " << int{edited.info.model}
-                        << " has no place in the car names table\n";
-                ctx.exitCode = kExitUsage;
-                return;
-            }
-            if (!session->names.fromFxt) {
-                ctx.err << "car-set: the style has no ENGLISH.FXT with car names beside it; "
-                           "names cannot be saved\n";
-                ctx.exitCode = kExitFailed;
-                return;
-            }
-            if (session->names.keys[static_cast<std::size_t>(edited.info.model)].empty()) {
-                ctx.err << "car-set: ENGLISH.FXT has no entry for model " << int{edited.info.model}
-                        << "; its name cannot be saved\n";
-                ctx.exitCode = kExitFailed;
+            // The same rule editCar keeps, asked first so that nothing is saved when it refuses.
+            const CarNameVerdict verdict =
+                checkCarName(session->names, edited.info.model, edited.name);
+            if (!verdict) {
+                ctx.err << "car-set: " << verdict.reason << '\n';
+                ctx.exitCode =
+                    verdict.check == CarNameCheck::NoPlace || verdict.check == CarNameCheck::BadText
+                        ? kExitUsage
+                        : kExitFailed;
                 return;
             }
         }
@@ -182,8 +185,11 @@ void registerCarSetCommand(Command& app, Context& ctx) {
             edit.doors = edited.doorList;
         }
         if (nameChanged) edit.name = edited.name;
-        // The model was checked against the names table above.
-        (void)editCar(*session, args->asn, edit);
+        if (std::string why; !editCar(*session, args->asn, edit, &why)) {
+            ctx.err << "car-set: " << why << "; nothing written\n";
+            ctx.exitCode = kExitFailed;
+            return;
+        }
 
         // The editor's "Save Changes": backups first, then the record in place and the names.
         const SaveOutcome outcome = saveChanges(*session, *platform);

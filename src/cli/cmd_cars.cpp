@@ -108,7 +108,8 @@ void registerCarsCommand(Command& app, Context& ctx) {
     Command* cmd = app.addSubcommand(
         "cars",
         "List every loaded car with every field of its record, by the record's field names.\n"
-        "16.16 fields are given as the editor shows them (three decimals), moment raw; arrays by\n"
+        "16.16 fields are given as the editor shows them (three decimals), moment raw, cx and cy\n"
+        "as the signed pixel offsets the game reads (-128 to 127); arrays by\n"
         "index (remap24[i].H, remap8[i], value[i]) and door records as door[i].rpx ... .\n"
         "text: name=value lines, a blank line between cars; csv: one row per car; json: an array.\n"
         "Exit status: 0 listed, 1 load failed, 2 usage error.");

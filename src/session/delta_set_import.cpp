@@ -2,7 +2,7 @@
 
 #include "session/edits.h"
 
-#include "exchange/delta_frames.h"
+#include "exchange/delta_frame_edit.h"
 #include "exchange/sprite_exchange.h"
 #include "platform/platform.h"
 #include "session/delta_sets.h"
@@ -77,7 +77,10 @@ DeltaSetImport readDeltaSet(StyleSession& session, Platform& platform,
         std::vector<std::uint8_t> current = base;
         drawDelta(*deltas[static_cast<std::size_t>(i)], w, h, current);
         if (frame == current) continue; // unchanged: the run lines stay exactly as they are
-        FrameRuns runs = runsFromFrame(base, frame, w, h);
+        // Only what differs from the export changes: a clean sheet's colour-0 delta pixels look
+        // like the background and stay.
+        FrameRuns runs =
+            runsFromEditedFrame(*deltas[static_cast<std::size_t>(i)], base, frame, w, h);
         if (!runs.ok) {
             platform.message("Delta " + std::to_string(i) + " (frame " + std::to_string(i + 1) +
                                  " of " + std::to_string(count) +

@@ -1,6 +1,7 @@
 #include "session/edits.h"
 
 #include "base/atomic_file.h"
+#include "cars/car_name_rules.h"
 #include "exchange/bitmap_names.h"
 #include "platform/platform.h"
 #include "session/edit_history.h"
@@ -33,16 +34,20 @@ int spriteOfBitmap(StyleSession& session, const BitmapTarget& target) {
 
 } // namespace
 
-bool editCar(StyleSession& session, int asn, const CarEdit& edit) {
+bool editCar(StyleSession& session, int asn, const CarEdit& edit, std::string* why) {
+    if (why) why->clear();
     CarEntry* car = session.cars.find(asn);
-    if (!car) return false;
+    if (!car) {
+        if (why) *why = "there is no car record at absolute sprite number " + std::to_string(asn);
+        return false;
+    }
     EditScope scope(session, kTouchCars | kTouchNames, stepName("Edit Car", asn));
     if (edit.info || edit.doors) {
         if (edit.info) car->info = *edit.info;
         if (edit.doors) car->doorList = *edit.doors;
         session.style.gSaveCarInfo.push_back(static_cast<std::int16_t>(asn));
     }
-    if (edit.name) return renameCarModel(session, car->info.model, *edit.name);
+    if (edit.name) return renameCarModel(session, car->info.model, *edit.name, why);
     return true;
 }
 
@@ -59,8 +64,12 @@ void markAllChanged(StyleSession& session) {
         if (slots[asn].inUse) style.gSaveCarInfo.push_back(static_cast<std::int16_t>(asn));
 }
 
-bool renameCarModel(StyleSession& session, int model, const std::string& name) {
-    if (model < 0 || model >= kCarNameCount) return false;
+bool renameCarModel(StyleSession& session, int model, const std::string& name, std::string* why) {
+    if (why) why->clear();
+    if (const CarNameVerdict verdict = checkCarName(session.names, model, name); !verdict) {
+        if (why) *why = verdict.reason;
+        return false;
+    }
     EditScope scope(session, kTouchCars | kTouchNames, stepName("Rename Model", model));
     session.names.names[static_cast<std::size_t>(model)] = name;
     session.style.gCarNamesChanged = true;

@@ -33,12 +33,17 @@ struct CarEdit {
 
 // Applies a car edit to the car at absolute sprite number `asn`: the record first (the car goes
 // into gSaveCarInfo), then the name through renameCarModel. False when there is no car at `asn`
-// (nothing changed) or when the name was refused (the record is still applied).
-[[nodiscard]] bool editCar(StyleSession& session, int asn, const CarEdit& edit);
+// (nothing changed) or when the name was refused by checkCarName (cars/car_name_rules.h; the
+// record is still applied); `why`, when given, then holds the reason for the user.
+[[nodiscard]] bool editCar(StyleSession& session, int asn, const CarEdit& edit,
+                           std::string* why = nullptr);
 
 // Gives car `model` a new name in the names table and in every loaded car of that model, and
-// sets gCarNamesChanged. False (and nothing changed) for a model outside the names table.
-[[nodiscard]] bool renameCarModel(StyleSession& session, int model, const std::string& name);
+// sets gCarNamesChanged. False (and nothing changed, the reason in `why`) when checkCarName
+// refuses it: a model outside the names table, no ENGLISH.FXT or no entry of the model in it (the
+// save would drop the name), a line break in the name.
+[[nodiscard]] bool renameCarModel(StyleSession& session, int model, const std::string& name,
+                                  std::string* why = nullptr);
 
 // Sprite import: reads workDir / bmpFileName() back into the selected sprite. The pixels go into
 // the page and the sprite's rectangle is repainted in the page image; the palette may overwrite
@@ -62,10 +67,12 @@ struct DeltaSetImport {
 
 // Reads a clean or dirty delta set (BMP, or PNG by the name) back into the selected sprite's
 // deltas, checked as the sprite import checks a picture (its palette may overwrite the CLUT). A
-// frame that shows its delta as it is keeps its run lines exactly; a changed frame becomes new run
-// lines. Any refusal (a picture the checks refuse, a frame that cannot be a delta) shows its
-// message and leaves the deltas as they were. On success gPagesChanged and gDeltasChanged are set,
-// so that the save sequence rewrites the delta store. Recorded as "Import Delta Set N".
+// frame that shows its delta as it is keeps its run lines exactly; in a changed frame only the
+// pixels that differ from the export are added, changed or removed (runsFromEditedFrame), so a
+// clean sheet's colour-0 delta pixels, which look like the background, are kept. Any refusal (a
+// picture the checks refuse, a frame that cannot be a delta) shows its message and leaves the
+// deltas as they were. On success gPagesChanged and gDeltasChanged are set, so that the save
+// sequence rewrites the delta store. Recorded as "Import Delta Set N".
 [[nodiscard]] DeltaSetImport importDeltaSet(StyleSession& session, Platform& platform,
                                             const std::filesystem::path& file, bool clean);
 
@@ -83,6 +90,15 @@ struct DeltaSetImport {
 // remaps. Returns false when the user cancelled (nothing changed).
 [[nodiscard]] bool comparePalette(StyleSession& session, Platform& platform, int clut,
                                   const BmpColourTable& imported);
+
+// The board's view of the open style: the selected sprite and the page the board shows. Not the
+// style's data (no dirty flag, no undo step), but set here so that the window never writes the
+// session's tables itself.
+// Selects sprite `sib` (1-based) of page `page`; false, with nothing selected, when there is none.
+[[nodiscard]] bool selectOnBoard(StyleSession& session, int page, int sib);
+void clearSelection(StyleSession& session);
+// Makes `page` (clamped to the pages there are) the page the board shows (gBoardOffset).
+void showBoardPage(StyleSession& session, int page);
 
 // Marks every part of a loaded style as changed (pages, the CLUTs of a .G24 file, deltas, every
 // loaded car, the car names), so the next save rewrites all of it.

@@ -1,6 +1,8 @@
 #include "session/load_sequence.h"
 
+#include "base/atomic_file.h"
 #include "base/binary_file.h"
+#include "base/cause_advice.h"
 #include "platform/platform.h"
 #include "session/loaders.h"
 #include "session/save_sequence.h"
@@ -10,6 +12,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <fstream>
 
 namespace torquil {
 
@@ -86,11 +90,26 @@ void clearUnpaintedRows(PageImage& image, const RowRecordingPainter& painter) {
             }
 }
 
+// Why the file cannot be read at all (no read permission, in use), in describeCause's words;
+// empty when it can.
+std::string unreadableCause(const std::filesystem::path& path) {
+    errno = 0;
+    std::ifstream in(path, std::ios::binary);
+    if (in) return {};
+    return describeCause(std::error_code(errno ? errno : EACCES, std::generic_category()));
+}
+
 LoadOutcome fail(StyleSession& s, Platform& platform, BinaryFile& file) {
     file.close();
     std::string text = loadFailureMessage(s.stepText, s.style.path);
-    if (!headerFitsFile(s.style.header, s.style.fileLength))
+    // The specified lines stay; the real cause goes after them.
+    if (const std::string cause = unreadableCause(s.style.path); !cause.empty()) {
+        text += "\rThe system said: " + cause + ".";
+        if (const std::string advice = causeAdvice(cause, Access::Reading); !advice.empty())
+            text += "\r" + advice;
+    } else if (!headerFitsFile(s.style.header, s.style.fileLength)) {
         text += "\r" + notStyleFileLine(s.style.path);
+    }
     platform.message(text);
     s.style.loaded = false;
     s.style.clearDirtyFlags();

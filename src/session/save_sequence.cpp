@@ -2,6 +2,7 @@
 
 #include "base/atomic_file.h"
 #include "base/binary_file.h"
+#include "base/cause_advice.h"
 #include "base/file_lock.h"
 #include "base/work_dir.h"
 #include "cars/car_names_io.h"
@@ -26,7 +27,11 @@ std::string saveFailureMessage(const std::string& step, const fs::path& path,
            "Please check that you are not editing the file while KRB is trying to use it!" + "\r" +
            "The file may have become corrupt, you may have to reinstall the " + path.string() +
            " from the KRB CD." + "\r" + backupLine +
-           (cause.empty() ? std::string() : "\r" + std::string("The system said: ") + cause + ".");
+           (cause.empty() ? std::string() : "\r" + std::string("The system said: ") + cause + ".") +
+           // The cause decides what to do: a read-only file needs no reinstalling.
+           (causeAdvice(cause, Access::Writing).empty()
+                ? std::string()
+                : "\r" + causeAdvice(cause, Access::Writing));
 }
 
 int reportInterruptedSaves(const fs::path& styleFile, Platform& platform) {

@@ -131,7 +131,7 @@ TEST(CarCli, CarSetRefusesBadFieldsAndValuesWithoutWriting) {
         {"width=abc"},
         {"rbp_mass=-"},
         {"width"},
-        {"cx=-5"},         // in the editor's range, but the record keeps cx in a byte
+        {"cy=250"},        // in the editor's range, but not in the signed byte the game reads
         {"door[9].rpx=1"}, // no such door
         {"remap24[12].H=1"}};
     for (const auto& words : refused) {
@@ -149,6 +149,51 @@ TEST(CarCli, CarSetRefusesBadFieldsAndValuesWithoutWriting) {
     auto missing = s.run({"car-set", s.style, "1", "width=3"});
     EXPECT_EQ(missing.status, 1);
     EXPECT_EQ(tb::readFile(s.style), style);
+}
+
+TEST(CarCli, CentreOfMassRoundTripsAsTheSignedOffsetTheGameReads) {
+    Sample s;
+    const std::size_t k = s.carWithDoors();
+    const std::string asn = std::to_string(s.asnOf(k));
+    auto set = s.run({"car-set", s.style, asn, "cy=-6", "cx=-128"});
+    ASSERT_EQ(set.status, 0) << set.err;
+    EXPECT_TRUE(contains(set.out, "cy: " + std::to_string(s.layout.cars[k].cy) + " -> -6\n"));
+    // The stored bytes: two's complement, as the game reads them.
+    const auto bytes = tb::readFile(s.style);
+    EXPECT_EQ(bytes[s.offsets.carRecords[k] + 118], 0x80);
+    EXPECT_EQ(bytes[s.offsets.carRecords[k] + 119], 0xFA);
+
+    auto text = s.run({"cars", s.style});
+    ASSERT_EQ(text.status, 0) << text.err;
+    EXPECT_TRUE(contains(text.out, "asn=" + asn + "\n")) << text.out;
+    EXPECT_TRUE(contains(text.out, "cx=-128\ncy=-6\n"));
+    auto json = s.run({"cars", s.style, "--format", "json"});
+    ASSERT_EQ(json.status, 0) << json.err;
+    bool found = false;
+    for (const auto& car : nlohmann::json::parse(json.out))
+        if (car["asn"] == s.asnOf(k)) {
+            found = true;
+            EXPECT_EQ(car["cx"], -128);
+            EXPECT_EQ(car["cy"], -6);
+        }
+    EXPECT_TRUE(found);
+    // The record dump prints the stored bytes as it always has.
+    auto dump = s.run({"car", s.style, asn});
+    EXPECT_TRUE(contains(dump.out, " cx,cy:128,250\n")) << dump.out;
+
+    // Inside the editor's limits but not in a byte: refused, never wrapped, nothing written.
+    auto wide = s.run({"car-set", s.style, asn, "cy=250"});
+    EXPECT_EQ(wide.status, 2);
+    EXPECT_TRUE(contains(wide.err, "car-set: cy=250 refused: the game reads cy as one signed "
+                                   "byte (-128 to 127): 250 would be read as -6; nothing written"))
+        << wide.err;
+    EXPECT_EQ(tb::readFile(s.style), bytes);
+    // Past the limit: set to the limit, as the editor does, and that is refused the same way.
+    auto past = s.run({"car-set", s.style, asn, "cx=-300"});
+    EXPECT_EQ(past.status, 2);
+    EXPECT_TRUE(contains(past.err, "txtbox valve set to L val (-255)")) << past.err;
+    EXPECT_TRUE(contains(past.err, "-255 would be read as 1")) << past.err;
+    EXPECT_EQ(tb::readFile(s.style), bytes);
 }
 
 TEST(CarCli, CarSetRenamesThroughEnglishFxt) {

@@ -2,6 +2,7 @@
 
 #include "session/car_edit.h"
 #include "session/car_find.h"
+#include "session/edits.h"
 #include "session/style_session.h"
 
 #include <gtest/gtest.h>
@@ -55,7 +56,9 @@ TEST_F(CarEditFixture, FixedPointAndValueFieldsStoreAsTheEditorDoes) {
 
 TEST_F(CarEditFixture, RejectedTextsChangeAndQueueNothing) {
     EXPECT_EQ(editCarField(session, 5, 0, "wide"), CarFieldEdit::NotANumber);
-    EXPECT_EQ(editCarField(session, 5, 15, "-3"), CarFieldEdit::DoesNotFit); // cx is a byte
+    std::string why;
+    EXPECT_EQ(editCarField(session, 5, 15, "200", nullptr, &why), CarFieldEdit::DoesNotFit);
+    EXPECT_EQ(why, "the game reads cx as one signed byte (-128 to 127): 200 would be read as -56");
     EXPECT_EQ(editCarField(session, 6, 0, "1"), CarFieldEdit::NoSuchCar);
     EXPECT_EQ(editCarField(session, 5, 47, "1"), CarFieldEdit::NoSuchField);
     EXPECT_EQ(info(5).width, 40);
@@ -63,12 +66,40 @@ TEST_F(CarEditFixture, RejectedTextsChangeAndQueueNothing) {
 }
 
 TEST_F(CarEditFixture, ANameGoesToTheModelAndEveryCarOfIt) {
+    session.names.fromFxt = true;
+    session.names.keys[12] = "[car12]";
     EXPECT_EQ(editCarField(session, 5, 42, "Swift"), CarFieldEdit::Stored);
     EXPECT_EQ(session.names.names[12], "Swift");
     EXPECT_EQ(session.cars.find(9)->name, "Swift");
     EXPECT_EQ(session.cars.find(7)->name, "Old");
     EXPECT_TRUE(session.style.gCarNamesChanged);
     EXPECT_EQ(session.style.gSaveCarInfo.size(), 1u); // a name is no record write
+}
+
+TEST_F(CarEditFixture, ANameTheSaveWouldDropIsRefusedWithItsReason) {
+    std::string why;
+    // Built-in names: no ENGLISH.FXT to write a name into.
+    EXPECT_EQ(editCarField(session, 5, 42, "Swift", nullptr, &why), CarFieldEdit::NameRefused);
+    EXPECT_NE(why.find("no ENGLISH.FXT"), std::string::npos) << why;
+    session.names.fromFxt = true;
+    // ENGLISH.FXT without an entry for model 12.
+    EXPECT_EQ(editCarField(session, 5, 42, "Swift", nullptr, &why), CarFieldEdit::NameRefused);
+    EXPECT_EQ(why, "ENGLISH.FXT has no entry for model 12; its name cannot be saved");
+    session.names.keys[12] = "[car12]";
+    EXPECT_EQ(editCarField(session, 5, 42, "Two\rLines", nullptr, &why), CarFieldEdit::NameRefused);
+    EXPECT_NE(why.find("line break"), std::string::npos) << why;
+    EXPECT_EQ(session.names.names[12], "Old");
+    EXPECT_FALSE(session.style.gCarNamesChanged);
+    // The record part of an edit is kept when its name is refused, and the reason is told.
+    session.names.fromFxt = false;
+    CarEdit edit;
+    edit.info = session.cars.find(5)->info;
+    edit.info->width = 41;
+    edit.name = "Swift";
+    EXPECT_FALSE(editCar(session, 5, edit, &why));
+    EXPECT_NE(why.find("no ENGLISH.FXT"), std::string::npos) << why;
+    EXPECT_EQ(info(5).width, 41);
+    EXPECT_EQ(session.names.names[12], "Old");
 }
 
 TEST_F(CarEditFixture, FindCarTakesAnAsnAModelOrAPartOfTheName) {

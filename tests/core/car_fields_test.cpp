@@ -141,7 +141,9 @@ TEST(CarFieldText, BoxesShowAndWriteTheirFieldAsTheEditorDoes) {
 TEST(CarFieldText, TextsTheRecordCannotTakeChangeNothing) {
     CarEntry e = sampleEntry();
     EXPECT_EQ(setFieldText(e, 0, "abc"), FieldStore::NotANumber);
-    EXPECT_EQ(setFieldText(e, 15, "-5"), FieldStore::DoesNotFit); // cx is a byte
+    // cx and cy are signed bytes: inside the editor's limits (-255 to 255) but not in a byte.
+    EXPECT_EQ(setFieldText(e, 15, "200"), FieldStore::DoesNotFit);
+    EXPECT_EQ(setFieldText(e, 16, "-129"), FieldStore::DoesNotFit);
     EXPECT_EQ(setFieldText(e, 38, "40000", {0, 0}), FieldStore::DoesNotFit);
     EXPECT_EQ(setFieldText(e, 18, "40000"), FieldStore::DoesNotFit);
     EXPECT_EQ(setFieldText(e, 38, "1", {12, 0}), FieldStore::NoSuchField);
@@ -152,6 +154,25 @@ TEST(CarFieldText, TextsTheRecordCannotTakeChangeNothing) {
     EXPECT_EQ(e.info.cx, original.info.cx);
     EXPECT_EQ(e.info.remap24, original.info.remap24);
     EXPECT_EQ(e.info.rbp_mass, original.info.rbp_mass);
+}
+
+TEST(CarFieldText, CentreOfMassIsASignedOffsetAndAnUnfitNumberSaysWhatTheGameWouldRead) {
+    CarEntry e = sampleEntry();
+    EXPECT_EQ(setFieldText(e, 16, "-6"), FieldStore::Stored);
+    EXPECT_EQ(fieldText(e, 16), "-6");
+    EXPECT_EQ(e.info.cy, -6);
+    EXPECT_EQ(setFieldText(e, 15, "127"), FieldStore::Stored);
+    EXPECT_EQ(setFieldText(e, 15, "-128"), FieldStore::Stored);
+    EXPECT_EQ(doesNotFitReason(16, "250"),
+              "the game reads cy as one signed byte (-128 to 127): 250 would be read as -6");
+    EXPECT_EQ(doesNotFitReason(15, "-200"),
+              "the game reads cx as one signed byte (-128 to 127): -200 would be read as 56");
+    EXPECT_EQ(doesNotFitReason(15, "-128"), "");
+    EXPECT_EQ(doesNotFitReason(38, "40000"),
+              "the record keeps remap24.H in 2 bytes (-32768 to 32767)");
+    EXPECT_EQ(doesNotFitReason(18, "40000"),
+              "the record keeps rbp_mass in 4 bytes (-2147483648 to 2147483647)");
+    EXPECT_EQ(doesNotFitReason(0, "abc"), "");
 }
 
 TEST(CarFieldNames, EveryListedValueIsAddressedByItsNameAndNothingElseIs) {

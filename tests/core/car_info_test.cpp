@@ -131,7 +131,7 @@ TEST(CarInfoLoad, RecordsFollowTheirDoorsAndTheLaterOfTwoWins) {
     SectionFixture f;
     tb::CarSpec a = car(4, 0, 7), b = car(4, 1, 91), first = car(1, 2, 1), second = car(2, 2, 2);
     a.remap24[11] = {-1, 2, -300};
-    a.cx = 250;
+    a.cx = 250; // the byte 0xFA
     a.moment = -123456789;
     a.handbrake_slide_value = 0x7FFFFFFF;
     a.doors = {{1, -2, 3, 4}, {-5, 6, 7, 8}};
@@ -143,7 +143,7 @@ TEST(CarInfoLoad, RecordsFollowTheirDoorsAndTheLaterOfTwoWins) {
     const CarEntry& ea = *f.s.cars.find(1);
     EXPECT_EQ(ea.name, "Juggernaut");
     EXPECT_EQ(ea.info.remap24[11][2], -300);
-    EXPECT_EQ(ea.info.cx, 250);
+    EXPECT_EQ(ea.info.cx, -6); // the game reads cx as a signed byte
     EXPECT_EQ(ea.info.moment, -123456789);
     EXPECT_EQ(ea.info.handbrake_slide_value, 0x7FFFFFFF);
     ASSERT_EQ(ea.doorList.size(), 2u);

@@ -1,4 +1,5 @@
 #include "base/binary_file.h"
+#include "base/cause_advice.h"
 #include "fake_platform.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
@@ -9,6 +10,10 @@
 #include "test_dir.h"
 
 #include <gtest/gtest.h>
+
+#ifndef _WIN32
+#include <unistd.h>
+#endif
 
 using namespace torquil;
 namespace tb = torquil::testing;
@@ -236,4 +241,25 @@ TEST(HeaderFitsFile, SizesMustBePositiveAndFitTheLength) {
     header.g24.object_info_size = -4;
     EXPECT_FALSE(headerFitsFile(header, length));
     EXPECT_FALSE(headerFitsFile(StyleHeader{}, 10)); // shorter than a header
+}
+
+TEST_F(LoadFixture, AFileThisUserMayNotReadSaysSoAfterTheLoadMessage) {
+#ifndef _WIN32
+    if (::geteuid() == 0) GTEST_SKIP() << "root reads a file without read permission";
+#else
+    GTEST_SKIP() << "Windows files have no mode bits";
+#endif
+    auto path = writeStyle("STYLE001.G24", smallSpec(true));
+    std::filesystem::permissions(path, std::filesystem::perms::none);
+    const LoadOutcome outcome = load(path);
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    EXPECT_EQ(outcome, LoadOutcome::Failed);
+    ASSERT_EQ(platform.shownMessages.size(), 1u);
+    // The specified lines first, then the cause and what to do.
+    const std::string& text = platform.shownMessages[0].text;
+    EXPECT_EQ(text.rfind("ERROR: ", 0), 0u);
+    EXPECT_NE(text.find(" from the KRB CD.\rThe system said: permission denied.\r" +
+                        causeAdvice("permission denied", Access::Reading)),
+              std::string::npos)
+        << text;
 }

@@ -1,5 +1,6 @@
 #include "base/atomic_file.h"
 #include "base/binary_file.h"
+#include "base/cause_advice.h"
 #include "cars/car_names_io.h"
 #include "cli_runner.h"
 #include "fake_platform.h"
@@ -242,7 +243,10 @@ TEST_F(SaveFixture, ReadOnlyFileStopsAtFileOpenWithNothingWritten) {
                   "Please check that you are not editing the file while KRB is trying to use it!\r"
                   "The file may have become corrupt, you may have to reinstall the " +
                   path.string() + " from the KRB CD.\rThere is no backup copy at " +
-                  bak().string() + ".\rThe system said: permission denied."});
+                  bak().string() + ".\rThe system said: permission denied.\r" +
+                  causeAdvice("permission denied", Access::Writing)});
+    EXPECT_NE(platform.messageTexts().front().find("it is not damaged. Make it writable"),
+              std::string::npos);
     EXPECT_EQ(bytes(), original);
     EXPECT_FALSE(fs::exists(bak()));
     EXPECT_TRUE(session->style.gPagesChanged && session->style.gDeltasChanged);

@@ -8,6 +8,7 @@
 #include "sample_level.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
+#include "session/save_sequence.h"
 #include "session/session_io.h"
 #include "sprites/clut.h"
 
@@ -26,6 +27,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <fstream>
 #include <memory>
 
 using namespace torquil;
@@ -112,6 +114,8 @@ private slots:
     void helpButtonsOpenTheirContext();
     void unknownCarOpensEmptyAndQueuesNothing();
     void playButtonsPlayEngineHornAndSoundFunction();
+    void centreOfMassRoundTripsAsASignedOffset();
+    void aNameTheSaveWouldDropIsRefusedOnClosing();
 };
 
 void CarInfoFormTest::pagesHoldTheirBoxesWithCaptionsAndToolTips() {
@@ -587,6 +591,74 @@ void CarInfoFormTest::playButtonsPlayEngineHornAndSoundFunction() {
     QCOMPARE(wavField(played[2], 40), lengthOf(4));
     QCOMPARE(wavField(played[2], 24), rateOf(4));
     QVERIFY(level->platform.shownMessages.empty());
+}
+
+void CarInfoFormTest::centreOfMassRoundTripsAsASignedOffset() {
+    constexpr int kCgX = 15, kCgY = 16;
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    StyleSession& session = *level->session;
+    const int asn = carWithDoors(session, 0);
+    {
+        CarInfoForm form(session, level->platform, asn);
+        typeInto(form.box(kCgY), "-6");
+        QCOMPARE(form.box(kCgY)->text(), QString("-6"));
+        // Inside the box's limits but not in the byte the game reads: refused, never wrapped.
+        typeInto(form.box(kCgX), "-200");
+        QCOMPARE(form.box(kCgX)->text(), QString("-20"));
+        QCOMPARE(level->platform.messageTexts(),
+                 std::vector<std::string>{
+                     "CG_X: -200 is refused.\rthe game reads cx as one signed byte (-128 to "
+                     "127): -200 would be read as 56.\rType a value the game can read."});
+        typeInto(form.box(kCgX), "-128");
+        form.accept();
+    }
+    QCOMPARE(int{session.cars.find(asn)->info.cy}, -6);
+    QCOMPARE(int{session.cars.find(asn)->info.cx}, -128);
+    QCOMPARE(saveChanges(session, level->platform).result, SaveResult::Saved);
+
+    // The stored bytes are the game's signed bytes; opened again, the editor shows -6.
+    const std::filesystem::path style = session.style.path;
+    const auto seek = static_cast<std::streamoff>(session.cars.find(asn)->fileSeek - 1);
+    std::ifstream in(style, std::ios::binary);
+    in.seekg(seek + 118);
+    char bytes[2] = {};
+    in.read(bytes, 2);
+    QCOMPARE(static_cast<unsigned char>(bytes[0]), static_cast<unsigned char>(0x80));
+    QCOMPARE(static_cast<unsigned char>(bytes[1]), static_cast<unsigned char>(0xFA));
+    AppOptions options = session.options;
+    level->session = std::make_unique<StyleSession>(options);
+    prepareStyle(level->session->style, style, kLoadSprites);
+    QCOMPARE(initHeader(*level->session, level->platform, standardLoaders()), LoadOutcome::Loaded);
+    CarInfoForm again(*level->session, level->platform, asn);
+    QCOMPARE(again.box(kCgY)->text(), QString("-6"));
+    QCOMPARE(again.box(kCgX)->text(), QString("-128"));
+}
+
+void CarInfoFormTest::aNameTheSaveWouldDropIsRefusedOnClosing() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    StyleSession& session = *level->session;
+    const int asn = carWithDoors(session, 0);
+    const int model = session.cars.find(asn)->info.model;
+    const std::string old = session.cars.find(asn)->name;
+    // ENGLISH.FXT without the model's entry: the save would drop the name.
+    session.names.keys[static_cast<std::size_t>(model)].clear();
+    {
+        CarInfoForm form(session, level->platform, asn);
+        typeInto(form.box(kWidthBox), "30");
+        typeInto(form.box(kNameBox), "Lost Name");
+        form.accept();
+    }
+    QCOMPARE(session.cars.find(asn)->name, old);
+    QVERIFY(!session.style.gCarNamesChanged);
+    QCOMPARE(int{session.cars.find(asn)->info.width}, 30); // the record is kept
+    const std::vector<std::string> shown = level->platform.messageTexts();
+    QVERIFY(!shown.empty());
+    QVERIFY2(shown.back().find("Model Name \"Lost Name\": ENGLISH.FXT has no entry for model " +
+                               std::to_string(model) + "; its name cannot be saved") !=
+                 std::string::npos,
+             shown.back().c_str());
 }
 
 QTEST_MAIN(CarInfoFormTest)

@@ -174,11 +174,21 @@ void FindingWayTest::carListEditsGoThroughTheEditorsLimits() {
     QVERIFY(!h.proxy()->setData(h.cell(asn, 9), "grippy"));
     QCOMPARE(h.session().style.gSaveCarInfo.size(), queued);
     QVERIFY(h.form->carList()->reportLabel()->text().contains("not a number"));
+    // The centre of mass is the signed offset the game reads; a number one byte cannot hold is
+    // refused with the value the game would read.
+    QVERIFY(h.proxy()->setData(h.cell(asn, 16), "-6"));
+    QCOMPARE(int(car->info.cy), -6);
+    QCOMPARE(h.cell(asn, 16).data().toString(), QString("-6"));
+    QVERIFY(!h.proxy()->setData(h.cell(asn, 15), "200"));
+    QCOMPARE(h.form->carList()->reportLabel()->text(),
+             QString("CG_X: \"200\" refused: the game reads cx as one signed byte (-128 to 127): "
+                     "200 would be read as -56. Nothing changed."));
 
     // The save writes what the list changed.
     h.action("mnuSaveBlock")->trigger();
     const auto bytes = torquil::testing::readFile(h.sample.dir / "STYLE001.G24");
     QCOMPARE(int(bytes[static_cast<std::size_t>(car->fileSeek - 1)]), 255);
+    QCOMPARE(int(bytes[static_cast<std::size_t>(car->fileSeek - 1 + 119)]), 0xFA); // cy = -6
 }
 
 void FindingWayTest::carListNameEditNamesTheModelAndRowsSelectOnTheBoard() {

@@ -1,0 +1,26 @@
+#include "cars/car_name_rules.h"
+
+namespace torquil {
+
+CarNameVerdict checkCarName(const CarNames& names, int model, std::string_view name) {
+    const std::string m = std::to_string(model);
+    if (model < 0 || model >= kCarNameCount)
+        return {CarNameCheck::NoPlace, "model " + m +
+                                           " has no place in the car names table (0 to " +
+                                           std::to_string(kCarNameCount - 1) + ")"};
+    if (!names.fromFxt)
+        return {CarNameCheck::NoFxt,
+                "the style has no ENGLISH.FXT with car names beside it; names cannot be saved. "
+                "Put the game's ENGLISH.FXT in the style file's folder and open the style again"};
+    if (names.keys[static_cast<std::size_t>(model)].empty())
+        return {CarNameCheck::NoEntry,
+                "ENGLISH.FXT has no entry for model " + m + "; its name cannot be saved"};
+    // The decoded text ends a line at CR (and LF after it) and an entry at a coded 0.
+    for (const char c : name)
+        if (c == '\0' || c == '\r' || c == '\n')
+            return {CarNameCheck::BadText,
+                    "a car name cannot hold a line break or a zero byte; type it on one line"};
+    return {};
+}
+
+} // namespace torquil
