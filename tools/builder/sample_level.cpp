@@ -86,6 +86,11 @@ StyleSpec sampleSpec8() {
 }
 
 StyleSpec fullSizeSpec24() {
+    return fullSizeSpec24(26);
+}
+
+StyleSpec fullSizeSpec24(int pages) {
+    pages = std::clamp(pages, 1, 26);
     Level lv;
     lv.sideTiles = 195;
     lv.lidTiles = 154;
@@ -114,9 +119,9 @@ StyleSpec fullSizeSpec24() {
     }
     addPeds(lv, 150, 8, 0);
     addSmallSprites(lv, 49, 10, 6, 0);
-    addObjects(lv, 1500, 48, 48, 0, 1234);
-    packSpread(lv, 26);
-    return describeStyle(lv, true, 26);
+    addObjects(lv, 1500 * pages / 26, 48, 48, 0, 1234);
+    packSpread(lv, pages);
+    return describeStyle(lv, true, pages);
 }
 
 std::vector<std::pair<int, std::string>> sampleCarNames() {

@@ -32,5 +32,8 @@ void writeSampleLevel(const std::filesystem::path& dir);
 // Full-size 24-bit level for benchmarks, in the proportions of a real level: 386 tiles, 26 pages,
 // about 2,900 sprites and 450 deltas, about 1,000 physical CLUTs, 38 car records.
 StyleSpec fullSizeSpec24();
+// The same level on fewer (or as many) pages, 1 to 26: the objects are cut in proportion so that
+// the pages are as full as those of the 26-page level (16 pages is the size of a real level).
+StyleSpec fullSizeSpec24(int pages);
 
 } // namespace torquil::testing

@@ -27,7 +27,7 @@ void QtDesktop::setBusy(bool busy) {
 }
 
 void QtDesktop::processEvents() {
-    QCoreApplication::processEvents();
+    if (events_.takeTurn()) QCoreApplication::processEvents();
 }
 
 bool QtDesktop::openTextFile(const std::filesystem::path& file) {

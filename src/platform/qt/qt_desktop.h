@@ -2,6 +2,7 @@
 // Hourglass, event pump, the system's text viewer and the help window.
 
 #include "platform/platform.h"
+#include "platform/qt/window_pacer.h"
 
 #include <functional>
 
@@ -13,6 +14,9 @@ const char* textEditorName();
 class QtDesktop : public Desktop {
 public:
     void setBusy(bool busy) override;
+    // Runs the event loop at most once per WindowPacer::kInterval: the loops that call it after
+    // every row still test the Stop request each time, and a click on Stop is handled in the
+    // next turn.
     void processEvents() override;
     bool openTextFile(const std::filesystem::path& file) override;
     bool hasHelp() const override { return static_cast<bool>(onShowHelp); }
@@ -28,8 +32,12 @@ public:
     // Tests replace the opening of files (no desktop session there).
     std::function<bool(const std::filesystem::path&)> openTextFileHook;
 
+    // How often the event loop really runs (tests set its clock and count its turns).
+    WindowPacer& eventPacer() { return events_; }
+
 private:
     int busyDepth_ = 0;
+    WindowPacer events_;
 };
 
 } // namespace torquil

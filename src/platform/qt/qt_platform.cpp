@@ -3,7 +3,11 @@
 namespace torquil {
 
 QtPlatform::QtPlatform(const QString& settingsFile)
-    : working_(std::make_unique<WorkingForm>()), progress_(*working_), settings_(settingsFile) {}
+    : working_(std::make_unique<WorkingForm>()), progress_(*working_), settings_(settingsFile) {
+    // The form's pump is the paced one: a form shown for every page must not run the event
+    // loop for every page.
+    working_->letEventsRun = [this] { desktop_.processEvents(); };
+}
 
 QtPlatform::~QtPlatform() = default;
 

@@ -37,13 +37,17 @@ void WorkingForm::begin(const QString& title, const QString& text, int maximum) 
     stopRequested_ = false;
     setWindowTitle(title);
     text_->setText(text);
-    bar_->setRange(0, maximum > 0 ? maximum : 0);
-    bar_->setValue(0);
+    maximum_ = maximum > 0 ? maximum : 0;
+    value_ = 0;
+    showProgress();
     if (!isVisible()) {
         placeOverOwner();
         show();
     }
-    QCoreApplication::processEvents();
+    if (letEventsRun)
+        letEventsRun();
+    else
+        QCoreApplication::processEvents();
 }
 
 void WorkingForm::setText(const QString& text) {
@@ -51,23 +55,24 @@ void WorkingForm::setText(const QString& text) {
 }
 
 void WorkingForm::setMaximum(int maximum) {
-    bar_->setMaximum(maximum > 0 ? maximum : 0);
+    maximum_ = maximum > 0 ? maximum : 0;
+    if (paint_.takeTurn()) showProgress();
 }
 
 void WorkingForm::setValue(int value) {
     // Some loops report past their announced maximum (an estimate): grow the bar instead.
-    if (value > bar_->maximum()) bar_->setMaximum(value);
-    bar_->setValue(value < 0 ? 0 : value);
+    value_ = value < 0 ? 0 : value;
+    if (value_ > maximum_) maximum_ = value_;
+    if (paint_.takeTurn()) showProgress();
+}
+
+void WorkingForm::showProgress() {
+    bar_->setRange(0, maximum_);
+    bar_->setValue(value_);
 }
 
 QString WorkingForm::text() const {
     return text_->text();
-}
-int WorkingForm::value() const {
-    return bar_->value();
-}
-int WorkingForm::maximum() const {
-    return bar_->maximum();
 }
 
 void WorkingForm::placeOverOwner() {

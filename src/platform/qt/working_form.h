@@ -3,9 +3,12 @@
 // window keeps repainting; its Stop button sets the stop request that the loops test.
 
 #include "platform/platform.h"
+#include "platform/qt/window_pacer.h"
 
 #include <QDialog>
 #include <QPointer>
+
+#include <functional>
 
 class QLabel;
 class QProgressBar;
@@ -18,9 +21,12 @@ class WorkingForm : public QDialog {
 public:
     explicit WorkingForm(QWidget* parent = nullptr);
 
-    // Shows the form (centred on its owner) and clears the stop request.
+    // Shows the form (centred on its owner), clears the stop request and lets events run so that
+    // it is painted.
     void begin(const QString& title, const QString& text, int maximum);
     void setText(const QString& text);
+    // The range and value are kept at once; the bar shows them at most once per
+    // WindowPacer::kInterval (a progress bar repaints itself on every change of its value).
     void setMaximum(int maximum);
     void setValue(int value);
     void finish() { hide(); }
@@ -31,18 +37,28 @@ public:
     // The window it is centred on when shown.
     void setOwnerWindow(QWidget* owner) { owner_ = owner; }
     QString text() const;
-    int value() const;
-    int maximum() const;
+    // The value and maximum reported last (the bar may show an earlier pair for a moment).
+    int value() const { return value_; }
+    int maximum() const { return maximum_; }
+    QProgressBar* bar() const { return bar_; }
     QPushButton* stopButton() const { return stop_; }
+
+    // How the form lets events run once shown; the platform passes its paced event loop.
+    std::function<void()> letEventsRun;
+    // How often the bar is repainted (tests set its clock and count its turns).
+    WindowPacer& paintPacer() { return paint_; }
 
 private:
     void placeOverOwner();
+    void showProgress();
 
     QLabel* text_ = nullptr;
     QProgressBar* bar_ = nullptr;
     QPushButton* stop_ = nullptr;
     QPointer<QWidget> owner_;
     bool stopRequested_ = false;
+    int value_ = 0, maximum_ = 0;
+    WindowPacer paint_;
 };
 
 // The core's view of the form.
