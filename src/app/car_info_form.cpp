@@ -1,7 +1,9 @@
 #include "app/car_info_form.h"
 
 #include "app/car_sprite_image.h"
+#include "app/file_dialogs.h"
 #include "base/runtime_error.h"
+#include "cars/car_field_notes.h"
 #include "cars/fixed_point.h"
 #include "platform/platform.h"
 #include "session/edits.h"
@@ -75,6 +77,8 @@ void CarInfoForm::setBoxText(int index, const std::string& text) {
     const bool wasFilling = filling_;
     filling_ = true;
     edit->setText(index == kNameBox ? fromGameText(text) : QString::fromStdString(text));
+    lastGood_[static_cast<std::size_t>(index)] = edit->text();
+    markField(index, {});
     filling_ = wasFilling;
 }
 
@@ -93,14 +97,25 @@ void CarInfoForm::txtBoxChange(int index) {
         nameChanged_ = true; // the name is not checked
         return;
     }
-    const std::string text = edit->text().toStdString();
-    const FieldCheck check = clampFieldText(index, text);
-    if (check.clamped) {
-        // Putting the limit into the box runs this again with a text in range.
-        edit->setText(QString::fromStdString(check.text));
-        platform_.message(check.report);
+    const QString typed = edit->text();
+    const std::string text = typed.toStdString();
+    const FieldTextState state = fieldTextState(index, text);
+    if (state == FieldTextState::NotANumber) {
+        refuseText(index, typed);
         return;
     }
+    const FieldCheck check = clampFieldText(index, text);
+    if (check.clamped) {
+        // Putting the limit into the box runs this again with a text in range; the mark and the
+        // report come after it.
+        edit->setText(QString::fromStdString(check.text));
+        reportClamp(index, typed, check);
+        return;
+    }
+    lastGood_[static_cast<std::size_t>(index)] = typed;
+    markField(index, state == FieldTextState::Unfinished && !typed.trimmed().isEmpty()
+                         ? QStringLiteral("unfinished")
+                         : QString());
     if (!isRemapColourBox(index)) recordChanged_ = true;
 
     const CarField* field = carField(index);
@@ -128,6 +143,9 @@ bool CarInfoForm::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::FocusOut) {
         for (int i = 0; i < kCarFieldCount; ++i)
             if (watched == boxes_[static_cast<std::size_t>(i)]) txtBoxLostFocus(i);
+    } else if (event->type() == QEvent::FocusIn) {
+        for (int i = 0; i < kCarFieldCount; ++i)
+            if (watched == boxes_[static_cast<std::size_t>(i)]) showFieldInfo(i);
     }
     return QDialog::eventFilter(watched, event);
 }
@@ -176,13 +194,18 @@ void CarInfoForm::playSoundOfBox(int index, int repeat) {
 void CarInfoForm::saveSoundOfBox(int index, int repeat) {
     refreshSoundState();
     const int sound = soundNumberOfBox(index);
-    const QString suggested = QString::fromStdString(
-        (session_.style.dataFolder() / ("LEVEL" + std::to_string(session_.style.gMapNumber) +
-                                        "_sound" + std::to_string(sound) + ".wav"))
-            .string());
-    const QString path = askWavPath ? askWavPath(suggested)
-                                    : QFileDialog::getSaveFileName(this, "Save as WAV", suggested,
-                                                                   "WAV files (*.wav)");
+    const std::string name = "LEVEL" + std::to_string(session_.style.gMapNumber) + "_sound" +
+                             std::to_string(sound) + ".wav";
+    const QString dataFolder = QString::fromStdString(session_.style.dataFolder().string());
+    // The dialog starts in the folder last used for sounds (the level's folder at first) and
+    // asks before replacing a file.
+    const QString path =
+        askWavPath
+            ? askWavPath(QString::fromStdString((session_.style.dataFolder() / name).string()))
+            : chooseFile(this, platform_, dataFolder,
+                         {"Save as WAV", FileKind::Sound, true, QString::fromStdString(name),
+                          "WAV files (*.wav)", "wav"},
+                         [](QFileDialog& dialog) { return dialog.exec(); });
     if (path.isEmpty()) return;
     if (writeSoundWav(session_, platform_, static_cast<std::int16_t>(sound), 1.0,
                       static_cast<std::int16_t>(repeat),
@@ -193,6 +216,8 @@ void CarInfoForm::saveSoundOfBox(int index, int repeat) {
 }
 
 void CarInfoForm::done(int result) {
+    // A box that is not a number yet would be dropped: the form stays open and names it.
+    if (refuseUnfinishedClose()) return;
     acceptEdits();
     QDialog::done(result);
 }

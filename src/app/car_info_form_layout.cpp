@@ -63,6 +63,11 @@ void CarInfoForm::buildForm() {
     auto* hint =
         new QLabel("Changes are kept when the editor closes; \"Save Changes\" writes them.", this);
     hint->setEnabled(false);
+    // The focused box's caption and range, and the reports of its limits.
+    fieldStatus_ = new QLabel(this);
+    fieldStatus_->setObjectName("lblFieldStatus");
+    fieldStatus_->setWordWrap(true);
+    layout->addWidget(fieldStatus_);
     buttons->addWidget(hint);
     buttons->addStretch();
     cmdCancel_ = new QPushButton("&Close", this);
@@ -87,7 +92,7 @@ QLineEdit* CarInfoForm::makeBox(int index, QWidget* parent) {
     auto* edit = new QLineEdit(parent);
     edit->setObjectName(QString("txtBox%1").arg(index));
     edit->setFixedWidth(field->kind == FieldKind::Name ? kNameBoxWidth : kBoxWidth);
-    if (!field->toolTip.empty()) edit->setToolTip(qs(field->toolTip));
+    edit->setToolTip(fieldToolTip(index));
     edit->installEventFilter(this);
     connect(edit, &QLineEdit::textChanged, this, [this, index] { txtBoxChange(index); });
     boxes_[static_cast<std::size_t>(index)] = edit;

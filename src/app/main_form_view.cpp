@@ -45,7 +45,8 @@ void MainForm::buildFindingAids() {
     pathLabel_ = new QLabel(this);
     pathLabel_->setObjectName(QStringLiteral("lblFilePath"));
     pathLabel_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    statusBar()->insertPermanentWidget(1, pathLabel_); // after the hover label
+    // After the hover label and the export notice.
+    statusBar()->insertPermanentWidget(2, pathLabel_);
 
     connect(board_, &PageBoard::stepRequested, this, [this](int step) { stepSelection(step); });
     connect(board_, &PageBoard::activateRequested, this, [this] {
