@@ -62,6 +62,7 @@ MainForm::MainForm(AppOptions options, QtPlatform& platform, QWidget* parent)
 MainForm::~MainForm() {
     platform_.qtDesktop().onRefreshBoard = nullptr;
     platform_.qtDesktop().onShowHelp = nullptr;
+    platform_.messageSink().setHelpHandler(nullptr);
     // Child widgets outlive this body (QWidget deletes them later) but the session does not: the
     // car list's model, which reads the session at any layout pass, lets go of it now.
     if (carList_) carList_->setSession(nullptr);
@@ -117,7 +118,7 @@ void MainForm::buildWindow() {
     for (int z = 1; z <= 4; ++z) zoomBox_->addItem(tr("%1x").arg(z), z);
     statusBar()->addWidget(status_, 1);
     exportNotice_ = new ExportNotice(this);
-    statusBar()->addWidget(exportNotice_);
+    statusBar()->addWidget(exportNotice_, 1);
     statusBar()->addPermanentWidget(selectionLabel_);
     statusBar()->addPermanentWidget(zoomBox_);
     connect(zoomBox_, &QComboBox::activated, this,

@@ -67,6 +67,10 @@ void MainForm::buildFindingAids() {
     platform_.qtDesktop().onShowHelp = [self](int context) {
         return self && self->showHelpTopic(context);
     };
+    // The Help button of a question (the palette change after an import) opens its topic.
+    platform_.messageSink().setHelpHandler([self](const Message& message) {
+        return self && self->showHelpTopic(helpContextOfMessage(message.title));
+    });
 }
 
 void MainForm::showOpenFile() {

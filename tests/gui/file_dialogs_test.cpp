@@ -16,6 +16,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QStyle>
 
 #include <fstream>
 
@@ -65,6 +66,7 @@ private slots:
     void deltaSetDialogsRememberTheirOwnFolder();
     void dumpsSayWhereTheyWent();
     void dockLayoutIsKeptForTheNextRun();
+    void dialogsTakeTheBoardsDarkPalette(); // changes the application: runs last but one
     void screenshots();
 };
 
@@ -244,6 +246,22 @@ void FileDialogsTest::dockLayoutIsKeptForTheNextRun() {
     QCOMPARE(next.dockWidgetArea(next.carList()), Qt::RightDockWidgetArea);
     QVERIFY(next.carList()->isVisible());
     QCOMPARE(next.size(), QSize(900, 640));
+}
+
+void FileDialogsTest::dialogsTakeTheBoardsDarkPalette() {
+    applyBoardPalette(*qApp);
+    QCOMPARE(QApplication::style()->name(), QString("fusion"));
+    const QColor window = boardPalette().color(QPalette::Window);
+    QVERIFY(window.lightness() < 80);
+    WindowHarness h;
+    h.open();
+    LoadForm open(DialogMode::Style, h.session().style, h.platform);
+    QFileDialog files(h.form.get());
+    CarInfoForm editor(h.session(), h.platform, h.firstSprite(0, true)->ASN);
+    for (QWidget* dialog : std::initializer_list<QWidget*>{&open, &files, &editor, h.form.get()}) {
+        QCOMPARE(dialog->palette().color(QPalette::Window), window);
+        QCOMPARE(dialog->palette().color(QPalette::Base), boardPalette().color(QPalette::Base));
+    }
 }
 
 // With TORQUIL_SCREENSHOT_DIR set: the status bar after an export, the car editor with a clamped

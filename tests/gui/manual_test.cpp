@@ -9,11 +9,15 @@
 #include "cars/car_field_notes.h"
 #include "cars/car_fields.h"
 
+#include <QAbstractButton>
+#include <QApplication>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QRegularExpression>
 #include <QTextBrowser>
 #include <QTextDocument>
+#include <QTimer>
 
 using namespace torquil;
 using namespace torquil::testing;
@@ -49,6 +53,7 @@ private slots:
     void everyMenuEntryHasItsSection();
     void everyFieldHasItsRowWithItsDescription();
     void everyHelpTopicIsInTheManual();
+    void helpButtonOfThePaletteQuestionOpensItsTopic();
 };
 
 void ManualTest::everyMenuEntryHasItsSection() {
@@ -95,11 +100,40 @@ void ManualTest::everyHelpTopicIsInTheManual() {
     QVERIFY(help.showManual());
     const QStringList anchors = manualAnchors(help.browser()->document()->toHtml());
     QVERIFY(anchors.contains(helpAnchor(0)));
+    // The Help button of the palette question after an import.
+    QCOMPARE(helpAnchor(helpContextOfMessage("Palette Change")), QString("palette"));
+    QVERIFY(anchors.contains("palette"));
+    QCOMPARE(helpContextOfMessage("Import G24 Palette"), 0);
     for (int page = 0; page < CarInfoForm::PageCount; ++page)
         QVERIFY(anchors.contains(helpAnchor(CarInfoForm::helpContext(page))));
     for (const char* topic : {"packs", "undo", "delta-sets", "car-list", "recent", "drag-drop",
                               "command-line", "first-car", "fields"})
         QVERIFY2(anchors.contains(topic), topic);
+}
+
+void ManualTest::helpButtonOfThePaletteQuestionOpensItsTopic() {
+    WindowHarness h;
+    h.platform.messageSink().setHook(nullptr); // the real box, pressed below
+    int boxes = 0;
+    QTimer presser;
+    presser.setInterval(20);
+    QObject::connect(&presser, &QTimer::timeout, [&] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box) return;
+        // First Help, then (the box is asked again) No.
+        QAbstractButton* button = box->button(boxes++ == 0 ? QMessageBox::Help : QMessageBox::No);
+        QVERIFY(button);
+        button->click();
+    });
+    presser.start();
+    const Answer answer =
+        h.platform.messages().show(Message{"Would you like to AutoCorrect the Remaps?",
+                                           "Palette Change", Buttons::YesNo, Icon::Question, true});
+    presser.stop();
+    QCOMPARE(answer, Answer::No);
+    QCOMPARE(boxes, 2);
+    QVERIFY(h.form->helpWindow());
+    QCOMPARE(h.form->helpWindow()->anchor(), QString("palette"));
 }
 
 QTEST_MAIN(ManualTest)
