@@ -31,7 +31,9 @@ TEST(CarFieldNotes, EveryFieldIsDescribedWithItsCaptionAndRange) {
         const std::string text = fieldDescription(field.index);
         EXPECT_EQ(text.rfind(std::string(field.caption) + " (", 0), 0u) << text;
         EXPECT_NE(text.find(fieldRangeText(field.index)), std::string::npos) << text;
-        if (!field.toolTip.empty()) EXPECT_NE(text.find(field.toolTip), std::string::npos);
+        if (!field.toolTip.empty()) {
+            EXPECT_NE(text.find(field.toolTip), std::string::npos);
+        }
     }
     EXPECT_EQ(fieldDescription(0), "Width (0 to 255, pixels)\nWidth of the box the game uses for "
                                    "collisions, across the car.\nCollision Checking X");
