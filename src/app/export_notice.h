@@ -22,13 +22,21 @@ public:
     void showWritten(const QString& text, const QString& folder);
     QString file() const { return file_; } // empty after showWritten
     QString folder() const { return folder_; }
+    // The whole text; the label shows it shortened in the middle when the status bar is narrow.
+    QString text() const { return fullText_; }
     QLabel* textLabel() const { return text_; }
     QPushButton* openFolderButton() const { return openFolder_; }
 
     // Opens a folder in the file manager (QDesktopServices unless replaced; tests record it).
     std::function<void(const QString& folder)> openFolder;
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
+    void showText();
+
+    QString fullText_;
     QLabel* text_ = nullptr;
     QPushButton* openFolder_ = nullptr;
     QString file_, folder_;

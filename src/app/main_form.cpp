@@ -118,7 +118,7 @@ void MainForm::buildWindow() {
     for (int z = 1; z <= 4; ++z) zoomBox_->addItem(tr("%1x").arg(z), z);
     statusBar()->addWidget(status_, 1);
     exportNotice_ = new ExportNotice(this);
-    statusBar()->addWidget(exportNotice_, 1);
+    statusBar()->addWidget(exportNotice_, 3); // a path needs the room more than the hover text
     statusBar()->addPermanentWidget(selectionLabel_);
     statusBar()->addPermanentWidget(zoomBox_);
     connect(zoomBox_, &QComboBox::activated, this,

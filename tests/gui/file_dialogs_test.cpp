@@ -97,9 +97,8 @@ void FileDialogsTest::exportSpriteAsWritesTheChosenFileAndSaysWhere() {
     // The status bar says where it went; Open Folder opens that folder.
     ExportNotice* notice = h.form->exportNotice();
     QVERIFY(!notice->isHidden());
-    QCOMPARE(notice->textLabel()->text(),
-             "Sprite exported to " +
-                 QDir::toNativeSeparators(QString::fromStdString(written.string())));
+    QCOMPARE(notice->text(), "Sprite exported to " + QDir::toNativeSeparators(
+                                                         QString::fromStdString(written.string())));
     QString opened;
     notice->openFolder = [&](const QString& f) { opened = f; };
     QTest::mouseClick(notice->openFolderButton(), Qt::LeftButton);
@@ -181,7 +180,7 @@ void FileDialogsTest::fixedNameExportSaysWhereWithoutAMessageBox() {
     const auto file = h.sample.work / bmpFileName(h.session());
     QVERIFY(std::filesystem::exists(file));
     QCOMPARE(h.form->lastExportedFile(), QString::fromStdString(file.string()));
-    QVERIFY(h.form->exportNotice()->textLabel()->text().startsWith("Sprite exported to "));
+    QVERIFY(h.form->exportNotice()->text().startsWith("Sprite exported to "));
     QVERIFY(h.platform.shown.empty());
 }
 
@@ -207,7 +206,7 @@ void FileDialogsTest::deltaSetDialogsRememberTheirOwnFolder() {
     QCOMPARE(script.title, QString("Export Delta Set"));
     QVERIFY(script.suggested.endsWith("_deltas.bmp"));
     QCOMPARE(h.form->lastExportedFile(), script.answer);
-    QVERIFY(h.form->exportNotice()->textLabel()->text().startsWith("Delta set exported to "));
+    QVERIFY(h.form->exportNotice()->text().startsWith("Delta set exported to "));
 
     // Delta sets have their folder, sprites keep theirs (still the program's directory).
     script.answer.clear();
@@ -223,7 +222,7 @@ void FileDialogsTest::dumpsSayWhereTheyWent() {
     h.action("mnuGenCarInfoFiles")->setChecked(true);
     h.open();
     ExportNotice* notice = h.form->exportNotice();
-    QCOMPARE(notice->textLabel()->text(),
+    QCOMPARE(notice->text(),
              "Dump files written to " +
                  QDir::toNativeSeparators(QString::fromStdString(h.sample.work.string())));
     QCOMPARE(notice->folder(), QString::fromStdString(h.sample.work.string()));
