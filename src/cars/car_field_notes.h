@@ -26,7 +26,7 @@ const CarFieldNote* carFieldNote(int index);
 // "0 to 255"; "no limit" for the boxes that are never clamped.
 std::string fieldRangeText(int index);
 
-// The box's whole description: caption, range, unit, what it does, and the specified tool tip
+// The box's whole description: caption, range, unit, what it does, and the label's own tool tip
 // when the field has one. One paragraph per part, joined with "\n".
 std::string fieldDescription(int index);
 
