@@ -1,7 +1,10 @@
 #include "app/car_info_form.h"
+#include "app/qt_text.h"
 
 #include "app/car_sprite_image.h"
+#include "app/file_dialogs.h"
 #include "base/runtime_error.h"
+#include "cars/car_field_notes.h"
 #include "cars/car_name_rules.h"
 #include "cars/fixed_point.h"
 #include "platform/platform.h"
@@ -23,15 +26,6 @@ namespace torquil {
 
 namespace {
 
-// Car names are the game's single-byte text.
-QString fromGameText(const std::string& text) {
-    return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
-}
-std::string toGameText(const QString& text) {
-    return text.toLatin1().toStdString();
-}
-
-constexpr int kNameBox = 42;
 bool isRemapColourBox(int index) {
     return index >= 38 && index <= 40;
 }
@@ -76,19 +70,26 @@ void CarInfoForm::setBoxText(int index, const std::string& text) {
     const bool wasFilling = filling_;
     filling_ = true;
     edit->setText(index == kNameBox ? fromGameText(text) : QString::fromStdString(text));
-    keptText_[static_cast<std::size_t>(index)] = text;
+    lastGood_[static_cast<std::size_t>(index)] = edit->text();
+    markField(index, {});
     filling_ = wasFilling;
 }
 
-bool CarInfoForm::refuseUnfit(int index, const std::string& text) {
-    const std::string reason = doesNotFitReason(index, text);
+bool CarInfoForm::refuseUnfit(int index, const QString& typed) {
+    const std::string reason = doesNotFitReason(index, typed.toStdString());
     if (reason.empty()) return false;
-    // Never wrapped: the box goes back to the last text it held that the record can keep.
-    const CarField* field = carField(index);
-    platform_.message(std::string(field->caption) + ": " + text + " is refused.\r" + reason +
-                          ".\rType a value the game can read.",
-                      Buttons::Ok, Icon::Warning, "Car Info");
-    setBoxText(index, keptText_[static_cast<std::size_t>(index)]);
+    // Never wrapped: the box goes back to its last text the record can keep, and the field says
+    // why, without a message box in the middle of the typing.
+    const QString kept = lastGood_[static_cast<std::size_t>(index)];
+    const bool wasFilling = filling_;
+    filling_ = true;
+    box(index)->setText(kept);
+    filling_ = wasFilling;
+    markField(index, QStringLiteral("refused"));
+    fieldStatus_->setText(QString::fromStdString(std::string(carField(index)->caption)) +
+                          QStringLiteral(": ") + typed.trimmed() + QStringLiteral(" is refused: ") +
+                          QString::fromStdString(reason) + QStringLiteral("; the box keeps ") +
+                          (kept.isEmpty() ? QStringLiteral("nothing") : kept));
     return true;
 }
 
@@ -107,16 +108,26 @@ void CarInfoForm::txtBoxChange(int index) {
         nameChanged_ = true; // the name is not checked
         return;
     }
-    const std::string text = edit->text().toStdString();
-    const FieldCheck check = clampFieldText(index, text);
-    if (check.clamped) {
-        // Putting the limit into the box runs this again with a text in range.
-        edit->setText(QString::fromStdString(check.text));
-        platform_.message(check.report);
+    const QString typed = edit->text();
+    const std::string text = typed.toStdString();
+    const FieldTextState state = fieldTextState(index, text);
+    if (state == FieldTextState::NotANumber) {
+        refuseText(index, typed);
         return;
     }
-    if (check.isNumber && refuseUnfit(index, text)) return;
-    keptText_[static_cast<std::size_t>(index)] = text;
+    const FieldCheck check = clampFieldText(index, text);
+    if (check.clamped) {
+        // Putting the limit into the box runs this again with a text in range; the mark and the
+        // report come after it.
+        edit->setText(QString::fromStdString(check.text));
+        reportClamp(index, typed, check);
+        return;
+    }
+    if (check.isNumber && refuseUnfit(index, typed)) return;
+    lastGood_[static_cast<std::size_t>(index)] = typed;
+    markField(index, state == FieldTextState::Unfinished && !typed.trimmed().isEmpty()
+                         ? QStringLiteral("unfinished")
+                         : QString());
     if (!isRemapColourBox(index)) recordChanged_ = true;
 
     const CarField* field = carField(index);
@@ -144,6 +155,9 @@ bool CarInfoForm::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::FocusOut) {
         for (int i = 0; i < kCarFieldCount; ++i)
             if (watched == boxes_[static_cast<std::size_t>(i)]) txtBoxLostFocus(i);
+    } else if (event->type() == QEvent::FocusIn) {
+        for (int i = 0; i < kCarFieldCount; ++i)
+            if (watched == boxes_[static_cast<std::size_t>(i)]) showFieldInfo(i);
     }
     return QDialog::eventFilter(watched, event);
 }
@@ -192,13 +206,18 @@ void CarInfoForm::playSoundOfBox(int index, int repeat) {
 void CarInfoForm::saveSoundOfBox(int index, int repeat) {
     refreshSoundState();
     const int sound = soundNumberOfBox(index);
-    const QString suggested = QString::fromStdString(
-        (session_.style.dataFolder() / ("LEVEL" + std::to_string(session_.style.gMapNumber) +
-                                        "_sound" + std::to_string(sound) + ".wav"))
-            .string());
-    const QString path = askWavPath ? askWavPath(suggested)
-                                    : QFileDialog::getSaveFileName(this, "Save as WAV", suggested,
-                                                                   "WAV files (*.wav)");
+    const std::string name = "LEVEL" + std::to_string(session_.style.gMapNumber) + "_sound" +
+                             std::to_string(sound) + ".wav";
+    const QString dataFolder = QString::fromStdString(session_.style.dataFolder().string());
+    // The dialog starts in the folder last used for sounds (the level's folder at first) and
+    // asks before replacing a file.
+    const QString path =
+        askWavPath
+            ? askWavPath(QString::fromStdString((session_.style.dataFolder() / name).string()))
+            : chooseFile(this, platform_, dataFolder,
+                         {"Save as WAV", FileKind::Sound, true, QString::fromStdString(name),
+                          "WAV files (*.wav)", "wav"},
+                         [](QFileDialog& dialog) { return dialog.exec(); });
     if (path.isEmpty()) return;
     if (writeSoundWav(session_, platform_, static_cast<std::int16_t>(sound), 1.0,
                       static_cast<std::int16_t>(repeat),
@@ -209,6 +228,8 @@ void CarInfoForm::saveSoundOfBox(int index, int repeat) {
 }
 
 void CarInfoForm::done(int result) {
+    // A box that is not a number yet would be dropped: the form stays open and names it.
+    if (refuseUnfinishedClose()) return;
     acceptEdits();
     QDialog::done(result);
 }

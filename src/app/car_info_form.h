@@ -12,6 +12,7 @@
 #include <array>
 #include <functional>
 #include <string>
+#include <vector>
 
 class QLabel;
 class QLineEdit;
@@ -69,6 +70,15 @@ public:
     // Asks where Save as WAV writes (a file dialog unless replaced); empty: cancelled.
     std::function<QString(const QString& suggested)> askWavPath;
 
+    // The line under the pages that describes the focused box and reports its clamps and
+    // refusals (the limits' reports are shown here, never in a message box).
+    QLabel* fieldStatus() const { return fieldStatus_; }
+    // How a box is marked: "" (fine), "clamped" (its value was set to a limit), "refused" (text
+    // that is not a number was taken back) or "unfinished" (not a number yet).
+    QString fieldMark(int index) const;
+    // The boxes whose text is not a number yet; closing the form waits until there are none.
+    std::vector<int> unfinishedBoxes() const;
+
     // The help context number each page's help button carries.
     static int helpContext(int page) { return 100 + page; }
 
@@ -93,9 +103,17 @@ private:
     void setBoxText(int index, const std::string& text); // without counting as an edit
     // A number inside the box's limits that its record field cannot hold (cx = 200): says why,
     // with the value the game would read, and puts back the box's last good text.
-    bool refuseUnfit(int index, const std::string& text);
+    bool refuseUnfit(int index, const QString& typed);
     void txtBoxChange(int index);
     void txtBoxLostFocus(int index);
+
+    // Limits as the user types (car_info_form_limits.cpp).
+    void markField(int index, const QString& mark);
+    void showFieldInfo(int index);
+    void reportClamp(int index, const QString& typed, const FieldCheck& check);
+    void refuseText(int index, const QString& typed);
+    QString fieldToolTip(int index) const;
+    bool refuseUnfinishedClose();
     void cmdHelpClick(int page);
     void acceptEdits();
     void playSoundOfBox(int index, int repeat);
@@ -127,7 +145,7 @@ private:
     bool filling_ = false; // boxes being filled by the form itself
     bool accepted_ = false;
     std::array<std::string, kCarFieldCount> filledText_; // each box's text when the form opened
-    std::array<std::string, kCarFieldCount> keptText_;   // each box's last text the record can hold
+    std::array<QString, kCarFieldCount> lastGood_;       // each box's last text that was taken
 
     QTabWidget* tabs_ = nullptr;
     QLabel* soundState_ = nullptr;
@@ -135,6 +153,7 @@ private:
     std::array<QLabel*, kCarFieldCount> labels_{};
     std::array<QPushButton*, PageCount> helpButtons_{};
     QPushButton* cmdCancel_ = nullptr;
+    QLabel* fieldStatus_ = nullptr;
 
     DoorView* pictDoors_ = nullptr;
     QScrollBar* doorScroll_ = nullptr;

@@ -1,6 +1,7 @@
 // The pages of carInfoFrm: which boxes stand on which page, in the order the Tab key visits them.
 
 #include "app/car_info_form.h"
+#include "app/qt_text.h"
 
 #include "app/car_sprite_image.h"
 #include "app/door_view.h"
@@ -28,10 +29,6 @@ namespace {
 
 constexpr int kBoxWidth = 110;
 constexpr int kNameBoxWidth = 200;
-
-QString qs(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 // The page's own help button sits at its bottom right.
 void addHelpRow(QVBoxLayout* layout, QPushButton* help) {
@@ -63,6 +60,11 @@ void CarInfoForm::buildForm() {
     auto* hint =
         new QLabel("Changes are kept when the editor closes; \"Save Changes\" writes them.", this);
     hint->setEnabled(false);
+    // The focused box's caption and range, and the reports of its limits.
+    fieldStatus_ = new QLabel(this);
+    fieldStatus_->setObjectName("lblFieldStatus");
+    fieldStatus_->setWordWrap(true);
+    layout->addWidget(fieldStatus_);
     buttons->addWidget(hint);
     buttons->addStretch();
     cmdCancel_ = new QPushButton("&Close", this);
@@ -87,7 +89,7 @@ QLineEdit* CarInfoForm::makeBox(int index, QWidget* parent) {
     auto* edit = new QLineEdit(parent);
     edit->setObjectName(QString("txtBox%1").arg(index));
     edit->setFixedWidth(field->kind == FieldKind::Name ? kNameBoxWidth : kBoxWidth);
-    if (!field->toolTip.empty()) edit->setToolTip(qs(field->toolTip));
+    edit->setToolTip(fieldToolTip(index));
     edit->installEventFilter(this);
     connect(edit, &QLineEdit::textChanged, this, [this, index] { txtBoxChange(index); });
     boxes_[static_cast<std::size_t>(index)] = edit;

@@ -1,4 +1,5 @@
 #include "app/car_list_model.h"
+#include "app/qt_text.h"
 
 #include "cars/car_fields.h"
 #include "cars/fixed_point.h"
@@ -15,12 +16,7 @@ namespace {
 // the centre of mass (cx, cy).
 constexpr std::array<int, 20> kColumnFields = {42, 12, 11, 0,  1,  2,  4,  5,  6,  7,
                                                8,  9,  10, 13, 14, 18, 19, 37, 15, 16};
-constexpr int kNameBox = 42;
 
-// Car names are the game's single-byte text.
-QString fromGameText(const std::string& text) {
-    return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 // What was refused, why (from the core: the value the game would read, the name rule) and that
 // nothing changed.

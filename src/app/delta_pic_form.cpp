@@ -50,7 +50,8 @@ DeltaPicForm::DeltaPicForm(const std::vector<QImage>& frames, const QString& tit
     auto* stripLabel = new QLabel(this);
     stripLabel->setObjectName("deltaStrip");
     stripLabel->setPixmap(QPixmap::fromImage(strip_));
-    stripLabel->setToolTip(tr("Every delta of the sprite, numbered from 1"));
+    stripLabel->setToolTip(tr("Every delta of the sprite, numbered from 0 as the door records and "
+                              "torquil-cli count them"));
     auto* stripArea = new QScrollArea(this);
     stripArea->setObjectName("deltaStripArea");
     stripArea->setWidget(stripLabel);
@@ -127,7 +128,7 @@ void DeltaPicForm::buildStrip() {
                           frames_[static_cast<std::size_t>(i)].scaled(
                               r.size(), Qt::IgnoreAspectRatio, Qt::FastTransformation));
         painter.drawText(QRect(r.left(), r.bottom() + 1, r.width(), kNumberHeight), Qt::AlignCenter,
-                         QString::number(i + 1));
+                         QString::number(i));
     }
 }
 
@@ -135,7 +136,8 @@ void DeltaPicForm::showFrame(int index) {
     if (frames_.empty() || !frameLabel_) return;
     current_ = ((index % frameCount()) + frameCount()) % frameCount();
     setPicture(frames_[static_cast<std::size_t>(current_)]);
-    frameLabel_->setText(tr("Delta %1 of %2").arg(current_ + 1).arg(frameCount()));
+    // Numbered from 0, as the delta store and the door records count deltas.
+    frameLabel_->setText(tr("Delta %1 (0 to %2)").arg(current_).arg(frameCount() - 1));
 }
 
 void DeltaPicForm::stepForward() {

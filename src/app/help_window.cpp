@@ -26,10 +26,15 @@ constexpr std::array<const char*, 8> kEditorPages = {
 } // namespace
 
 QString helpAnchor(int context) {
+    if (context == kPaletteHelpContext) return QStringLiteral("palette");
     const int page = context - 100;
     if (page >= 0 && page < static_cast<int>(kEditorPages.size()))
         return QString::fromLatin1(kEditorPages[static_cast<std::size_t>(page)]);
     return QStringLiteral("contents");
+}
+
+int helpContextOfMessage(const std::string& title) {
+    return title == "Palette Change" ? kPaletteHelpContext : 0;
 }
 
 HelpWindow::HelpWindow(QWidget* parent) : QWidget(parent, Qt::Window) {

@@ -3,14 +3,23 @@
 // topic of the place the user asked from, and the Read Me file shown as plain text.
 
 #include <QString>
+
 #include <QWidget>
+#include <string>
 
 class QTextBrowser;
 
 namespace torquil {
 
-// The manual's anchor for a help context: 0 the contents, 100 + page the car editor's pages.
+// Help contexts beside the car editor's pages (100 + page).
+inline constexpr int kPaletteHelpContext = 200; // the palette questions of an import
+
+// The manual's anchor for a help context: 0 the contents, 100 + page the car editor's pages,
+// kPaletteHelpContext the palette questions.
 QString helpAnchor(int context);
+// The help context of a message box's Help button, by the box's title ("Palette Change");
+// 0 (the contents) for any other.
+int helpContextOfMessage(const std::string& title);
 
 class HelpWindow : public QWidget {
     Q_OBJECT

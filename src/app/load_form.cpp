@@ -1,15 +1,19 @@
 #include "app/load_form.h"
 
+#include "app/sample_folder.h"
 #include "platform/platform.h"
 #include "style/style_file.h"
 
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
@@ -70,7 +74,7 @@ LoadForm::LoadForm(DialogMode mode, const StyleFileState& style, Platform& platf
     pattern_ = filePattern(mode, style);
     buildWidgets();
     fillDrives();
-    setDirectory(QDir::currentPath());
+    setDirectory(firstRunFolder(mode));
     getRegSettings();
     // With a style file open, opening the next one starts beside it: another level's file of
     // the same name is then never picked by mistake.
@@ -84,10 +88,16 @@ LoadForm::LoadForm(DialogMode mode, const StyleFileState& style, Platform& platf
 void LoadForm::buildWidgets() {
     drives_ = new QComboBox(this);
     drives_->setObjectName(QStringLiteral("Drive1"));
-    path_ = new QLabel(this);
-    path_->setObjectName(QStringLiteral("lblPath"));
-    path_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    path_->setWordWrap(true);
+    pathEdit_ = new QLineEdit(this);
+    pathEdit_->setObjectName(QStringLiteral("txtPath"));
+    pathEdit_->setPlaceholderText(tr("Type a folder or a file, then Return"));
+    pathEdit_->setToolTip(tr("The folder shown. Type a folder or a file and press Return to open "
+                             "it; a name alone is looked for in the folder shown."));
+    pathEdit_->installEventFilter(this);
+    pathState_ = new QLabel(this);
+    pathState_->setObjectName(QStringLiteral("lblPathState"));
+    pathState_->setWordWrap(true);
+    pathState_->hide();
     folders_ = new QListWidget(this);
     folders_->setObjectName(QStringLiteral("Dir1"));
     files_ = new QListWidget(this);
@@ -118,14 +128,16 @@ void LoadForm::buildWidgets() {
         label->setBuddy(buddy);
         return label;
     };
+    auto* pathRow = new QHBoxLayout;
+    pathRow->addWidget(buddyLabel(tr("&Path:"), pathEdit_));
+    pathRow->addWidget(pathEdit_, 1);
     auto* grid = new QGridLayout;
     grid->addWidget(buddyLabel(tr("&Drive:"), drives_), 0, 0);
     grid->addWidget(buddyLabel(tr("F&iles (%1):").arg(pattern_), files_), 0, 1);
     grid->addWidget(drives_, 1, 0);
     grid->addWidget(files_, 1, 1, 4, 1);
     grid->addWidget(buddyLabel(tr("F&olders:"), folders_), 2, 0);
-    grid->addWidget(path_, 3, 0);
-    grid->addWidget(folders_, 4, 0);
+    grid->addWidget(folders_, 3, 0, 2, 1);
     grid->setColumnStretch(0, 1);
     grid->setColumnStretch(1, 1);
     grid->setRowStretch(4, 1);
@@ -136,6 +148,8 @@ void LoadForm::buildWidgets() {
     buttons->addWidget(cancel);
 
     auto* layout = new QVBoxLayout(this);
+    layout->addLayout(pathRow);
+    layout->addWidget(pathState_);
     layout->addLayout(grid, 1);
     layout->addWidget(options_);
     layout->addLayout(buttons);
@@ -179,7 +193,8 @@ bool LoadForm::setDirectory(const QString& dir) {
     const QDir d(dir);
     if (dir.isEmpty() || !d.exists() || !d.isReadable()) return false;
     dir_ = QDir::cleanPath(d.absolutePath());
-    path_->setText(QDir::toNativeSeparators(dir_));
+    pathEdit_->setText(QDir::toNativeSeparators(dir_));
+    pathState_->hide();
     syncDriveToDirectory();
     fillLists();
     return true;
@@ -303,6 +318,69 @@ void LoadForm::confirm() {
     }
     saveRegSettings();
     accept();
+}
+
+QString LoadForm::firstRunFolder(DialogMode mode) {
+    if (mode == DialogMode::Style) {
+        const QString sample =
+            sampleFolderBeside(QCoreApplication::applicationDirPath(), QDir::currentPath());
+        if (!sample.isEmpty()) return sample;
+    }
+    return QDir::currentPath();
+}
+
+QString LoadForm::pathState() const {
+    return pathState_->isHidden() ? QString() : pathState_->text();
+}
+
+bool LoadForm::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == pathEdit_ && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            // Taken here, so the dialog's default button does not also confirm.
+            openTypedPath();
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+bool LoadForm::openTypedPath() {
+    QString typed = QDir::fromNativeSeparators(pathEdit_->text().trimmed());
+    if (typed == QLatin1String("~") || typed.startsWith(QLatin1String("~/")))
+        typed = QDir::homePath() + typed.mid(1);
+    const QFileInfo target(QDir(dir_).filePath(typed)); // an absolute path stays as it is
+    auto refuse = [this](const QString& why) {
+        pathState_->setText(why);
+        pathState_->show();
+        return false;
+    };
+    if (typed.isEmpty() || (target.isDir() && QDir::cleanPath(target.absoluteFilePath()) == dir_)) {
+        // The field names the folder shown: Return opens the file selected in it.
+        if (selectedFile().isEmpty())
+            return refuse(tr("Choose a file in the list or type its name."));
+        confirm();
+        return true;
+    }
+    if (target.isDir()) {
+        if (!setDirectory(target.absoluteFilePath()))
+            return refuse(tr("The folder %1 cannot be read.")
+                              .arg(QDir::toNativeSeparators(target.absoluteFilePath())));
+        return true;
+    }
+    if (!target.exists())
+        return refuse(tr("There is no file or folder %1.")
+                          .arg(QDir::toNativeSeparators(target.absoluteFilePath())));
+    if (!setDirectory(target.absolutePath()))
+        return refuse(tr("The folder %1 cannot be read.")
+                          .arg(QDir::toNativeSeparators(target.absolutePath())));
+    if (!selectFile(target.fileName())) {
+        pathEdit_->setText(QDir::toNativeSeparators(target.absoluteFilePath()));
+        return refuse(
+            tr("%1 is not a file this dialog opens (%2).").arg(target.fileName(), pattern_));
+    }
+    confirm();
+    return true;
 }
 
 } // namespace torquil

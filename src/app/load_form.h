@@ -9,6 +9,7 @@
 class QComboBox;
 class QGroupBox;
 class QLabel;
+class QLineEdit;
 class QListWidget;
 class QListWidgetItem;
 class QPushButton;
@@ -43,6 +44,20 @@ public:
     QString optionsCaption() const;
     bool optionsEnabled() const;
     void confirm(); // cmdOK_Click
+    // The path field: shows the folder; Return there opens what is typed (a folder is shown, a
+    // file is selected and confirmed; a relative path is taken from the shown folder) or, when
+    // the field still names the shown folder, the selected file. False when nothing was opened
+    // or shown (the line under the field says why).
+    bool openTypedPath();
+    QLineEdit* pathField() const { return pathEdit_; }
+    QString pathState() const;
+
+    // The folder a mode starts in when nothing is remembered: the bundled sample level's folder
+    // for style files when it is found beside the program, else the current folder.
+    static QString firstRunFolder(DialogMode mode);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void buildWidgets();
@@ -62,8 +77,9 @@ private:
     QString dir_;
     QString chosenPath_;
 
-    QComboBox* drives_ = nullptr; // Drive1
-    QLabel* path_ = nullptr;
+    QComboBox* drives_ = nullptr;     // Drive1
+    QLineEdit* pathEdit_ = nullptr;   // the shown folder, or a path the user types
+    QLabel* pathState_ = nullptr;     // why a typed path was not opened
     QListWidget* folders_ = nullptr;  // Dir1
     QListWidget* files_ = nullptr;    // File1
     QGroupBox* options_ = nullptr;    // FrameG24Options

@@ -2,6 +2,7 @@
 
 #include "app/car_list_dock.h"
 #include "app/details_form.h"
+#include "app/export_notice.h"
 #include "app/main_menus.h"
 #include "app/main_tool_bar.h"
 #include "app/page_board.h"
@@ -31,8 +32,9 @@ namespace torquil {
 
 namespace {
 
-const QStringList kNeedSprite = {"mnuExportSprite",  "mnuImportSprite", "mnuTranspCheck",
-                                 "mnuTranspCorrect", "exportsprite",    "importsprite"};
+const QStringList kNeedSprite = {"mnuExportSprite",     "mnuImportSprite", "mnuExportSpriteAs",
+                                 "mnuImportSpriteFrom", "mnuTranspCheck",  "mnuTranspCorrect",
+                                 "exportsprite",        "importsprite"};
 const QStringList kNeedCar = {"mnuEditCar", "carinfo"};
 // Delta set commands need a selected sprite that has deltas.
 const QStringList kNeedDeltas = {"mnuExportDeltas0",  "mnuExportDeltas1", "mnuImportDeltas",
@@ -61,6 +63,7 @@ MainForm::MainForm(AppOptions options, QtPlatform& platform, QWidget* parent)
 MainForm::~MainForm() {
     platform_.qtDesktop().onRefreshBoard = nullptr;
     platform_.qtDesktop().onShowHelp = nullptr;
+    platform_.messageSink().setHelpHandler(nullptr);
     // Child widgets outlive this body (QWidget deletes them later) but the session does not: the
     // car list's model, which reads the session at any layout pass, lets go of it now.
     if (carList_) carList_->setSession(nullptr);
@@ -115,6 +118,8 @@ void MainForm::buildWindow() {
     zoomBox_->setToolTip(tr("Zoom (Ctrl+wheel on the board)"));
     for (int z = 1; z <= 4; ++z) zoomBox_->addItem(tr("%1x").arg(z), z);
     statusBar()->addWidget(status_, 1);
+    exportNotice_ = new ExportNotice(this);
+    statusBar()->addWidget(exportNotice_, 3); // a path needs the room more than the hover text
     statusBar()->addPermanentWidget(selectionLabel_);
     statusBar()->addPermanentWidget(zoomBox_);
     connect(zoomBox_, &QComboBox::activated, this,
@@ -147,6 +152,8 @@ void MainForm::connectCommands() {
     connectMenu("mnuImportSprite", &MainForm::mnuImportSprite_Click);
     connectMenu("mnuImportDeltas", &MainForm::mnuImportDeltas_Click);
     connectMenu("mnuExportSprite", &MainForm::mnuExportSprite_Click);
+    connectMenu("mnuExportSpriteAs", &MainForm::mnuExportSpriteAs_Click);
+    connectMenu("mnuImportSpriteFrom", &MainForm::mnuImportSpriteFrom_Click);
     connectMenu("mnuTranspCheck", &MainForm::mnuTranspCheck_Click);
     connectMenu("mnuTranspCorrect", &MainForm::mnuTranspCorrect_Click);
     connectMenu("mnuFindCar", &MainForm::mnuFindCar_Click);
@@ -354,8 +361,13 @@ void MainForm::restoreWindowSettings() {
     const QSize size = s.value(QStringLiteral("Size"), QSize(1120, 660)).toSize();
     const int zoom = s.value(QStringLiteral("Zoom"), 2).toInt();
     const bool maximized = s.value(QStringLiteral("Maximized"), false).toBool();
+    const QByteArray geometry = s.value(QStringLiteral("Geometry")).toByteArray();
+    const QByteArray state = s.value(QStringLiteral("State")).toByteArray();
     s.endGroup();
     resize(size.boundedTo(QSize(10000, 10000)).expandedTo(QSize(480, 360)));
+    // The place and size of the window, and where the docks and the toolbar were and how big.
+    if (!geometry.isEmpty()) restoreGeometry(geometry);
+    if (!state.isEmpty()) restoreState(state);
     setZoom(zoom);
     if (maximized) setWindowState(windowState() | Qt::WindowMaximized);
 }
@@ -365,6 +377,8 @@ void MainForm::saveWindowSettings() {
     s.beginGroup(QStringLiteral("Window"));
     s.setValue(QStringLiteral("Maximized"), isMaximized());
     if (!isMaximized()) s.setValue(QStringLiteral("Size"), size());
+    s.setValue(QStringLiteral("Geometry"), saveGeometry());
+    s.setValue(QStringLiteral("State"), saveState());
     s.setValue(QStringLiteral("Zoom"), board_->zoom());
     s.endGroup();
     s.sync();

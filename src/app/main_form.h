@@ -3,6 +3,7 @@
 // the work is done by the core on the session, which is replaced whole on every load.
 
 #include "app/command_groups.h"
+#include "app/file_dialogs.h"
 #include "app/picture_file_choice.h"
 #include "session/edits.h"
 #include "session/session_io.h"
@@ -24,6 +25,7 @@ class QLabel;
 namespace torquil {
 
 class CarListDock;
+class ExportNotice;
 class DetailsForm;
 class HelpWindow;
 class MainMenus;
@@ -47,6 +49,10 @@ public:
     QLabel* pathLabel() const { return pathLabel_; }
     CarListDock* carList() const { return carList_; }
     HelpWindow* helpWindow() const { return help_; }
+    // The status bar's word after an export (where the file went, "Open Folder").
+    ExportNotice* exportNotice() const { return exportNotice_; }
+    // The file the last export wrote; empty before the first.
+    QString lastExportedFile() const;
 
     // Switches a command group (0: groups 1 to 9; above 9: nothing).
     void setCommandGroup(int group, bool enabled);
@@ -147,6 +153,12 @@ private:
     // The delta set picture to write (forSaving) or read: the dialog's answer, with the chosen
     // filter's extension added to a name typed without one; empty when cancelled.
     QString chooseDeltaSetFile(bool forSaving, const QString& suggested);
+    void mnuExportSpriteAs_Click();
+    void mnuImportSpriteFrom_Click();
+    // A file dialog run through runDialog, starting in the kind's last folder (the program's
+    // directory at first); empty when cancelled.
+    QString askForFile(const FileRequest& request);
+    void showExported(const QString& what, const std::filesystem::path& file);
     void mnuTranspCheck_Click();
     void mnuTranspCorrect_Click();
     void mnuFindCar_Click();
@@ -188,6 +200,7 @@ private:
     QLabel* pathLabel_ = nullptr;
     CarListDock* carList_ = nullptr;
     HelpWindow* help_ = nullptr;
+    ExportNotice* exportNotice_ = nullptr;
 };
 
 } // namespace torquil

@@ -8,6 +8,7 @@
 #include "session/edits.h"
 
 #include <QAction>
+#include <QDir>
 #include <QDragEnterEvent>
 #include <QDragMoveEvent>
 #include <QDropEvent>
@@ -148,9 +149,15 @@ void MainForm::rebuildRecentMenu() {
     for (int i = 0; i < files.size(); ++i) {
         const QString path = files[i].first;
         const int option = files[i].second;
-        QAction* a = menu->addAction(QStringLiteral("&%1 %2 [%3]")
-                                         .arg(i + 1)
-                                         .arg(QFileInfo(path).fileName(), optionName(option)));
+        // Every level's file is STYLE001.G24 or the like: the folder tells them apart.
+        const QString folder = QDir::toNativeSeparators(QFileInfo(path).absolutePath());
+        QAction* a =
+            menu->addAction(QStringLiteral("&%1 %2 [%3]  %4")
+                                .arg(i + 1)
+                                .arg(QFileInfo(path).fileName(), optionName(option),
+                                     menu->fontMetrics()
+                                         .elidedText(folder, Qt::ElideMiddle, 360)
+                                         .replace(QLatin1Char('&'), QStringLiteral("&&"))));
         a->setObjectName(QStringLiteral("mnuRecent%1").arg(i));
         a->setToolTip(path);
         a->setStatusTip(path);

@@ -1,6 +1,7 @@
 // The File menu: open, load a bitmap, save and exit (the car pack entries: main_form_car_pack).
 
 #include "app/car_list_dock.h"
+#include "app/export_notice.h"
 #include "app/load_form.h"
 #include "app/main_form.h"
 #include "app/main_tool_bar.h"
@@ -16,6 +17,7 @@
 #include "session/session_io.h"
 #include "sprites/sprite_info.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QMenuBar>
 #include <QToolBar>
@@ -91,6 +93,12 @@ void MainForm::afterLoad(bool loaded) {
         setCommandGroup(8, true);
         setCommandGroup(9, true); // apply a car pack
         updateTitle();
+        const DumpFlags& dumps = options_.dumps;
+        if (dumps.carInfo || dumps.spriteInfo || dumps.clut || dumps.delta) {
+            const QString folder = QString::fromStdString(options_.workDir.string());
+            exportNotice_->showWritten(
+                tr("Dump files written to %1").arg(QDir::toNativeSeparators(folder)), folder);
+        }
     }
     showOpenFile();
     updateStatusForSelection();

@@ -3,6 +3,7 @@
 #include "app/car_info_form.h"
 #include "app/car_list_dock.h"
 #include "app/delta_pic_form.h"
+#include "app/export_notice.h"
 #include "app/main_form.h"
 #include "app/page_board.h"
 #include "exchange/sprite_exchange.h"
@@ -12,6 +13,7 @@
 #include "session/edits.h"
 #include "sprites/sprite_info.h"
 
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
@@ -21,10 +23,23 @@
 
 namespace torquil {
 
+QString MainForm::lastExportedFile() const {
+    return exportNotice_->file();
+}
+
+void MainForm::showExported(const QString& what, const std::filesystem::path& file) {
+    exportNotice_->showExport(what, QString::fromStdString(file.string()));
+}
+
+QString MainForm::askForFile(const FileRequest& request) {
+    return chooseFile(this, platform_, QString::fromStdString(options_.workDir.string()), request,
+                      [this](QFileDialog& dialog) { return execDialog(dialog); });
+}
+
 void MainForm::mnuExportSprite_Click() {
     const std::filesystem::path file = exportSprite(*session_, platform_);
     if (file.empty()) return;
-    platform_.message("Sprite exported to:\r" + file.string(), Buttons::Ok, Icon::Information);
+    showExported(tr("Sprite"), file);
 }
 
 void MainForm::mnuImportSprite_Click() {
@@ -33,20 +48,47 @@ void MainForm::mnuImportSprite_Click() {
     markChanged();
 }
 
+void MainForm::mnuExportSpriteAs_Click() {
+    if (!session_->selectedSprite()) return;
+    const QString file = askForFile({tr("Export Sprite As"),
+                                     FileKind::Sprite,
+                                     true,
+                                     QString::fromStdString(bmpFileName(*session_)),
+                                     pictureFileFilters(),
+                                     {}});
+    if (file.isEmpty()) return;
+    const std::filesystem::path path(file.toStdString());
+    if (!exportSpriteTo(*session_, platform_, path)) return;
+    showExported(tr("Sprite"), path);
+}
+
+void MainForm::mnuImportSpriteFrom_Click() {
+    if (!session_->selectedSprite()) return;
+    const QString file = askForFile(
+        {tr("Import Sprite From"), FileKind::Sprite, false, {}, pictureFileFilters(), {}});
+    if (file.isEmpty()) return;
+    (void)importSpriteFrom(*session_, platform_, std::filesystem::path(file.toStdString()));
+    markChanged(); // a refused import may still have overwritten the CLUT
+}
+
 QString MainForm::chooseDeltaSetFile(bool forSaving, const QString& suggested) {
-    const QString filters = pictureFileFilters();
-    PictureFileAnswer answer;
-    if (askDeltaSetFile) {
-        answer = askDeltaSetFile(forSaving, suggested, filters);
-    } else {
-        answer.filter = QString::fromLatin1(kBitmapFilter);
-        answer.file = forSaving ? QFileDialog::getSaveFileName(this, tr("Export Delta Set"),
-                                                               suggested, filters, &answer.filter)
-                                : QFileDialog::getOpenFileName(this, tr("Import Delta Set"),
-                                                               suggested, filters, &answer.filter);
-    }
+    const QString title = forSaving ? tr("Export Delta Set") : tr("Import Delta Set");
+    if (!askDeltaSetFile)
+        return askForFile({title,
+                           FileKind::DeltaSet,
+                           forSaving,
+                           forSaving ? suggested : QString(),
+                           pictureFileFilters(),
+                           {}});
+    const QString folder = lastFolder(platform_, FileKind::DeltaSet,
+                                      QString::fromStdString(options_.workDir.string()));
+    const PictureFileAnswer answer =
+        askDeltaSetFile(forSaving, QDir(folder).filePath(suggested), pictureFileFilters());
     // A file to read is taken as it is: its extension says what it holds.
-    return forSaving ? pictureFileToWrite(answer.file, answer.filter) : answer.file;
+    const QString file = forSaving ? pictureFileToWrite(answer.file, answer.filter) : answer.file;
+    if (file.isEmpty() || (forSaving && !askReplace(platform_, file, title))) return {};
+    rememberFolder(platform_, FileKind::DeltaSet, file);
+    return file;
 }
 
 // index 0: dirty (each delta over the sprite), 1: clean (each delta on colour 0).
@@ -54,20 +96,18 @@ void MainForm::mnuExportDeltas_Click(int index) {
     const SpriteRec* sprite = session_->selectedSprite();
     if (!sprite) return;
     const bool clean = index == 1;
-    const QString suggested = QString::fromStdString(
-        session_->workPath(deltaSetFileName(*session_, *sprite, clean)).string());
+    const QString suggested = QString::fromStdString(deltaSetFileName(*session_, *sprite, clean));
     const QString chosen = chooseDeltaSetFile(true, suggested);
     if (chosen.isEmpty()) return;
     const std::filesystem::path file(chosen.toStdString());
     if (!exportDeltaSet(*session_, platform_, file, clean)) return;
-    platform_.message("Delta set exported to:\r" + file.string(), Buttons::Ok, Icon::Information);
+    showExported(tr("Delta set"), file);
 }
 
 void MainForm::mnuImportDeltas_Click() {
     const SpriteRec* sprite = session_->selectedSprite();
     if (!sprite) return;
-    const QString suggested = QString::fromStdString(
-        session_->workPath(deltaSetFileName(*session_, *sprite, false)).string());
+    const QString suggested = QString::fromStdString(deltaSetFileName(*session_, *sprite, false));
     const QString chosen = chooseDeltaSetFile(false, suggested);
     if (chosen.isEmpty()) return;
     const Answer kind =

@@ -46,7 +46,8 @@ void MainForm::buildFindingAids() {
     pathLabel_ = new QLabel(this);
     pathLabel_->setObjectName(QStringLiteral("lblFilePath"));
     pathLabel_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    statusBar()->insertPermanentWidget(1, pathLabel_); // after the hover label
+    // After the hover label and the export notice.
+    statusBar()->insertPermanentWidget(2, pathLabel_);
 
     connect(board_, &PageBoard::stepRequested, this, [this](int step) { stepSelection(step); });
     connect(board_, &PageBoard::activateRequested, this, [this] {
@@ -67,6 +68,10 @@ void MainForm::buildFindingAids() {
     platform_.qtDesktop().onShowHelp = [self](int context) {
         return self && self->showHelpTopic(context);
     };
+    // The Help button of a question (the palette change after an import) opens its topic.
+    platform_.messageSink().setHelpHandler([self](const Message& message) {
+        return self && self->showHelpTopic(helpContextOfMessage(message.title));
+    });
 }
 
 void MainForm::showOpenFile() {

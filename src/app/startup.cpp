@@ -1,5 +1,6 @@
 #include "app/startup.h"
 
+#include "app/board_palette.h"
 #include "app/command_line_info.h"
 #include "app/delta_pic_form.h"
 #include "app/main_form.h"
@@ -95,6 +96,7 @@ int runTorquil(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Torquil"));
     QApplication::setApplicationName(QStringLiteral("Torquil"));
+    applyBoardPalette(app);
     initIconResource();
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/torquil/torquil.png")));
     QApplication::setApplicationVersion(QString::fromLatin1(kVersion));

@@ -50,6 +50,8 @@ struct CarField {
 };
 
 inline constexpr int kCarFieldCount = 47;
+// The editor's box of the car's name (ENGLISH.FXT), not a field of the record.
+inline constexpr int kNameBox = 42;
 inline constexpr int kValueBox = 37; // writes all four value entries
 
 const std::array<CarField, kCarFieldCount>& carFields();

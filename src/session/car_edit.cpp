@@ -8,7 +8,6 @@
 namespace torquil {
 
 namespace {
-constexpr int kNameBox = 42;
 }
 
 CarFieldEdit editCarField(StyleSession& session, int asn, int index, const std::string& text,

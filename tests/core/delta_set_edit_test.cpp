@@ -2,6 +2,7 @@
 // shows as they were exported (colour 0 on a clean sheet looks like the background) keep their
 // place and value.
 
+#include "delta_runs.h"
 #include "exchange/delta_frame_edit.h"
 #include "exchange/sprite_exchange.h"
 #include "sample_level.h"
@@ -20,13 +21,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-RunLine run(std::uint16_t offset, std::vector<std::uint8_t> data) {
-    RunLine r;
-    r.offset = offset;
-    r.length = static_cast<std::uint8_t>(data.size());
-    r.data = std::move(data);
-    return r;
-}
+using torquil::testing::deltaOf;
+using torquil::testing::run;
 
 // Position (row * 256 + column) -> value of every pixel the delta stores.
 using Pixels = std::map<int, std::uint8_t>;
@@ -39,12 +35,6 @@ Pixels storedPixels(const DeltaRec& d) {
         position += r.length;
     }
     return out;
-}
-
-DeltaRec deltaOf(std::vector<RunLine> runs) {
-    DeltaRec d;
-    d.runLine = std::move(runs);
-    return d;
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // Delta sets: the frames a delta draws, the run lines a changed frame becomes, and the whole
 // export, import and save on the sample level and the full-size level.
 
+#include "delta_runs.h"
 #include "exchange/bmp.h"
 #include "exchange/delta_frames.h"
 #include "exchange/delta_io.h"
@@ -26,19 +27,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-RunLine run(std::uint16_t offset, std::vector<std::uint8_t> data) {
-    RunLine r;
-    r.offset = offset;
-    r.length = static_cast<std::uint8_t>(data.size());
-    r.data = std::move(data);
-    return r;
-}
-
-DeltaRec deltaOf(std::vector<RunLine> runs) {
-    DeltaRec d;
-    d.runLine = std::move(runs);
-    return d;
-}
+using torquil::testing::deltaOf;
+using torquil::testing::run;
 
 using RunAt = std::tuple<int, int, std::vector<std::uint8_t>>;
 std::vector<RunAt> runsOf(const std::vector<RunLine>& runs) {

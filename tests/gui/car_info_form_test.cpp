@@ -1,6 +1,7 @@
 // The car info editor on the sample level: validation reports, what closing the form accepts,
 // the door and remap pages, help and sound buttons.
 
+#include "cars/car_field_notes.h"
 #include "cars/car_fields.h"
 #include "cars/fixed_point.h"
 #include "cars/remap_colours.h"
@@ -36,7 +37,7 @@ using torquil::testing::FakePlatform;
 namespace {
 
 constexpr int kWidthBox = 0, kSpriteNumberBox = 3, kGripBox = 9, kMassBox = 18, kValueBoxIndex = 37;
-constexpr int kNameBox = 42, kRpxBox = 43, kRpyBox = 44, kObjectBox = 45;
+constexpr int kRpxBox = 43, kRpyBox = 44, kObjectBox = 45;
 
 struct LoadedLevel {
     QTemporaryDir dir;
@@ -101,6 +102,9 @@ private slots:
     void boxesShowTheRecord();
     void outOfRangeValuesAreClampedWithTheReport();
     void partialNumbersAreLeftForTyping();
+    void textThatIsNotANumberIsRefusedAtTheField();
+    void closingWithAnUnfinishedBoxNamesItAndStaysOpen();
+    void toolTipsDescribeTheFieldAndTheLevelsRange();
     void emptyBoxBecomesZeroWhenLeft();
     void fixedPointBoxIsStoredThroughFloat32out();
     void closingWithoutChangesQueuesNothing();
@@ -147,7 +151,9 @@ void CarInfoFormTest::pagesHoldTheirBoxesWithCaptionsAndToolTips() {
             QLabel* label = form.findChild<QLabel*>(QString("Label1_%1").arg(index));
             QVERIFY(label);
             QCOMPARE(pageOf(form, label), static_cast<int>(page));
-            QCOMPARE(label->toolTip(), edit->toolTip());
+            // The box's tool tip describes the field and keeps the label's own tip.
+            QVERIFY(edit->toolTip().startsWith(label->text()));
+            QVERIFY(edit->toolTip().contains(label->toolTip()));
             ++boxes;
         }
         QPushButton* help = form.findChild<QPushButton*>(QString("cmdHelp_%1").arg(page));
@@ -212,25 +218,33 @@ void CarInfoFormTest::outOfRangeValuesAreClampedWithTheReport() {
     const int asn = carWithDoors(*level->session, 0);
     CarInfoForm form(*level->session, level->platform, asn);
 
+    // The report stands under the pages beside the field's name and the cause, the box is
+    // marked; no message box stops the typing.
     typeInto(form.box(kWidthBox), "300");
     QCOMPARE(form.box(kWidthBox)->text(), QString("255"));
-    QCOMPARE(level->platform.messageTexts(), std::vector<std::string>{"txtbox valve set to H val"});
+    QCOMPARE(form.fieldMark(kWidthBox), QString("clamped"));
+    QCOMPARE(form.fieldStatus()->text(),
+             QString("Width: txtbox valve set to H val (300 is above the range 0 to 255; the box "
+                     "now holds 255)"));
 
-    level->platform.shownMessages.clear();
     typeInto(form.box(kSpriteNumberBox), "-5");
     QCOMPARE(form.box(kSpriteNumberBox)->text(), QString("0"));
-    QCOMPARE(level->platform.messageTexts(), std::vector<std::string>{"txtbox valve set to L val"});
+    QCOMPARE(form.fieldMark(kSpriteNumberBox), QString("clamped"));
+    QVERIFY(form.fieldStatus()->text().startsWith("Sprite Number: txtbox valve set to L val ("));
 
     // 16.16 boxes are checked on their real value; moment on its raw value.
-    level->platform.shownMessages.clear();
     typeInto(form.box(kMassBox), "32000.5");
     QCOMPARE(form.box(kMassBox)->text(), QString("32000.5"));
+    QCOMPARE(form.fieldMark(kMassBox), QString());
     typeInto(form.box(kMassBox), "32001");
     QCOMPARE(form.box(kMassBox)->text(), QString("32000"));
     typeInto(form.box(17), "2100000000");
     QCOMPARE(form.box(17)->text(), QString("2000000000"));
-    QCOMPARE(level->platform.messageTexts(),
-             (std::vector<std::string>{"txtbox valve set to H val", "txtbox valve set to H val"}));
+    QVERIFY(form.fieldStatus()->text().startsWith("Moment: txtbox valve set to H val"));
+    QVERIFY(level->platform.shownMessages.empty());
+    // Typing a value in range takes the mark away.
+    typeInto(form.box(kWidthBox), "40");
+    QCOMPARE(form.fieldMark(kWidthBox), QString());
 
     // Hue, lightness, saturation and the name have no limits.
     level->platform.shownMessages.clear();
@@ -239,6 +253,86 @@ void CarInfoFormTest::outOfRangeValuesAreClampedWithTheReport() {
     QCOMPARE(form.box(38)->text(), QString("-700"));
     QCOMPARE(form.box(kNameBox)->text(), QString("99999"));
     QVERIFY(level->platform.shownMessages.empty());
+}
+
+void CarInfoFormTest::textThatIsNotANumberIsRefusedAtTheField() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    CarInfoForm form(*level->session, level->platform, carWithDoors(*level->session, 0));
+    typeInto(form.box(kGripBox), "12");
+
+    form.box(kGripBox)->setText("abc"); // pasted
+    QCOMPARE(form.box(kGripBox)->text(), QString("12"));
+    QCOMPARE(form.fieldMark(kGripBox), QString("refused"));
+    QCOMPARE(form.fieldStatus()->text(),
+             QString("Grip: \"abc\" is not a number (-32000 to 32000); the box keeps \"12\""));
+
+    // Typed after a number, a letter is taken back as well.
+    QTest::keyClicks(form.box(kGripBox), "x");
+    QCOMPARE(form.box(kGripBox)->text(), QString("12"));
+    QVERIFY(form.fieldStatus()->text().startsWith("Grip: \"12x\" is not a number"));
+    QVERIFY(level->platform.shownMessages.empty());
+
+    // The name box takes any text.
+    typeInto(form.box(kNameBox), "abc");
+    QCOMPARE(form.box(kNameBox)->text(), QString("abc"));
+    QCOMPARE(form.fieldMark(kNameBox), QString());
+}
+
+void CarInfoFormTest::closingWithAnUnfinishedBoxNamesItAndStaysOpen() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    const int asn = carWithDoors(*level->session, 0);
+    CarInfoForm form(*level->session, level->platform, asn);
+    form.show();
+    typeInto(form.box(kGripBox), "-");
+    typeInto(form.box(kMassBox), ".");
+    form.tabs()->setCurrentIndex(CarInfoForm::SpritePage);
+
+    form.done(QDialog::Accepted);
+    QVERIFY(form.isVisible());
+    QCOMPARE(form.unfinishedBoxes(), (std::vector<int>{kGripBox, kMassBox}));
+    QCOMPARE(form.fieldStatus()->text(),
+             QString("Not a number yet: Grip (\"-\"), Mass (\".\"). Finish or correct them to "
+                     "close the editor."));
+    QCOMPARE(form.fieldMark(kGripBox), QString("unfinished"));
+    QCOMPARE(form.tabs()->currentIndex(), int(CarInfoForm::SpecsPage)); // where Grip stands
+    QVERIFY(!level->session->history.canUndo());                        // nothing accepted yet
+
+    typeInto(form.box(kGripBox), "-3");
+    typeInto(form.box(kMassBox), "");
+    form.done(QDialog::Accepted); // an empty box counts as 0
+    QVERIFY(!form.isVisible());
+    QCOMPARE(level->session->cars.find(asn)->info.grip, std::int16_t{-3});
+    QVERIFY(level->platform.shownMessages.empty());
+}
+
+void CarInfoFormTest::toolTipsDescribeTheFieldAndTheLevelsRange() {
+    auto level = loadSample("STYLE001.G24");
+    QVERIFY(level);
+    CarInfoForm form(*level->session, level->platform, carWithDoors(*level->session, 0));
+    QCOMPARE(form.box(kWidthBox)->toolTip().section('\n', 0, 0),
+             QString("Width (0 to 255, pixels)"));
+    int narrower = 0;
+    for (int i = 0; i <= kValueBoxIndex; ++i) {
+        const QString tip = form.box(i)->toolTip();
+        QVERIFY(tip.contains(QString::fromStdString(std::string(carFieldNote(i)->description))));
+        if (const auto range = narrowerObservedRange(level->session->cars, i)) {
+            QVERIFY2(tip.endsWith(QString::fromStdString(observedRangeText(*range))),
+                     qPrintable(tip));
+            ++narrower;
+        } else {
+            QVERIFY(!tip.contains("the level's cars"));
+        }
+    }
+    QVERIFY(narrower > 0);
+    // The focused box's caption and range stand under the pages.
+    form.show();
+    form.tabs()->setCurrentIndex(CarInfoForm::SpritePage);
+    form.box(kWidthBox)->setFocus();
+    QFocusEvent in(QEvent::FocusIn, Qt::TabFocusReason);
+    QApplication::sendEvent(form.box(kWidthBox), &in);
+    QVERIFY(form.fieldStatus()->text().startsWith("Width: 0 to 255, pixels"));
 }
 
 void CarInfoFormTest::partialNumbersAreLeftForTyping() {
@@ -606,10 +700,11 @@ void CarInfoFormTest::centreOfMassRoundTripsAsASignedOffset() {
         // Inside the box's limits but not in the byte the game reads: refused, never wrapped.
         typeInto(form.box(kCgX), "-200");
         QCOMPARE(form.box(kCgX)->text(), QString("-20"));
-        QCOMPARE(level->platform.messageTexts(),
-                 std::vector<std::string>{
-                     "CG_X: -200 is refused.\rthe game reads cx as one signed byte (-128 to "
-                     "127): -200 would be read as 56.\rType a value the game can read."});
+        QCOMPARE(form.fieldMark(kCgX), QString("refused"));
+        QCOMPARE(form.fieldStatus()->text(),
+                 QString("CG_X: -200 is refused: the game reads cx as one signed byte (-128 to "
+                         "127): -200 would be read as 56; the box keeps -20"));
+        QVERIFY(level->platform.messageTexts().empty());
         typeInto(form.box(kCgX), "-128");
         form.accept();
     }

@@ -112,8 +112,7 @@ void CarPackTest::editedLevelRoundTripsThroughBuildAndApply() {
     };
     h.action("mnuEditCar")->trigger();
     h.form->runKey("exportsprite");
-    const std::string shown = h.platform.texts().back();
-    const fs::path bmp = shown.substr(std::string("Sprite exported to:\r").size());
+    const fs::path bmp = h.form->lastExportedFile().toStdString();
     auto picture = readFile(bmp);
     for (int x = 0; x < 4; ++x)
         picture[1078 + x] = static_cast<std::uint8_t>(picture[1078 + x] ^ 2);

@@ -7,6 +7,7 @@
 #include "app/load_modes.h"
 #include "app/main_form.h"
 #include "app/page_board.h"
+#include "app/sample_folder.h"
 #include "exchange/bitmap_names.h"
 #include "style/style_file.h"
 #include "style_builder.h"
@@ -14,6 +15,7 @@
 #include <QAction>
 #include <QDir>
 #include <QGroupBox>
+#include <QLineEdit>
 #include <QtTest>
 
 using namespace torquil;
@@ -30,6 +32,9 @@ private slots:
     void unreachableRememberedFolderIsReported();
     void readOnlyStyleFileIsMadeWritable();
     void confirmingWithoutAFileOnlySavesSettings();
+    void returnInThePathFieldOpensWhatIsTyped();
+    void returnInThePathFieldOpensTheSelectedFile();
+    void firstRunStartsInTheSampleFolder();
     void carPackModeChoosesThePack();
     void bitmapNamesTellTheSprite();
     void quickloadImportsAnExportedSprite();
@@ -137,7 +142,8 @@ void LoadFormTest::unreachableRememberedFolderIsReported() {
     LoadForm form(DialogMode::Style, style, platform);
     QCOMPARE(platform.texts(), std::vector<std::string>{
                                    "Unable to access previously used directory:/no/such/folder"});
-    QCOMPARE(form.directory(), QDir::currentPath());
+    // It stays where a first run starts.
+    QCOMPARE(form.directory(), QDir::cleanPath(LoadForm::firstRunFolder(DialogMode::Style)));
 }
 
 void LoadFormTest::readOnlyStyleFileIsMadeWritable() {
@@ -177,6 +183,79 @@ void LoadFormTest::confirmingWithoutAFileOnlySavesSettings() {
     QCOMPARE(platform.settings().get("BMP", "Dir"), sample.dir.string());
     QCOMPARE(platform.settings().get("BMP", "File"), std::string());
     QVERIFY(platform.shown.empty());
+}
+
+void LoadFormTest::returnInThePathFieldOpensWhatIsTyped() {
+    SampleFolder sample;
+    ScriptedQtPlatform platform(sample.settingsFile);
+    StyleFileState style;
+    LoadForm form(DialogMode::Style, style, platform);
+    form.show();
+    QLineEdit* path = form.pathField();
+    auto type = [&](const QString& text) {
+        path->setFocus();
+        path->selectAll();
+        QTest::keyClicks(path, text);
+        QTest::keyClick(path, Qt::Key_Return);
+    };
+
+    // A folder is shown and the dialog stays open.
+    type(QDir::toNativeSeparators(sample.gameDir()));
+    QCOMPARE(form.directory(), sample.gameDir());
+    QCOMPARE(path->text(), QDir::toNativeSeparators(sample.gameDir()));
+    QVERIFY(form.isVisible());
+
+    // A name that is not there is refused under the field.
+    type("STYLE009.G24");
+    QVERIFY(form.isVisible());
+    QCOMPARE(form.pathState(),
+             "There is no file or folder " +
+                 QDir::toNativeSeparators(QDir(sample.gameDir()).filePath("STYLE009.G24")) + ".");
+    QVERIFY(form.chosenPath().isEmpty());
+
+    // A typed file is opened.
+    type(QDir::toNativeSeparators(QDir(sample.gameDir()).filePath("STYLE001.G24")));
+    QCOMPARE(form.result(), int(QDialog::Accepted));
+    QVERIFY(!form.isVisible());
+    QCOMPARE(form.chosenPath(), QDir(sample.gameDir()).filePath("STYLE001.G24"));
+    QVERIFY(platform.shown.empty());
+}
+
+void LoadFormTest::returnInThePathFieldOpensTheSelectedFile() {
+    SampleFolder sample;
+    ScriptedQtPlatform platform(sample.settingsFile);
+    StyleFileState style;
+    LoadForm form(DialogMode::Style, style, platform);
+    form.show();
+    QVERIFY(form.setDirectory(sample.gameDir()));
+    // Nothing selected: Return says what to do and does not close the dialog.
+    QTest::keyClick(form.pathField(), Qt::Key_Return);
+    QVERIFY(form.isVisible());
+    QCOMPARE(form.pathState(), QString("Choose a file in the list or type its name."));
+    QVERIFY(form.selectFile("STYLE002.GRY"));
+    QTest::keyClick(form.pathField(), Qt::Key_Return);
+    QCOMPARE(form.result(), int(QDialog::Accepted));
+    QCOMPARE(form.chosenPath(), QDir(sample.gameDir()).filePath("STYLE002.GRY"));
+}
+
+void LoadFormTest::firstRunStartsInTheSampleFolder() {
+    QTemporaryDir temp;
+    const QDir root(temp.path());
+    QVERIFY(root.mkpath("bin") && root.mkpath("share/torquil/samples") && root.mkpath("cwd"));
+    const QString app = root.filePath("bin"), cwd = root.filePath("cwd");
+    QVERIFY(sampleFolderBeside(app, cwd).isEmpty());
+    torquil::testing::writeFile((root.filePath("share/torquil/samples/STYLE001.G24")).toStdString(),
+                                {'x'});
+    QCOMPARE(sampleFolderBeside(app, cwd), root.filePath("share/torquil/samples"));
+
+    // With nothing remembered, the style dialog starts where the sample is found (or in the
+    // current folder when it is not); other modes start in the current folder.
+    SampleFolder sample;
+    ScriptedQtPlatform platform(sample.settingsFile);
+    StyleFileState style;
+    LoadForm form(DialogMode::Style, style, platform);
+    QCOMPARE(form.directory(), QDir::cleanPath(LoadForm::firstRunFolder(DialogMode::Style)));
+    QCOMPARE(LoadForm::firstRunFolder(DialogMode::CarPack), QDir::currentPath());
 }
 
 void LoadFormTest::carPackModeChoosesThePack() {
@@ -219,8 +298,7 @@ void LoadFormTest::quickloadImportsAnExportedSprite() {
     s.selection.page = 3;
     s.selection.sib = 1;
     form.runKey("exportsprite");
-    const QString exported = QString::fromStdString(
-        platform.texts().back().substr(std::string("Sprite exported to:\r").size()));
+    const QString exported = form.lastExportedFile();
     // Moved elsewhere and edited: the top-left pixel (the last row of the file) becomes 201.
     const auto moved = sample.dir / QFileInfo(exported).fileName().toStdString();
     std::filesystem::rename(exported.toStdString(), moved);

@@ -102,9 +102,11 @@ void MainFormTest::menuTreeAndToolbarKeepTheirNamesAndTexts() {
                                   "mnuSprite=&Sprite",
                                   "-mnuImport=&Import",
                                   "--mnuImportSprite=&Sprite",
+                                  "--mnuImportSpriteFrom=Import Sprite &From...",
                                   "--mnuImportDeltas=&Delta Set",
                                   "-mnuExport=&Export",
                                   "--mnuExportSprite=&Sprite",
+                                  "--mnuExportSpriteAs=Export Sprite &As...",
                                   "--mnuExportDeltas0=&Delta Set",
                                   "--mnuExportDeltas1=Delta Set (&Clean)",
                                   "-mnuView=&View",
@@ -360,9 +362,7 @@ void MainFormTest::importedSpriteIsSavedIntoTheStyleFile() {
     const SpriteRec r = *sprite;
     h.click(r);
     h.form->runKey("exportsprite");
-    const std::string shown = h.platform.texts().back();
-    QVERIFY(shown.rfind("Sprite exported to:\r", 0) == 0);
-    const std::filesystem::path bmp = shown.substr(std::string("Sprite exported to:\r").size());
+    const std::filesystem::path bmp = h.form->lastExportedFile().toStdString();
     QCOMPARE(bmp.parent_path(), h.sample.work);
 
     // Paint the sprite's bottom-left pixel in the BMP (rows are stored bottom-up).
@@ -524,7 +524,7 @@ void MainFormTest::deltaSetCommandsViewExportAndImport() {
     QVERIFY(suggested.endsWith("_deltas_clean.bmp"));
     QCOMPARE(offered, png ? QString("Bitmap (*.bmp);;PNG (*.png)") : QString("Bitmap (*.bmp)"));
     QVERIFY(std::filesystem::exists(file));
-    QCOMPARE(h.platform.texts().back(), "Delta set exported to:\r" + file.string());
+    QCOMPARE(h.form->lastExportedFile(), QString::fromStdString(file.string()));
     const auto written = readFile(file);
     QVERIFY(written.size() > 8);
     QCOMPARE(written[1] == 'P' && written[2] == 'N' && written[3] == 'G', png);

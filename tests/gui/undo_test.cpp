@@ -11,6 +11,7 @@
 #include "style_builder.h"
 
 #include <QAction>
+#include <QDir>
 #include <QDropEvent>
 #include <QLineEdit>
 #include <QMenu>
@@ -46,8 +47,7 @@ struct Harness : WindowHarness {
     // Exports the selected sprite and paints its top-left pixel; the BMP's path.
     std::filesystem::path paintedExport(std::uint8_t value) {
         action("mnuExportSprite")->trigger();
-        const std::string shown = platform.texts().back();
-        const std::filesystem::path bmp = shown.substr(std::string("Sprite exported to:\r").size());
+        const std::filesystem::path bmp = form->lastExportedFile().toStdString();
         std::vector<std::uint8_t> bytes = readFile(bmp);
         const SpriteRec& r = *session().selectedSprite();
         // Rows are stored bottom-up, each padded to 4 bytes: the top row is the last.
@@ -223,8 +223,10 @@ void UndoTest::recentFilesReopenWithTheirLoadOption() {
     QStringList texts;
     for (QAction* a : menu->actions())
         if (!a->isSeparator()) texts << a->text();
-    QCOMPARE(texts,
-             QStringList({"&1 STYLE001.G24 [Tiles]", "&2 STYLE002.GRY [Sprites]", "&Clear List"}));
+    // Each with its folder: every level's file has the same few names.
+    const QString folder = QDir::toNativeSeparators(h.sample.gameDir());
+    QCOMPARE(texts, QStringList({"&1 STYLE001.G24 [Tiles]  " + folder,
+                                 "&2 STYLE002.GRY [Sprites]  " + folder, "&Clear List"}));
 
     // A change pending: the question comes first, and Cancel keeps the file.
     h.session().style.gPagesChanged = true;

@@ -2,6 +2,7 @@
 // with two doors, its fourth remap chosen, and writes a picture of every page into OUTDIR as
 // car_editor_1.png, car_editor_2.png, ... (numbered by page; the captions are in the pictures).
 
+#include "app/board_palette.h"
 #include "app/car_info_form.h"
 #include "app/car_sprite_image.h"
 #include "platform/qt/qt_platform.h"
@@ -40,6 +41,7 @@ void settle() {
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
+    torquil::applyBoardPalette(app);
     if (argc != 3) {
         std::fprintf(stderr, "usage: torquil-car-editor-shots STYLEFILE OUTDIR\n");
         return 2;

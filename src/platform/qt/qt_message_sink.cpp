@@ -75,6 +75,7 @@ Answer QtMessageSink::show(const Message& message) {
     for (;;) {
         const int pressed = box.exec();
         if (pressed != QMessageBox::Help) return answerOf(pressed, message.buttons);
+        if (help_ && help_(message)) continue;
         // There is no help file: say so and ask again.
         QMessageBox::information(
             parent_, title,

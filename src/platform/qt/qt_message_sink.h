@@ -29,9 +29,14 @@ public:
     // offer is replaced by the safe one.
     void setHook(Hook hook) { hook_ = std::move(hook); }
     void setParentWindow(QWidget* window) { parent_ = window; }
+    // What the Help button of a box does: shows the manual's topic for the message (true) or
+    // nothing (false: the box says there is no help). The box is asked again afterwards.
+    using HelpHandler = std::function<bool(const Message&)>;
+    void setHelpHandler(HelpHandler handler) { help_ = std::move(handler); }
 
 private:
     Hook hook_;
+    HelpHandler help_;
     QPointer<QWidget> parent_;
 };
 
