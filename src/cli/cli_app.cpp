@@ -33,6 +33,8 @@ std::filesystem::path argumentPath(const std::string& utf8) {
 AppOptions makeAppOptions(const Context& ctx, const CommonOptions& common) {
     AppOptions options;
     options.debugMode = common.debug;
+    // The command line never splits a file from its other hard links unless told.
+    options.links = LinkPolicy::Refuse;
     options.workDir = common.workdir.empty()
                           ? defaultWorkDir(ctx.executable)
                           : std::filesystem::absolute(argumentPath(common.workdir));

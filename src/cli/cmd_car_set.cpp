@@ -104,6 +104,7 @@ void registerCarSetCommand(CLI::App& app, Context& ctx) {
         std::string style;
         int asn = 0;
         std::vector<std::string> assignments;
+        bool breakLinks = false;
     };
     auto args = std::make_shared<Args>();
     CLI::App* cmd = app.add_subcommand(
@@ -115,12 +116,19 @@ void registerCarSetCommand(CLI::App& app, Context& ctx) {
         "Values outside the editor's limits are set to the limit, reported on standard error\n"
         "(\"txtbox valve set to L val\" / \"... H val\"). 16.16 fields take decimals (1.5).\n"
         "Standard output: \"field: old -> new\" for every changed value.\n"
-        "Exit status: 0 saved (or nothing to change), 1 no car there, load or save failed,\n"
-        "2 usage error, unknown field or a value that is not a number (nothing written).");
+        "The style file and ENGLISH.FXT are saved together or not at all, each under its lock\n"
+        "and only if no other run saved it since this one read it; a save of them that was\n"
+        "cut short is finished or rolled back first. A file with other hard links is refused\n"
+        "unless --break-links.\n"
+        "Exit status: 0 saved (or nothing to change), 1 no car there, load failed, or the save\n"
+        "failed and nothing was written, 2 usage error, unknown field or a value that is not a\n"
+        "number (nothing written).");
     args->common.addTo(*cmd);
     cmd->add_option("STYLE", args->style, "The style file (.G24 or .GRY)")->required();
     cmd->add_option("ASN", args->asn, "Absolute sprite number of the car")->required();
     cmd->add_option("FIELD=VALUE", args->assignments, "Fields to change")->required();
+    cmd->add_flag("--break-links", args->breakLinks,
+                  "Save a file that has other hard links (they keep the old file)");
     cmd->callback([args, &ctx] {
         std::vector<Assignment> assignments;
         if (!parseAssignments(args->assignments, assignments, ctx.err)) {
@@ -128,6 +136,7 @@ void registerCarSetCommand(CLI::App& app, Context& ctx) {
             return;
         }
         AppOptions options = makeAppOptions(ctx, args->common);
+        options.links = args->breakLinks ? LinkPolicy::Break : LinkPolicy::Refuse;
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);
         if (!session) return;
@@ -188,6 +197,10 @@ void registerCarSetCommand(CLI::App& app, Context& ctx) {
         // The editor's "Save Changes": backups first, then the record in place and the names.
         const SaveOutcome outcome = saveChanges(*session, *platform);
         if (outcome.result != SaveResult::Saved || (nameChanged && !outcome.namesSaved)) {
+            // A save writes both files or neither.
+            ctx.err << "car-set: nothing was saved: " << session->style.path.string()
+                    << (nameChanged && recordChanged ? " and ENGLISH.FXT are" : " is")
+                    << " as before\n";
             ctx.exitCode = kExitFailed;
             return;
         }
