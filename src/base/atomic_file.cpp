@@ -137,7 +137,8 @@ std::error_code SideFile::replaceTarget() {
 #else
 // The new file gets the old one's owner and group (when this user may give them) and its mode.
 std::error_code keepOwnerAndMode(int fd, const fs::path& like, std::string_view& step) {
-    struct stat old {}, now{};
+    struct stat old {
+    }, now{};
     if (like.empty() || ::stat(like.c_str(), &old) != 0) return {};
     if (::fstat(fd, &now) != 0) return lastSystemError();
     if (now.st_uid != old.st_uid || now.st_gid != old.st_gid) {
@@ -249,8 +250,7 @@ bool parseJournal(const fs::path& journal, std::vector<JournalEntry>& entries) {
             line.push_back(static_cast<char>(b));
         }
     }
-    if (lines.empty() || lines[0] != "torquil replace" || (lines.size() - 1) % 3 != 0)
-        return false;
+    if (lines.empty() || lines[0] != "torquil replace" || (lines.size() - 1) % 3 != 0) return false;
     for (std::size_t i = 1; i + 2 < lines.size(); i += 3)
         entries.push_back({pathFromUtf8(lines[i]), pathFromUtf8(lines[i + 1]),
                            lines[i + 2].empty() ? fs::path() : pathFromUtf8(lines[i + 2])});
@@ -364,7 +364,8 @@ ReplaceFailure replacePair(std::span<const FileContent> files, const std::vector
     for (std::size_t i = 0; i < files.size(); ++i) {
         std::error_code ec;
         JournalEntry e{fs::absolute(targets[i], ec).lexically_normal(),
-                       fs::absolute(sides[i].path(), ec).lexically_normal(), {}};
+                       fs::absolute(sides[i].path(), ec).lexically_normal(),
+                       {}};
         if (fs::exists(targets[i], ec)) {
             const fs::path old = sideFileFor(e.target, kOldMarker, tag);
             fs::create_hard_link(targets[i], old, ec);
@@ -582,9 +583,10 @@ std::string settleJournal(const FoundJournal& found) {
         for (const fs::path& j : journalPaths(entries, found.tag)) removeQuietly(j);
         if (waiting.empty())
             return what + " after it had replaced every file. Its leftover files were removed.";
-        return what + (replaced.empty() ? " just before it replaced the files"
-                                        : " after it had replaced " + replaced.front() +
-                                              (replaced.size() > 1 ? " and others" : "")) +
+        return what +
+               (replaced.empty() ? " just before it replaced the files"
+                                 : " after it had replaced " + replaced.front() +
+                                       (replaced.size() > 1 ? " and others" : "")) +
                ". It was finished: each file now holds the content of that save.";
     }
     for (const fs::path& j : journalPaths(entries, found.tag)) removeQuietly(j);
@@ -603,7 +605,8 @@ std::vector<fs::path> findInterruptedSaves(const fs::path& target) {
     fs::path bak = target;
     bak += ".bak";
     for (const fs::path& file : {target, bak})
-        for (std::string_view marker : {kPendingMarker, kCompleteMarker, kOldMarker, kJournalMarker})
+        for (std::string_view marker :
+             {kPendingMarker, kCompleteMarker, kOldMarker, kJournalMarker})
             for (const auto& [path, tag] : sideFilesOf(file, marker)) found.push_back(path);
     return found;
 }

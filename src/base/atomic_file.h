@@ -93,8 +93,8 @@ std::vector<std::string> recoverInterruptedSaves(const std::filesystem::path& ta
 std::vector<std::filesystem::path> filesOfInterruptedSaves(const std::filesystem::path& target);
 
 // For tests: called before each system step of a replace with the step ("create", "write",
-// "flush", "rename", "journal") and the target. A hook may end the process there, or return an error that
-// the step then fails with.
+// "flush", "rename", "journal") and the target. A hook may end the process there, or return an
+// error that the step then fails with.
 using ReplaceFaultHook =
     std::function<std::error_code(std::string_view step, const std::filesystem::path& target)>;
 void setReplaceFaultHook(ReplaceFaultHook hook);

@@ -20,6 +20,11 @@ namespace {
 // The locks of a run, one per file, all let go (and their files removed) at the end.
 class LockSet {
 public:
+    // Files whose locks the caller holds.
+    void heldAlready(const std::vector<fs::path>& files) {
+        for (const fs::path& f : files)
+            held_.push_back(fs::absolute(replacedFileOf(f)).lexically_normal());
+    }
     // Takes the lock of `file` unless this set holds it already; false when another run holds it.
     bool take(const fs::path& file, const std::string& program, std::string& holder,
               std::vector<std::string>& found) {
@@ -97,6 +102,7 @@ CommitResult commitFiles(std::span<const CommitFile> files, const CommitOptions&
     std::vector<fs::path> named;
     for (const CommitFile& f : files) named.push_back(f.target);
     LockSet locks;
+    locks.heldAlready(options.lockedByCaller);
     for (const fs::path& file : filesToLock(named)) {
         if (!locks.take(file, options.program, r.holder, r.found)) {
             r.outcome = CommitOutcome::Busy;
@@ -156,8 +162,8 @@ std::string commitFailureMessage(const CommitResult& r, std::span<const CommitFi
     case CommitOutcome::Committed:
         return {};
     case CommitOutcome::Busy:
-        return "The file " + file + " is being saved by " + r.holder + "." + "\r" + nothing +
-               "\r" + "Wait until that save is over, then save again.";
+        return "The file " + file + " is being saved by " + r.holder + "." + "\r" + nothing + "\r" +
+               "Wait until that save is over, then save again.";
     case CommitOutcome::Changed:
         return "The file " + file + " was changed by another program after it was read." + "\r" +
                nothing + "\r" + "Open it again to see that change, then make yours again.";
@@ -174,12 +180,14 @@ std::string commitFailureMessage(const CommitResult& r, std::span<const CommitFi
     }
     const std::string said = "The system said: " + describeCause(r.cause) + ".";
     const std::string what =
-        r.ownerNotKept ? file + " could not be written: its new file could not be given the " +
-                             "owner and group of the old one."
-                       : file + (r.partly ? " could not take its new content." : " could not be written.");
+        r.ownerNotKept
+            ? file + " could not be written: its new file could not be given the " +
+                  "owner and group of the old one."
+            : file + (r.partly ? " could not take its new content." : " could not be written.");
     if (!r.partly) return what + "\r" + said + "\r" + nothing;
-    return what + "\r" + said + "\r" + "The other files of the save hold their new content; the new " +
-           file + " waits beside it and the next save or open of the level puts it in place.";
+    return what + "\r" + said + "\r" +
+           "The other files of the save hold their new content; the new " + file +
+           " waits beside it and the next save or open of the level puts it in place.";
 }
 
 RecoveryReport recoverFiles(std::span<const fs::path> files, const std::string& program) {

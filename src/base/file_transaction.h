@@ -30,6 +30,9 @@ struct CommitFile {
 
 struct CommitOptions {
     std::string program = lockProgramName(); // this run's name in the locks
+    // Files whose locks the caller already holds (a save that locks its files before it makes
+    // their backups); a lock is per open file, so these are not taken again.
+    std::vector<std::filesystem::path> lockedByCaller;
     // A file with other names (hard links) gets a new file of its own only when this is set or
     // askBreakLinks answers true; otherwise the transaction is refused.
     bool breakLinks = false;

@@ -35,8 +35,7 @@ int reportInterruptedSaves(const fs::path& styleFile, Platform& platform) {
     const fs::path files[] = {styleFile, findFileNoCase(styleFile.parent_path(), "ENGLISH.FXT")};
     const RecoveryReport report = recoverFiles(files);
     for (const std::string& text : report.busy) platform.message(text, Buttons::Ok, Icon::Warning);
-    for (const std::string& text : report.found)
-        platform.message(text, Buttons::Ok, Icon::Warning);
+    for (const std::string& text : report.found) platform.message(text, Buttons::Ok, Icon::Warning);
     return static_cast<int>(report.found.size() + report.busy.size());
 }
 
@@ -112,6 +111,9 @@ private:
     int error_ = err::None;
     std::vector<std::uint8_t> styleBytes_, fxtBytes_;
     FileStamp styleReadAs_; // the style file as its content was read for the savers
+    // Held from before the backups until the files are replaced, so that no other run (nor the
+    // next open's clean-up) touches this save's side files.
+    FileLock styleLock_, fxtLock_;
     fs::path fxtPath_;
     bool writeNames_ = false;
     std::string pairLine_; // after a failed write of both files: that neither was written
@@ -203,6 +205,15 @@ bool SaveRun::buildNames() {
         if (saver) (void)saver(s_, platform_, fxtBytes_);
         return true;
     }
+    if (fxtLock_.acquire(replacedFileOf(fxtPath_), lockProgramName()) ==
+        FileLock::Result::HeldByOther) {
+        s_.stepText = "Save Car Names";
+        (void)refuse(lockHeldMessage(fxtPath_, fxtLock_.holder()));
+        return false;
+    }
+    if (!fxtLock_.staleHolder().empty())
+        platform_.message(staleLockNote(fxtLock_.lockPath(), fxtLock_.staleHolder()), Buttons::Ok,
+                          Icon::Warning);
     std::error_code ec;
     if (!options_.backups->ensureBackup(fxtPath_, ec)) {
         platform_.message("ENGLISH.FXT could not be copied to " + backupPathOf(fxtPath_).string() +
@@ -226,6 +237,8 @@ bool SaveRun::writeFiles() {
     if (files.empty()) return true;
     checkpoint("Files Built");
     CommitOptions commit;
+    if (styleLock_.held()) commit.lockedByCaller.push_back(s_.style.path);
+    if (fxtLock_.held()) commit.lockedByCaller.push_back(fxtPath_);
     commit.askWriteOver = [this](const fs::path& file) {
         return platform_.message(changedOnDiskQuestion(file), Buttons::YesNo, Icon::Warning) ==
                Answer::Yes;
@@ -264,8 +277,8 @@ bool SaveRun::writeFiles() {
                      commitFailureMessage(result, files));
         return false;
     }
-    if (files.size() > 1) pairLine_ = "ENGLISH.FXT was not written either: " + fxtPath_.string() +
-                                      " is as it was.";
+    if (files.size() > 1)
+        pairLine_ = "ENGLISH.FXT was not written either: " + fxtPath_.string() + " is as it was.";
     return styleFailed(result);
 }
 
@@ -287,16 +300,14 @@ SaveOutcome SaveRun::run() {
     const bool toStyle = writesStyleFile(style);
 
     begin("File Open");
-    // One save of a file at a time, across every run of the program on this machine: a run that
-    // holds the lock is named before anything is built (the transaction takes it again).
+    // One save of a file at a time, across every run of the program on this machine.
     if (toStyle || style.gCarNamesChanged) {
-        FileLock probe;
-        if (probe.acquire(replacedFileOf(style.path), lockProgramName()) ==
+        if (styleLock_.acquire(replacedFileOf(style.path), lockProgramName()) ==
             FileLock::Result::HeldByOther)
-            return refuse(lockHeldMessage(style.path, probe.holder()));
-        if (!probe.staleHolder().empty())
-            platform_.message(staleLockNote(probe.lockPath(), probe.staleHolder()), Buttons::Ok,
-                              Icon::Warning);
+            return refuse(lockHeldMessage(style.path, styleLock_.holder()));
+        if (!styleLock_.staleHolder().empty())
+            platform_.message(staleLockNote(styleLock_.lockPath(), styleLock_.staleHolder()),
+                              Buttons::Ok, Icon::Warning);
     }
     if (toStyle && changedOnDisk(style)) {
         Answer answer =

@@ -111,8 +111,8 @@ TEST(SavePair, UnwritableFxtLeavesBothFilesAsTheyWereAndSaysSo) {
     fs::permissions(level.fxt, kReadOnly);
 
     // The command line: the record and the name, exit 1, neither file written.
-    const auto run = level.cli({"car-set", level.style.string(), std::to_string(asn),
-                                "name=Halfway", "max_speed=99"});
+    const auto run = level.cli(
+        {"car-set", level.style.string(), std::to_string(asn), "name=Halfway", "max_speed=99"});
     EXPECT_EQ(run.status, 1);
     EXPECT_TRUE(contains(run.err, "permission denied")) << run.err;
     EXPECT_TRUE(contains(run.err, "Nothing was written: " + level.style.string() + " and " +
@@ -129,7 +129,8 @@ TEST(SavePair, UnwritableFxtLeavesBothFilesAsTheyWereAndSaysSo) {
     EXPECT_FALSE(out.namesSaved);
     EXPECT_TRUE(level.unchanged());
     EXPECT_TRUE(s->style.gCarNamesChanged);
-    EXPECT_EQ(s->style.gSaveCarInfo, (std::vector<std::int16_t>{0, static_cast<std::int16_t>(asn)}));
+    EXPECT_EQ(s->style.gSaveCarInfo,
+              (std::vector<std::int16_t>{0, static_cast<std::int16_t>(asn)}));
     ASSERT_FALSE(p.messageTexts().empty());
     EXPECT_TRUE(contains(p.messageTexts().back(), "Error occured during write of FXT file."));
     EXPECT_TRUE(findInterruptedSaves(level.style).empty());
@@ -217,7 +218,8 @@ TEST(SavePair, PairCutBetweenItsRenamesIsFinishedByTheNextOpen) {
         saves.push_back(m);
     }
     ASSERT_EQ(saves.size(), 1u) << ::testing::PrintToString(next.messageTexts());
-    EXPECT_TRUE(contains(saves[0], "was interrupted after it had replaced " + level.style.string()));
+    EXPECT_TRUE(
+        contains(saves[0], "was interrupted after it had replaced " + level.style.string()));
     EXPECT_TRUE(contains(saves[0], "It was finished"));
     EXPECT_FALSE(fs::exists(lockPathOf(level.style)) || fs::exists(lockPathOf(level.fxt)));
     EXPECT_EQ(tb::readFile(level.style), tb::readFile(clean.style));
@@ -319,8 +321,9 @@ TEST(SavePair, SaveKeepsLinksOwnerAndModeAndAsksBeforeSplittingAHardLink) {
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_TRUE(fs::is_symlink(level.style));
     EXPECT_NE(tb::readFile(real / "STYLE001.G24"), level.styleBytes);
-    for (const fs::path& f : {real / "STYLE001.G24", level.fxt, fs::path(level.style.string() + ".bak"),
-                              fs::path(level.fxt.string() + ".bak")}) {
+    for (const fs::path& f :
+         {real / "STYLE001.G24", level.fxt, fs::path(level.style.string() + ".bak"),
+          fs::path(level.fxt.string() + ".bak")}) {
         SCOPED_TRACE(f.string());
         EXPECT_EQ(fs::status(f).permissions() & fs::perms::all, mode);
         struct stat st {};
@@ -364,8 +367,8 @@ TEST(SavePair, SaveKeepsLinksOwnerAndModeAndAsksBeforeSplittingAHardLink) {
     const fs::path third = level.dir / "THIRD.FXT";
     fs::create_hard_link(level.fxt, third);
     const auto linked = tb::readFile(third);
-    const auto told = level.cli({"car-set", "--break-links", level.style.string(),
-                                 std::to_string(asn), "name=Told"});
+    const auto told = level.cli(
+        {"car-set", "--break-links", level.style.string(), std::to_string(asn), "name=Told"});
     EXPECT_EQ(told.status, 0) << told.err;
     EXPECT_EQ(tb::readFile(third), linked);
     EXPECT_TRUE(hasEntry(level.fxt, nameEntry(*s, asn, "Told")));
@@ -419,11 +422,13 @@ TEST(SavePair, ThirtyWritersAtOnceEitherWinOrAreToldAndNothingIsHalfSaved) {
     for (std::size_t i = 0; i < cars.size(); ++i) {
         const fs::path log = level.dir / ("car" + std::to_string(i) + ".log");
         const std::string asn = std::to_string(cars[i]);
-        writers.push_back({startCli({"car-set", "--workdir", work, level.style.string(), asn,
-                                     "name=Racer " + std::to_string(i),
-                                     "max_speed=" + std::to_string(1000 + i)},
-                                    log),
-                           log, cars[i], {}});
+        writers.push_back(
+            {startCli({"car-set", "--workdir", work, level.style.string(), asn,
+                       "name=Racer " + std::to_string(i), "max_speed=" + std::to_string(1000 + i)},
+                      log),
+             log,
+             cars[i],
+             {}});
     }
     const auto original = tb::decodeFxt(level.fxtBytes);
     for (std::size_t i = 0; i < texts; ++i) {
@@ -434,10 +439,9 @@ TEST(SavePair, ThirtyWritersAtOnceEitherWinOrAreToldAndNothingIsHalfSaved) {
         text += mark + "\r\n";
         tb::writeFile(txt, std::vector<std::uint8_t>(text.begin(), text.end()));
         const fs::path log = level.dir / ("txt" + std::to_string(i) + ".log");
-        writers.push_back({startCli({"txt2fxt", "--workdir", work, txt.string(),
-                                     level.fxt.string()},
-                                    log),
-                           log, 0, mark});
+        writers.push_back(
+            {startCli({"txt2fxt", "--workdir", work, txt.string(), level.fxt.string()}, log), log,
+             0, mark});
     }
     for (Writer& w : writers) {
         int status = 0;
