@@ -234,7 +234,7 @@ std::string journalText(const std::vector<JournalEntry>& entries) {
     std::string text = "torquil replace\n";
     for (const JournalEntry& e : entries)
         text += utf8Of(e.target) + "\n" + utf8Of(e.side) + "\n" + utf8Of(e.old) + "\n";
-    return text;
+    return text + "end\n"; // a journal cut short while written lacks it
 }
 
 bool parseJournal(const fs::path& journal, std::vector<JournalEntry>& entries) {
@@ -250,8 +250,10 @@ bool parseJournal(const fs::path& journal, std::vector<JournalEntry>& entries) {
             line.push_back(static_cast<char>(b));
         }
     }
-    if (lines.empty() || lines[0] != "torquil replace" || (lines.size() - 1) % 3 != 0) return false;
-    for (std::size_t i = 1; i + 2 < lines.size(); i += 3)
+    if (lines.size() < 2 || lines[0] != "torquil replace" || lines.back() != "end" ||
+        (lines.size() - 2) % 3 != 0)
+        return false;
+    for (std::size_t i = 1; i + 3 < lines.size(); i += 3)
         entries.push_back({pathFromUtf8(lines[i]), pathFromUtf8(lines[i + 1]),
                            lines[i + 2].empty() ? fs::path() : pathFromUtf8(lines[i + 2])});
     return !entries.empty();
@@ -646,10 +648,16 @@ std::vector<std::string> recoverInterruptedSaves(const fs::path& named) {
             said.push_back("An unfinished copy of the backup " + bak.string() +
                            " was removed: " + side.string() + ".");
         }
-    // A journal of this file that lists it no more (damaged) is named and left alone.
-    for (const auto& [journal, tag] : sideFilesOf(target, kJournalMarker))
-        said.push_back("The file " + journal.string() +
-                       " cannot be read as the journal of a save; it was left as it is.");
+    // A journal that cannot be read was cut short while it was written: the renames begin only
+    // once every journal is whole, so nothing had been replaced yet (the files above were rolled
+    // back); it goes too.
+    for (const auto& [journal, tag] : sideFilesOf(target, kJournalMarker)) {
+        std::vector<JournalEntry> entries;
+        if (parseJournal(journal, entries)) continue; // another file's save, settled from there
+        removeQuietly(journal);
+        said.push_back("A save of " + target.string() + " was interrupted while it wrote " +
+                       journal.string() + ", before it replaced any file; that file was removed.");
+    }
     return said;
 }
 

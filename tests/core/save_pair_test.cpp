@@ -276,10 +276,13 @@ TEST(SavePair, LiveSaveIsBusyNotDamageAndStaleLeftoversAreNamedAndRemoved) {
     const fs::path bakSide = fs::path(level.fxt.string() + ".bak.~new424242-1");
     tb::writeFile(bakSide, {9});
     tb::writeFile(lockPathOf(level.fxt), {'p', 'r', 'o', 'c', 'e', 's', 's', ' ', '1'});
+    // A journal cut short while it was written (no rename had begun).
+    const fs::path journal = fs::path(level.style.string() + ".~pair424242-2");
+    tb::writeFile(journal, {'t', 'o', 'r'});
     tb::FakePlatform p;
     auto s = level.load(p);
     const auto texts = p.messageTexts();
-    ASSERT_EQ(texts.size(), 3u) << ::testing::PrintToString(texts);
+    ASSERT_EQ(texts.size(), 4u) << ::testing::PrintToString(texts);
     std::string all;
     for (const auto& t : texts) all += t + "\n";
     EXPECT_TRUE(contains(all, "Its unfinished file " + side.string() + " was removed."));
@@ -287,7 +290,9 @@ TEST(SavePair, LiveSaveIsBusyNotDamageAndStaleLeftoversAreNamedAndRemoved) {
                                   ".bak was removed: " + bakSide.string()));
     EXPECT_TRUE(contains(all, "The lock file " + lockPathOf(level.fxt).string() +
                                   " was left by process 1, which has ended"));
-    EXPECT_FALSE(fs::exists(side) || fs::exists(bakSide) || fs::exists(lockPathOf(level.fxt)));
+    EXPECT_TRUE(contains(all, "was interrupted while it wrote " + journal.string()));
+    EXPECT_FALSE(fs::exists(side) || fs::exists(bakSide) || fs::exists(lockPathOf(level.fxt)) ||
+                 fs::exists(journal));
     EXPECT_TRUE(level.unchanged());
     tb::FakePlatform quiet;
     auto third = level.load(quiet);
