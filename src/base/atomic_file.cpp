@@ -262,9 +262,9 @@ bool parseJournal(const fs::path& journal, std::vector<JournalEntry>& entries) {
 std::error_code writeJournal(const fs::path& journal, const std::string& text) {
     std::FILE* out = nullptr;
 #ifdef _WIN32
-    out = _wfopen(journal.c_str(), L"wbx");
+    out = _wfopen(journal.c_str(), L"wb"); // the tag makes the name this run's own
 #else
-    out = std::fopen(journal.c_str(), "wbx");
+    out = std::fopen(journal.c_str(), "wb");
 #endif
     if (!out) return lastSystemError();
     std::error_code ec;
