@@ -128,8 +128,9 @@ void MainForm::importBitmapFile(const QString& path) {
 
 void MainForm::mnuSaveBlock_Click() {
     const SaveOutcome outcome = saveChanges(*session_, platform_);
-    // The history remembers where the file was saved (a failed step leaves its flags set).
-    if (outcome.result != SaveResult::Declined) session_->history.markSaved(session_->style);
+    // The history remembers where the file was saved; a save that wrote nothing keeps every edit
+    // pending (and its flags set), so the next save writes them all.
+    if (outcome.result == SaveResult::Saved) session_->history.markSaved(session_->style);
     if (outcome.disableSaveCommand()) setCommandGroup(2, false);
     board_->refresh();
 }

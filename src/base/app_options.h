@@ -11,10 +11,15 @@ struct DumpFlags {
     bool carInfo = false, spriteInfo = false, clut = false, delta = false;
 };
 
+// What a save does with a file that has other names (hard links), which a replace splits off:
+// the window asks, the command line refuses unless told (--break-links).
+enum class LinkPolicy { Ask, Refuse, Break };
+
 struct AppOptions {
     bool debugMode = false;        // gDebugMode: "-d" anywhere on the command line
     std::filesystem::path workDir; // "the program's directory": temp files, dumps, BMPs
     DumpFlags dumps;
+    LinkPolicy links = LinkPolicy::Ask;
 
     // Path of a file in the program's directory.
     std::filesystem::path workPath(const std::string& name) const { return workDir / name; }

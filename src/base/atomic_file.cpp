@@ -1,6 +1,7 @@
 #include "base/atomic_file.h"
 
 #include "base/binary_file.h"
+#include "base/utf8_path.h"
 
 #include <algorithm>
 #include <atomic>
@@ -74,7 +75,10 @@ public:
     SideFile& operator=(const SideFile&) = delete;
     ~SideFile() { discard(); }
 
-    std::error_code write(const fs::path& target, std::span<const std::uint8_t> bytes);
+    // Writes the side file of `target` (already resolved) named by `tag`; it takes the mode,
+    // owner and group of `like` when that file exists. `step` names the step that failed.
+    std::error_code write(const fs::path& target, std::span<const std::uint8_t> bytes,
+                          const std::string& tag, const fs::path& like, std::string_view& step);
     std::error_code replaceTarget();
     // Once complete and on the disk the side file takes its ".~done" name, so that a leftover
     // tells whether it is whole.
@@ -84,6 +88,9 @@ public:
         if (!path_.empty()) fs::remove(path_, ignored);
         path_.clear();
     }
+    // Leaves the side file on the disk for the next run to finish with.
+    void keep() { path_.clear(); }
+    const fs::path& path() const { return path_; }
 
 private:
     fs::path path_;
@@ -91,14 +98,17 @@ private:
 };
 
 #ifdef _WIN32
-std::error_code SideFile::write(const fs::path& target, std::span<const std::uint8_t> bytes) {
+std::error_code SideFile::write(const fs::path& target, std::span<const std::uint8_t> bytes,
+                                const std::string& tag, const fs::path&, std::string_view& step) {
     target_ = target;
+    step = "create";
     if (auto ec = injected("create", target)) return ec;
-    const fs::path side = sideFileFor(target, kPendingMarker, newRunTag());
+    const fs::path side = sideFileFor(target, kPendingMarker, tag);
     HANDLE h = CreateFileW(side.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                            FILE_ATTRIBUTE_NORMAL, nullptr);
     if (h == INVALID_HANDLE_VALUE) return lastSystemError();
     path_ = side;
+    step = "write";
     std::error_code ec = injected("write", target);
     for (std::size_t done = 0; !ec && done < bytes.size();) {
         const DWORD want = static_cast<DWORD>(std::min<std::size_t>(bytes.size() - done, 1u << 30));
@@ -106,9 +116,13 @@ std::error_code SideFile::write(const fs::path& target, std::span<const std::uin
         if (!WriteFile(h, bytes.data() + done, want, &put, nullptr)) ec = lastSystemError();
         done += put;
     }
-    if (!ec) ec = injected("flush", target);
+    if (!ec) {
+        step = "flush";
+        ec = injected("flush", target);
+    }
     if (!ec && !FlushFileBuffers(h)) ec = lastSystemError();
     if (!CloseHandle(h) && !ec) ec = lastSystemError();
+    if (!ec) step = "rename";
     return ec ? ec : markComplete();
 }
 
@@ -121,13 +135,33 @@ std::error_code SideFile::replaceTarget() {
     return {};
 }
 #else
-std::error_code SideFile::write(const fs::path& target, std::span<const std::uint8_t> bytes) {
+// The new file gets the old one's owner and group (when this user may give them) and its mode.
+std::error_code keepOwnerAndMode(int fd, const fs::path& like, std::string_view& step) {
+    struct stat old {
+    }, now{};
+    if (like.empty() || ::stat(like.c_str(), &old) != 0) return {};
+    if (::fstat(fd, &now) != 0) return lastSystemError();
+    if (now.st_uid != old.st_uid || now.st_gid != old.st_gid) {
+        step = "owner";
+        if (::fchown(fd, old.st_uid, old.st_gid) != 0) return lastSystemError();
+    }
+    // After the owner: a change of owner clears the set-id bits.
+    step = "write";
+    if (::fchmod(fd, old.st_mode & 07777) != 0) return lastSystemError();
+    return {};
+}
+
+std::error_code SideFile::write(const fs::path& target, std::span<const std::uint8_t> bytes,
+                                const std::string& tag, const fs::path& like,
+                                std::string_view& step) {
     target_ = target;
+    step = "create";
     if (auto ec = injected("create", target)) return ec;
-    const fs::path side = sideFileFor(target, kPendingMarker, newRunTag());
+    const fs::path side = sideFileFor(target, kPendingMarker, tag);
     int fd = ::open(side.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (fd < 0) return lastSystemError();
     path_ = side;
+    step = "write";
     std::error_code ec = injected("write", target);
     // One write for the whole file when the system takes it; a short write goes on from there.
     for (std::size_t done = 0; !ec && done < bytes.size();) {
@@ -139,12 +173,14 @@ std::error_code SideFile::write(const fs::path& target, std::span<const std::uin
         }
         done += static_cast<std::size_t>(put);
     }
-    struct stat old {};
-    if (!ec && ::stat(target.c_str(), &old) == 0 && ::fchmod(fd, old.st_mode & 07777) != 0)
-        ec = lastSystemError();
-    if (!ec) ec = injected("flush", target);
+    if (!ec) ec = keepOwnerAndMode(fd, like, step);
+    if (!ec) {
+        step = "flush";
+        ec = injected("flush", target);
+    }
     if (!ec && ::fsync(fd) != 0) ec = lastSystemError();
     if (::close(fd) != 0 && !ec) ec = lastSystemError();
+    if (!ec) step = "rename";
     return ec ? ec : markComplete();
 }
 
@@ -168,6 +204,98 @@ std::error_code SideFile::markComplete() {
     if (ec) return ec;
     path_ = done;
     return {};
+}
+
+// ---------------------------------------------------------------- journals of replaces of pairs
+
+struct JournalEntry {
+    fs::path target, side, old;
+};
+
+fs::path folderOf(const fs::path& file) {
+    return file.parent_path().empty() ? fs::path(".") : file.parent_path();
+}
+
+// One journal per folder that holds files of the replace, named by the folder's first file.
+std::vector<fs::path> journalPaths(const std::vector<JournalEntry>& entries,
+                                   const std::string& tag) {
+    std::vector<fs::path> journals;
+    std::vector<fs::path> folders;
+    for (const JournalEntry& e : entries) {
+        const fs::path folder = folderOf(e.target);
+        if (std::find(folders.begin(), folders.end(), folder) != folders.end()) continue;
+        folders.push_back(folder);
+        journals.push_back(sideFileFor(e.target, kJournalMarker, tag));
+    }
+    return journals;
+}
+
+std::string journalText(const std::vector<JournalEntry>& entries) {
+    std::string text = "torquil replace\n";
+    for (const JournalEntry& e : entries)
+        text += utf8Of(e.target) + "\n" + utf8Of(e.side) + "\n" + utf8Of(e.old) + "\n";
+    return text + "end\n"; // a journal cut short while written lacks it
+}
+
+bool parseJournal(const fs::path& journal, std::vector<JournalEntry>& entries) {
+    std::vector<std::uint8_t> bytes;
+    if (!readWholeFile(journal, bytes)) return false;
+    std::vector<std::string> lines;
+    std::string line;
+    for (std::uint8_t b : bytes) {
+        if (b == '\n') {
+            lines.push_back(line);
+            line.clear();
+        } else {
+            line.push_back(static_cast<char>(b));
+        }
+    }
+    if (lines.size() < 2 || lines[0] != "torquil replace" || lines.back() != "end" ||
+        (lines.size() - 2) % 3 != 0)
+        return false;
+    for (std::size_t i = 1; i + 3 < lines.size(); i += 3)
+        entries.push_back({pathFromUtf8(lines[i]), pathFromUtf8(lines[i + 1]),
+                           lines[i + 2].empty() ? fs::path() : pathFromUtf8(lines[i + 2])});
+    return !entries.empty();
+}
+
+std::error_code writeJournal(const fs::path& journal, const std::string& text) {
+    std::FILE* out = nullptr;
+#ifdef _WIN32
+    out = _wfopen(journal.c_str(), L"wb"); // the tag makes the name this run's own
+#else
+    out = std::fopen(journal.c_str(), "wb");
+#endif
+    if (!out) return lastSystemError();
+    std::error_code ec;
+    if (std::fwrite(text.data(), 1, text.size(), out) != text.size() || std::fflush(out) != 0)
+        ec = lastSystemError();
+#ifndef _WIN32
+    if (!ec && ::fsync(::fileno(out)) != 0) ec = lastSystemError();
+#endif
+    if (std::fclose(out) != 0 && !ec) ec = lastSystemError();
+#ifndef _WIN32
+    if (!ec) syncFolder(folderOf(journal));
+#endif
+    return ec;
+}
+
+void removeQuietly(const fs::path& file) {
+    std::error_code ignored;
+    if (!file.empty()) fs::remove(file, ignored);
+}
+
+bool existsQuietly(const fs::path& file) {
+    std::error_code ec;
+    return !file.empty() && fs::exists(fs::symlink_status(file, ec));
+}
+
+// Puts an old file back under its name (its second name ".~old" holds it).
+void restoreOld(const JournalEntry& e) {
+    if (!existsQuietly(e.old)) return;
+    std::error_code ec;
+    fs::rename(e.old, e.target, ec); // the same file under both names: nothing happens
+    removeQuietly(e.old);
 }
 
 } // namespace
@@ -220,6 +348,88 @@ static std::error_code writeStream(const fs::path& target, std::span<const std::
     return ec;
 }
 
+fs::path replacedFileOf(const fs::path& target) {
+    std::error_code ec;
+    if (!fs::is_symlink(fs::symlink_status(target, ec))) return target;
+    const fs::path resolved = fs::weakly_canonical(target, ec);
+    return ec ? target : resolved;
+}
+
+namespace {
+
+// Renames the complete side files over their targets, each old file kept under a second name
+// and every file listed in a journal first, so that a crash between two renames can be finished
+// and a failed rename undone.
+ReplaceFailure replacePair(std::span<const FileContent> files, const std::vector<fs::path>& targets,
+                           std::vector<SideFile>& sides, const std::string& tag) {
+    std::vector<JournalEntry> entries;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        std::error_code ec;
+        JournalEntry e{fs::absolute(targets[i], ec).lexically_normal(),
+                       fs::absolute(sides[i].path(), ec).lexically_normal(),
+                       {}};
+        if (fs::exists(targets[i], ec)) {
+            const fs::path old = sideFileFor(e.target, kOldMarker, tag);
+            fs::create_hard_link(targets[i], old, ec);
+            // Without hard links a failed rename cannot be undone; the journal still lets the
+            // next run finish it.
+            if (!ec) e.old = old;
+        }
+        entries.push_back(e);
+    }
+    const std::vector<fs::path> journals = journalPaths(entries, tag);
+    auto dropOlds = [&] {
+        for (const JournalEntry& e : entries) removeQuietly(e.old);
+    };
+    auto dropJournals = [&] {
+        for (const fs::path& j : journals) removeQuietly(j);
+    };
+    const std::string text = journalText(entries);
+    for (const fs::path& journal : journals) {
+        std::error_code ec = injected("journal", targets.front());
+        if (!ec) ec = writeJournal(journal, text);
+        if (ec) {
+            dropJournals();
+            dropOlds();
+            return {files[0].target, ec, 0, "journal"};
+        }
+    }
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (auto ec = sides[i].replaceTarget()) {
+            // Undone in the order a crash part-way leaves sound: journals first (the next run
+            // then rolls back), then every old file back under its name.
+            bool undone = true;
+            for (std::size_t j = 0; j < i; ++j) undone = undone && !entries[j].old.empty();
+            if (!undone) {
+                for (SideFile& side : sides) side.keep();
+                return {files[i].target, ec, i, "rename"};
+            }
+            dropJournals();
+            for (std::size_t j = 0; j < i; ++j) restoreOld(entries[j]);
+            dropOlds();
+            return {files[i].target, ec, 0, "rename"};
+        }
+    }
+    // The old files go before the journals: an old file without a journal is put back.
+    dropOlds();
+    dropJournals();
+    return {};
+}
+
+// Writes every file's side file; the mode and owner come from `like[i]`.
+ReplaceFailure writeSides(std::span<const FileContent> files, const std::vector<fs::path>& targets,
+                          const std::vector<fs::path>& like, std::vector<SideFile>& sides,
+                          const std::string& tag) {
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        std::string_view step;
+        if (auto ec = sides[i].write(targets[i], files[i].bytes, tag, like[i], step))
+            return {files[i].target, ec, 0, step};
+    }
+    return {};
+}
+
+} // namespace
+
 ReplaceFailure replaceFilesAtomically(std::span<const FileContent> files) {
     for (const FileContent& f : files)
         if (isStream(f.target)) {
@@ -227,15 +437,18 @@ ReplaceFailure replaceFilesAtomically(std::span<const FileContent> files) {
                 return {f.target, std::make_error_code(std::errc::invalid_argument)};
             return {f.target, writeStream(f.target, f.bytes)};
         }
-    std::vector<SideFile> sides(files.size());
+    std::vector<fs::path> targets;
+    for (const FileContent& f : files) targets.push_back(replacedFileOf(f.target));
     for (std::size_t i = 0; i < files.size(); ++i) {
         std::error_code ec;
-        if (isWriteProtected(files[i].target, ec)) return {files[i].target, ec};
+        if (isWriteProtected(targets[i], ec)) return {files[i].target, ec, 0, "create"};
     }
+    const std::string tag = newRunTag();
+    std::vector<SideFile> sides(files.size());
+    if (ReplaceFailure failure = writeSides(files, targets, targets, sides, tag)) return failure;
+    if (files.size() > 1) return replacePair(files, targets, sides, tag);
     for (std::size_t i = 0; i < files.size(); ++i)
-        if (auto ec = sides[i].write(files[i].target, files[i].bytes)) return {files[i].target, ec};
-    for (std::size_t i = 0; i < files.size(); ++i)
-        if (auto ec = sides[i].replaceTarget()) return {files[i].target, ec, i};
+        if (auto ec = sides[i].replaceTarget()) return {files[i].target, ec, i, "rename"};
     return {};
 }
 
@@ -284,36 +497,168 @@ ReplaceFailure copyFileAtomically(const fs::path& source, const fs::path& target
         return {source, fs::exists(source, ec)
                             ? std::make_error_code(std::errc::io_error)
                             : std::make_error_code(std::errc::no_such_file_or_directory)};
-    return replaceFileAtomically(target, bytes);
+    if (isStream(target)) return {target, writeStream(target, bytes)};
+    const FileContent one{target, bytes};
+    const std::vector<fs::path> targets{replacedFileOf(target)};
+    if (isWriteProtected(targets[0], ec)) return {target, ec, 0, "create"};
+    // A new copy (a .bak) takes the mode and owner of its source; a copy over a file keeps the
+    // file's own.
+    const std::vector<fs::path> like{fs::exists(targets[0], ec) ? targets[0] : source};
+    std::vector<SideFile> sides(1);
+    if (ReplaceFailure failure =
+            writeSides(std::span<const FileContent>(&one, 1), targets, like, sides, newRunTag()))
+        return failure;
+    if (auto e = sides[0].replaceTarget()) return {target, e, 0, "rename"};
+    return {};
 }
 
-std::vector<fs::path> findInterruptedSaves(const fs::path& target) {
-    std::vector<fs::path> found;
+namespace {
+
+// Files in the folder of `target` whose names are the target's name, `marker`, then a tag.
+std::vector<std::pair<fs::path, std::string>> sideFilesOf(const fs::path& target,
+                                                          std::string_view marker) {
+    std::vector<std::pair<fs::path, std::string>> found;
     std::error_code ec;
-    const fs::path folder = target.parent_path().empty() ? fs::path(".") : target.parent_path();
-    for (std::string_view marker : {kPendingMarker, kCompleteMarker}) {
-        const std::string prefix = target.filename().string() + std::string(marker);
-        for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
-            const std::string name = it->path().filename().string();
-            if (name.size() > prefix.size() && name.compare(0, prefix.size(), prefix) == 0)
-                found.push_back(it->path());
-        }
+    const std::string prefix = target.filename().string() + std::string(marker);
+    for (fs::directory_iterator it(folderOf(target), ec), end; !ec && it != end; it.increment(ec)) {
+        const std::string name = it->path().filename().string();
+        if (name.size() > prefix.size() && name.compare(0, prefix.size(), prefix) == 0)
+            found.emplace_back(it->path(), name.substr(prefix.size()));
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+// Journals in the folder of `target` that list it, with their tags and entries.
+struct FoundJournal {
+    fs::path path;
+    std::string tag;
+    std::vector<JournalEntry> entries;
+};
+
+std::vector<FoundJournal> journalsListing(const fs::path& target) {
+    std::vector<FoundJournal> found;
+    std::error_code ec;
+    const fs::path self = fs::absolute(target, ec).lexically_normal();
+    for (fs::directory_iterator it(folderOf(target), ec), end; !ec && it != end; it.increment(ec)) {
+        const std::string name = it->path().filename().string();
+        const auto at = name.rfind(kJournalMarker);
+        if (at == std::string::npos) continue;
+        FoundJournal j{it->path(), name.substr(at + kJournalMarker.size()), {}};
+        if (!parseJournal(j.path, j.entries)) continue;
+        for (const JournalEntry& e : j.entries)
+            if (e.target == self) {
+                found.push_back(std::move(j));
+                break;
+            }
     }
     return found;
 }
 
-std::string interruptedSaveMessage(const fs::path& leftover, const fs::path& target) {
-    const std::string name = target.filename().string();
-    const bool complete = leftover.filename().string().find(kCompleteMarker) != std::string::npos;
-    std::string text = "A save of " + name + " was interrupted and left the file " +
-                       leftover.string() + " beside it." + "\r" + name +
-                       " itself is whole: it holds the file from before that save.";
-    if (complete)
-        return text + "\r" + "The leftover file is the complete new " + name +
-               " of that save. To finish that save, rename it to " + name +
-               "; to keep the file as it is, delete it.";
-    return text + "\r" +
-           "The leftover file was not written to its end and is of no use:" + " delete it.";
+std::string namesOf(const std::vector<JournalEntry>& entries) {
+    std::string text;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        if (i > 0) text += i + 1 == entries.size() ? " and " : ", ";
+        text += entries[i].target.string();
+    }
+    return text;
+}
+
+// Finishes or rolls back one interrupted replace of several files and says which.
+std::string settleJournal(const FoundJournal& found) {
+    const std::vector<JournalEntry>& entries = found.entries;
+    std::vector<std::string> replaced, waiting;
+    for (const JournalEntry& e : entries)
+        (existsQuietly(e.side) ? waiting : replaced).push_back(e.target.string());
+    bool allJournals = true;
+    for (const fs::path& j : journalPaths(entries, found.tag))
+        allJournals = allJournals && existsQuietly(j);
+    const std::string what = "A save of " + namesOf(entries) + " was interrupted";
+    if (!replaced.empty() || allJournals) {
+        // Every new file was complete before the first rename: the save is finished.
+        for (const JournalEntry& e : entries)
+            if (existsQuietly(e.side)) {
+                std::error_code ec;
+                fs::rename(e.side, e.target, ec);
+            }
+        for (const JournalEntry& e : entries) removeQuietly(e.old);
+        for (const fs::path& j : journalPaths(entries, found.tag)) removeQuietly(j);
+        if (waiting.empty())
+            return what + " after it had replaced every file. Its leftover files were removed.";
+        return what +
+               (replaced.empty() ? " just before it replaced the files"
+                                 : " after it had replaced " + replaced.front() +
+                                       (replaced.size() > 1 ? " and others" : "")) +
+               ". It was finished: each file now holds the content of that save.";
+    }
+    for (const fs::path& j : journalPaths(entries, found.tag)) removeQuietly(j);
+    for (const JournalEntry& e : entries) {
+        restoreOld(e);
+        removeQuietly(e.side);
+    }
+    return what + " before it replaced any file. It was rolled back: each file is as it was "
+                  "before that save, and the unfinished files were removed.";
+}
+
+} // namespace
+
+std::vector<fs::path> findInterruptedSaves(const fs::path& target) {
+    std::vector<fs::path> found;
+    fs::path bak = target;
+    bak += ".bak";
+    for (const fs::path& file : {target, bak})
+        for (std::string_view marker :
+             {kPendingMarker, kCompleteMarker, kOldMarker, kJournalMarker})
+            for (const auto& [path, tag] : sideFilesOf(file, marker)) found.push_back(path);
+    return found;
+}
+
+std::vector<fs::path> filesOfInterruptedSaves(const fs::path& target) {
+    std::vector<fs::path> files;
+    for (const FoundJournal& j : journalsListing(replacedFileOf(target)))
+        for (const JournalEntry& e : j.entries)
+            if (std::find(files.begin(), files.end(), e.target) == files.end())
+                files.push_back(e.target);
+    return files;
+}
+
+std::vector<std::string> recoverInterruptedSaves(const fs::path& named) {
+    std::vector<std::string> said;
+    const fs::path target = replacedFileOf(named);
+    for (const FoundJournal& j : journalsListing(target)) said.push_back(settleJournal(j));
+    // What is left had no journal: no rename had begun, the file holds its old content.
+    for (const auto& [old, tag] : sideFilesOf(target, kOldMarker)) {
+        restoreOld({target, {}, old});
+        said.push_back("A save of " + target.string() + " was interrupted before it was " +
+                       "complete. The file holds its content from before that save.");
+    }
+    for (std::string_view marker : {kPendingMarker, kCompleteMarker})
+        for (const auto& [side, tag] : sideFilesOf(target, marker)) {
+            removeQuietly(side);
+            said.push_back("A save of " + target.string() +
+                           " was interrupted before it replaced the file, which is as it was "
+                           "before that save. Its unfinished file " +
+                           side.string() + " was removed.");
+        }
+    fs::path bak = target;
+    bak += ".bak";
+    for (std::string_view marker : {kPendingMarker, kCompleteMarker})
+        for (const auto& [side, tag] : sideFilesOf(bak, marker)) {
+            removeQuietly(side);
+            said.push_back("An unfinished copy of the backup " + bak.string() +
+                           " was removed: " + side.string() + ".");
+        }
+    // A journal that cannot be read was cut short while it was written: the renames begin only
+    // once every journal is whole, so nothing had been replaced yet (the files above were rolled
+    // back); it goes too.
+    for (const auto& [journal, tag] : sideFilesOf(target, kJournalMarker)) {
+        std::vector<JournalEntry> entries;
+        if (parseJournal(journal, entries)) continue; // another file's save, settled from there
+        removeQuietly(journal);
+        said.push_back("A save of " + target.string() + " was interrupted while it wrote " +
+                       journal.string() + ", before it replaced any file; that file was removed.");
+    }
+    return said;
 }
 
 std::uint64_t processId() {

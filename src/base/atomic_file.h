@@ -27,11 +27,25 @@ struct FileContent {
 
 // What a failed replace tells the user: which file, and the cause the system gave.
 struct ReplaceFailure {
+    ReplaceFailure() = default;
+    ReplaceFailure(std::filesystem::path f, std::error_code c, std::size_t r = 0,
+                   std::string_view s = {})
+        : file(std::move(f)), cause(c), replaced(r), step(s) {}
+
     std::filesystem::path file;
     std::error_code cause;
-    std::size_t replaced = 0; // files of the list that had already taken their new content
+    // Files of the list that hold their new content after the failure: 0 unless the old content
+    // of a file already replaced could not be put back (the next run then finishes the replace).
+    std::size_t replaced = 0;
+    // The step that failed ("create", "write", "owner", "flush", "rename", "journal"), for the
+    // cause's words: an owner that cannot be kept is no lack of space.
+    std::string_view step;
     explicit operator bool() const { return static_cast<bool>(cause); }
 };
+
+// The file a replace of `target` writes: a symbolic link is followed to the file it names, so the
+// link stays a link and its target takes the new content.
+[[nodiscard]] std::filesystem::path replacedFileOf(const std::filesystem::path& target);
 
 // Writes `bytes` as the new content of `target` (created when missing). Empty failure on success.
 ReplaceFailure replaceFileAtomically(const std::filesystem::path& target,
@@ -43,9 +57,11 @@ ReplaceFailure replaceFileAtomically(const std::filesystem::path& target,
 ReplaceFailure copyFileAtomically(const std::filesystem::path& source,
                                   const std::filesystem::path& target);
 
-// Several files replaced together: every new file is complete and on the disk before the first
-// old one is replaced. A crash between two renames leaves the later files' new content beside
-// them (see findInterruptedSaves).
+// Several files replaced together, both or neither: every new file is complete and on the disk,
+// each old file has a second name (".~old", a hard link) and a journal (".~pair") lists them all
+// before the first rename. A rename that fails puts the old files back; a crash between two
+// renames is finished by recoverInterruptedSaves. A replaced file keeps its mode, owner and
+// group; when its owner cannot be kept the replace fails at "owner".
 ReplaceFailure replaceFilesAtomically(std::span<const FileContent> files);
 
 // Whether the file exists and may not be replaced (no write permission); ec holds the cause.
@@ -56,18 +72,29 @@ bool isWriteProtected(const std::filesystem::path& target, std::error_code& ec);
 std::string describeCause(const std::error_code& cause);
 
 // Side files of a replace: name + ".~new" + a tag of the run while it is written, ".~done" + the
-// tag once it is complete and on the disk, just before it takes the name.
+// tag once it is complete and on the disk, just before it takes the name. A replace of several
+// files shares one tag; it adds name + ".~old" + tag (the old file's second name) and one journal
+// per folder, the folder's first file's name + ".~pair" + tag, listing every file of the replace.
 inline constexpr std::string_view kPendingMarker = ".~new";
 inline constexpr std::string_view kCompleteMarker = ".~done";
-// Side files left beside `target` by replaces that were interrupted.
+inline constexpr std::string_view kOldMarker = ".~old";
+inline constexpr std::string_view kJournalMarker = ".~pair";
+// Side files left beside `target` (and beside its ".bak") by replaces that were interrupted.
 std::vector<std::filesystem::path> findInterruptedSaves(const std::filesystem::path& target);
-// The message that names a leftover side file and says what to do with it.
-std::string interruptedSaveMessage(const std::filesystem::path& leftover,
-                                   const std::filesystem::path& target);
+
+// Finishes or rolls back the replaces of `target` that were cut short, and removes their side
+// files; returns one sentence per replace found, saying what it was and what was done. A replace
+// whose renames had begun (or whose journals were all written) is finished, so every file of it
+// holds its new content; one that had not is rolled back, so every file holds its old content.
+// The caller holds the lock of every file the replaces name (see recoverFiles in
+// file_transaction.h, which takes them).
+std::vector<std::string> recoverInterruptedSaves(const std::filesystem::path& target);
+// The other files that the interrupted replaces of `target` name in their journals.
+std::vector<std::filesystem::path> filesOfInterruptedSaves(const std::filesystem::path& target);
 
 // For tests: called before each system step of a replace with the step ("create", "write",
-// "flush", "rename") and the target. A hook may end the process there, or return an error that
-// the step then fails with.
+// "flush", "rename", "journal") and the target. A hook may end the process there, or return an
+// error that the step then fails with.
 using ReplaceFaultHook =
     std::function<std::error_code(std::string_view step, const std::filesystem::path& target)>;
 void setReplaceFaultHook(ReplaceFaultHook hook);

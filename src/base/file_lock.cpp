@@ -62,6 +62,11 @@ std::string lockHeldMessage(const fs::path& file, const std::string& holder) {
            "Nothing was written. Wait until that save is over, then save again.";
 }
 
+std::string staleLockNote(const fs::path& lockFile, const std::string& holder) {
+    return "The lock file " + lockFile.string() + " was left by " + holder +
+           ", which has ended; it was taken over and removed.";
+}
+
 void setLockProgramName(const std::string& name) {
     programName() = name;
 }
@@ -91,6 +96,14 @@ FileLock::Result FileLock::acquire(const fs::path& file, const std::string& prog
         }
         holder_ = trimmed(holder_);
         return Result::HeldByOther;
+    }
+    stale_.clear();
+    {
+        char buffer[512];
+        DWORD got = 0;
+        if (ReadFile(h, buffer, sizeof buffer, &got, nullptr) && got > 0)
+            stale_ = trimmed(std::string(buffer, got));
+        SetFilePointer(h, 0, nullptr, FILE_BEGIN);
     }
     holder_ = describeSelf(program);
     SetEndOfFile(h);
@@ -133,6 +146,9 @@ FileLock::Result FileLock::acquire(const fs::path& file, const std::string& prog
             ::close(fd);
             continue;
         }
+        char previous[512];
+        const ssize_t had = ::pread(fd, previous, sizeof previous, 0);
+        stale_ = had > 0 ? trimmed(std::string(previous, static_cast<std::size_t>(had))) : "";
         holder_ = describeSelf(program);
         // A lock file left by a run that died still names it: this run's name replaces it.
         if (::ftruncate(fd, 0) != 0 || ::pwrite(fd, holder_.data(), holder_.size(), 0) !=

@@ -28,6 +28,10 @@ public:
     bool held() const { return handle_ != kNoHandle; }
     // The holder as the lock file states it: "process 123 on host box (torquil-cli)".
     const std::string& holder() const { return holder_; }
+    // After Taken: who the lock file named when it was taken over from a run that had ended
+    // without removing it; empty when there was no such file.
+    const std::string& staleHolder() const { return stale_; }
+    const std::filesystem::path& lockPath() const { return lockPath_; }
 
 private:
 #ifdef _WIN32
@@ -40,6 +44,7 @@ private:
     Handle handle_ = kNoHandle;
     std::filesystem::path lockPath_;
     std::string holder_;
+    std::string stale_;
 };
 
 // The lock file of `file`.
@@ -47,6 +52,9 @@ std::filesystem::path lockPathOf(const std::filesystem::path& file);
 
 // The message for a save refused because another run holds the lock.
 std::string lockHeldMessage(const std::filesystem::path& file, const std::string& holder);
+// What is said of a lock file left by a run that had ended (it was taken over and is removed
+// when this run lets go of it).
+std::string staleLockNote(const std::filesystem::path& lockFile, const std::string& holder);
 
 // The name this run gives itself in locks (set once at start-up; "Torquil" when never set).
 void setLockProgramName(const std::string& name);

@@ -2,6 +2,7 @@
 
 #include "base/atomic_file.h"
 #include "base/binary_file.h"
+#include "base/file_transaction.h"
 #include "base/work_dir.h"
 #include "cars/fxt.h"
 #include "platform/format_context.h"
@@ -124,9 +125,13 @@ bool saveCarNames(CarNames& names, const StyleFileState& style, FormatContext& c
     std::vector<std::uint8_t> coded;
     if (!buildCarNamesFxt(names, style, ctx, coded)) return false;
     const fs::path fxt = findFileNoCase(style.dataFolder(), kFxtName);
-    if (const ReplaceFailure failure = replaceFileAtomically(fxt, coded)) {
+    // Only over the file the names were read from, under its lock.
+    const CommitFile files[] = {{fxt, coded, names.fxtStamp}};
+    const CommitResult result = commitFiles(files);
+    for (const std::string& found : result.found) platform.message(found);
+    if (!result.committed()) {
         platform.message(std::string("Error occured during write of FXT file.") + "\r" +
-                         "The system said: " + describeCause(failure.cause) + ".");
+                         commitFailureMessage(result, files));
         return false;
     }
     rememberFxtState(names, fxt);

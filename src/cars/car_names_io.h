@@ -25,8 +25,9 @@ struct StyleFileState;
 [[nodiscard]] bool buildCarNamesFxt(const CarNames& names, const StyleFileState& style,
                                     FormatContext& ctx, std::vector<std::uint8_t>& fxt);
 
-// Builds ENGLISH.FXT and replaces the file with it in one step (the save sequence instead writes
-// it together with the style file); `names` then remembers the new file.
+// Builds ENGLISH.FXT and replaces the file with it through commitFiles, only when it is still the
+// file the names were read from (the save sequence instead writes it together with the style
+// file); `names` then remembers the new file.
 [[nodiscard]] bool saveCarNames(CarNames& names, const StyleFileState& style, FormatContext& ctx);
 
 // What ENGLISH.FXT looks like now (after a load or a save of it), and whether it changed since.

@@ -168,27 +168,31 @@ bool fxt2txt(const fs::path& fxt, const fs::path& txt, CarNames* names, Platform
     return true;
 }
 
-bool txt2fxt(const fs::path& txt, const fs::path& fxt, Platform& platform) {
+bool txt2fxt(const fs::path& txt, const fs::path& fxt, Platform& platform,
+             const CommitOptions& commit) {
     std::error_code ec;
     if (!fs::is_regular_file(txt, ec)) {
         platform.message("Unable to open :" + txt.string());
         return false;
     }
+    // A save of this file that was cut short is dealt with before the file is looked at.
+    const fs::path target[] = {fxt};
+    const RecoveryReport recovered = recoverFiles(target, commit.program);
+    for (const std::string& text : recovered.found) platform.message(text);
+    // The coded file as it is now: replaced only if no other run replaces it meanwhile.
+    const FileStamp before = stampOf(fxt);
     std::vector<std::uint8_t> text;
     if (!readWholeFile(txt, text)) {
         platform.message("Error occured during write of FXT file.");
         return false;
     }
     const std::vector<std::uint8_t> coded = encodeFxtWithProgress(text, platform);
-    std::error_code cause;
-    if (isWriteProtected(fxt, cause)) {
+    const CommitFile files[] = {{fxt, coded, before}};
+    const CommitResult result = commitFiles(files, commit);
+    for (const std::string& found : result.found) platform.message(found);
+    if (!result.committed()) {
         platform.message(std::string("Error occured during write of FXT file.") + "\r" +
-                         "The system said: " + describeCause(cause) + ".");
-        return false;
-    }
-    if (const ReplaceFailure failure = replaceFileAtomically(fxt, coded)) {
-        platform.message(std::string("Error occured during write of FXT file.") + "\r" +
-                         "The system said: " + describeCause(failure.cause) + ".");
+                         commitFailureMessage(result, files));
         return false;
     }
     return true;

@@ -6,6 +6,7 @@
 // byte b is stored as b + 1, a byte above 191 as 196 followed by b - 63, and each entry ends with
 // a coded 0 (the byte 1). Files written here end with 5C 5E 1A 01 5C 5E.
 
+#include "base/file_transaction.h"
 #include "cars/car_names.h"
 
 #include <array>
@@ -45,7 +46,11 @@ void takeCarName(const std::string& entry, CarNames& names);
 // the system gave.
 [[nodiscard]] bool fxt2txt(const fs::path& fxt, const fs::path& txt, CarNames* names,
                            Platform& platform);
-[[nodiscard]] bool txt2fxt(const fs::path& txt, const fs::path& fxt, Platform& platform);
+// txt2fxt first finishes or rolls back a save of the FXT file that was cut short, and replaces
+// the file through commitFiles: under its lock, only if no other run replaced it meanwhile, its
+// original kept by commit.keepBackup.
+[[nodiscard]] bool txt2fxt(const fs::path& txt, const fs::path& fxt, Platform& platform,
+                           const CommitOptions& commit = {});
 
 // A coded file decoded into memory, with the progress form; "Unable to open :" + path or
 // "Error occured during load of FXT file." on failure.

@@ -34,6 +34,8 @@ struct CommonOptions {
     std::string dumps;        // comma list: carinfo,spriteinfo,clut,delta
     void addTo(Command& cmd); // adds -d, --answer, --workdir (and --dump when wanted)
     void addDumpOption(Command& cmd);
+    bool breakLinks = false;
+    void addBreakLinksOption(Command& cmd); // for the commands that save the style file
 };
 
 // A file named on the command line (UTF-8 text) as a path, in every script.

@@ -27,6 +27,11 @@ void CommonOptions::addDumpOption(Command& cmd) {
                   "Comma list of dump files to write: carinfo, spriteinfo, clut, delta");
 }
 
+void CommonOptions::addBreakLinksOption(Command& cmd) {
+    cmd.addFlag("--break-links", breakLinks,
+                "Save a file that has other hard links (they keep the old file)");
+}
+
 std::filesystem::path argumentPath(const std::string& utf8) {
     return pathFromUtf8(utf8);
 }
@@ -34,6 +39,8 @@ std::filesystem::path argumentPath(const std::string& utf8) {
 AppOptions makeAppOptions(const Context& ctx, const CommonOptions& common) {
     AppOptions options;
     options.debugMode = common.debug;
+    // The command line never splits a file from its other hard links unless told.
+    options.links = common.breakLinks ? LinkPolicy::Break : LinkPolicy::Refuse;
     options.workDir = common.workdir.empty()
                           ? defaultWorkDir(ctx.executable)
                           : std::filesystem::absolute(argumentPath(common.workdir));

@@ -106,6 +106,7 @@ void registerCarSetCommand(Command& app, Context& ctx) {
         std::string style;
         int asn = 0;
         std::vector<std::string> assignments;
+        bool breakLinks = false;
     };
     auto args = std::make_shared<Args>();
     Command* cmd = app.addSubcommand(
@@ -122,14 +123,20 @@ void registerCarSetCommand(Command& app, Context& ctx) {
         "A name is refused when the save could not write it (no ENGLISH.FXT, no entry for the\n"
         "car's model in it, a line break in the name).\n"
         "Standard output: \"field: old -> new\" for every changed value.\n"
+        "The style file and ENGLISH.FXT are saved together or not at all, each under its lock\n"
+        "and only if no other run saved it since this one read it; a save of them that was\n"
+        "cut short is finished or rolled back first. A file with other hard links is refused\n"
+        "unless --break-links.\n"
         "Exit status: 0 saved (or nothing to change); 1 no car there, a name the save could\n"
-        "not write, load or save failed; 2 usage error, unknown field, a model outside the\n"
-        "names table, a value that is not a number or that the field cannot hold (nothing\n"
-        "written).");
+        "not write, load failed, or the save failed and nothing was written; 2 usage error,\n"
+        "unknown field, a model outside the names table, a value that is not a number or that\n"
+        "the field cannot hold (nothing written).");
     args->common.addTo(*cmd);
     cmd->addOption("STYLE", args->style, "The style file (.G24 or .GRY)")->path()->required();
     cmd->addOption("ASN", args->asn, "Absolute sprite number of the car")->required();
     cmd->addOption("FIELD=VALUE", args->assignments, "Fields to change")->required();
+    cmd->addFlag("--break-links", args->breakLinks,
+                  "Save a file that has other hard links (they keep the old file)");
     cmd->action([args, &ctx] {
         std::vector<Assignment> assignments;
         if (!parseAssignments(args->assignments, assignments, ctx.err)) {
@@ -137,6 +144,7 @@ void registerCarSetCommand(Command& app, Context& ctx) {
             return;
         }
         AppOptions options = makeAppOptions(ctx, args->common);
+        options.links = args->breakLinks ? LinkPolicy::Break : LinkPolicy::Refuse;
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);
         if (!session) return;
@@ -194,6 +202,10 @@ void registerCarSetCommand(Command& app, Context& ctx) {
         // The editor's "Save Changes": backups first, then the record in place and the names.
         const SaveOutcome outcome = saveChanges(*session, *platform);
         if (outcome.result != SaveResult::Saved || (nameChanged && !outcome.namesSaved)) {
+            // A save writes both files or neither.
+            ctx.err << "car-set: nothing was saved: " << session->style.path.string()
+                    << (nameChanged && recordChanged ? " and ENGLISH.FXT are" : " is")
+                    << " as before\n";
             ctx.exitCode = kExitFailed;
             return;
         }

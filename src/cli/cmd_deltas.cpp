@@ -149,6 +149,7 @@ void registerDeltaCommands(Command& app, Context& ctx) {
         "their number.\n"
         "Exit status: 0 imported and saved, 1 refused, cancelled or failed, 2 usage error.");
     addStyleAndAsn(*importCmd, *imp);
+    imp->common.addBreakLinksOption(*importCmd);
     importCmd->addOption("FILE", imp->file, "The delta set picture (.bmp or .png)")
         ->path()
         ->required();

@@ -3,6 +3,7 @@
 #include "cli/cli.h"
 
 #include "base/atomic_file.h"
+#include "base/file_transaction.h"
 #include "base/utf8_path.h"
 #include "cars/fxt.h"
 #include "session/file_backups.h"
@@ -15,6 +16,7 @@ void registerFxtCommands(Command& app, Context& ctx) {
     struct Args {
         CommonOptions common;
         std::string from, to;
+        bool breakLinks = false;
     };
     auto decode = std::make_shared<Args>();
     Command* fxt2txtCmd = app.addSubcommand(
@@ -43,11 +45,16 @@ void registerFxtCommands(Command& app, Context& ctx) {
         "txt2fxt",
         "Encode a text file (one entry per line) into a coded text file, replacing it; the file\n"
         "ends with the end marker the editor writes. The coded file it replaces is kept once as\n"
-        "FXT.bak (an existing .bak is never overwritten). Exit status: 0 written, 1 failed,\n"
-        "2 usage.");
+        "FXT.bak (an existing .bak is never overwritten). The coded file is locked while it is\n"
+        "replaced and is replaced only if no other run replaced it since this one began (else\n"
+        "nothing is written and the reason is given); a save of it that was cut short is\n"
+        "finished or rolled back first. A file with other hard links is refused unless\n"
+        "--break-links. Exit status: 0 written, 1 failed (nothing written), 2 usage.");
     encode->common.addTo(*txt2fxtCmd);
     txt2fxtCmd->addOption("TXT", encode->from, "The text file")->path()->required();
     txt2fxtCmd->addOption("FXT", encode->to, "The coded text file to write")->path()->required();
+    txt2fxtCmd->addFlag("--break-links", encode->breakLinks,
+                         "Replace a coded file that has other hard links (they keep the old one)");
     txt2fxtCmd->action([encode, &ctx] {
         const auto to = argumentPath(encode->to);
         if (refuseOutput(ctx, "txt2fxt", to,
@@ -56,17 +63,15 @@ void registerFxtCommands(Command& app, Context& ctx) {
             return;
         auto platform = makePlatform(ctx, encode->common);
         // The coded file replaced is kept as its ".bak" before anything is written over it.
-        std::error_code ec;
-        if (!processBackups().ensureBackup(argumentPath(encode->to), ec)) {
-            platform->message(
-                "FXT could not be copied to " + utf8Of(backupPathOf(argumentPath(encode->to))) +
-                ", so nothing was written." + "\r" + "The system said: " + describeCause(ec) + ".");
-            ctx.exitCode = kExitFailed;
-            return;
-        }
-        ctx.exitCode = txt2fxt(argumentPath(encode->from), argumentPath(encode->to), *platform)
-                           ? kExitOk
-                           : kExitFailed;
+        CommitOptions commit;
+        commit.breakLinks = encode->breakLinks;
+        commit.keepBackup = [](const std::filesystem::path& file, std::error_code& ec) {
+            return processBackups().ensureBackup(file, ec);
+        };
+        ctx.exitCode =
+            txt2fxt(argumentPath(encode->from), argumentPath(encode->to), *platform, commit)
+                ? kExitOk
+                : kExitFailed;
     });
 }
 

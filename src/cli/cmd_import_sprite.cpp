@@ -31,6 +31,7 @@ void registerImportSpriteCommand(Command& app, Context& ctx) {
         "were overwritten.\n"
         "Exit status: 0 imported and saved, 1 refused, cancelled or failed, 2 usage error.");
     args->common.addTo(*cmd);
+    args->common.addBreakLinksOption(*cmd);
     cmd->addFlag("--tiles", args->tiles, "Open the tile pages and import into a tile");
     cmd->addOption("STYLE", args->style, "The style file (.G24 or .GRY)")->path()->required();
     cmd->addOption("ASN", args->asn, "Absolute sprite number (tile number with --tiles)")

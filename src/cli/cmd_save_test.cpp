@@ -13,6 +13,7 @@ void registerSaveTestCommand(Command& app, Context& ctx) {
     struct Args {
         CommonOptions common;
         std::string style;
+        bool breakLinks = false;
     };
     auto args = std::make_shared<Args>();
     Command* cmd = app.addSubcommand(
@@ -22,11 +23,15 @@ void registerSaveTestCommand(Command& app, Context& ctx) {
         "Standard output: \"step: \" and each save step in order, then \"saved\", \"declined\"\n"
         "or \"failed: \" and the step that failed.\n"
         "Standard error: each message box line prefixed \"message: \".\n"
-        "Exit status: 0 saved, 1 load or save failed, 2 usage error.");
+        "A file with other hard links is refused unless --break-links.\n"
+        "Exit status: 0 saved, 1 load or save failed (nothing written), 2 usage error.");
     args->common.addTo(*cmd);
     cmd->addOption("STYLE", args->style, "The style file (.G24 or .GRY)")->path()->required();
+    cmd->addFlag("--break-links", args->breakLinks,
+                  "Save a file that has other hard links (they keep the old file)");
     cmd->action([args, &ctx] {
         AppOptions options = makeAppOptions(ctx, args->common);
+        options.links = args->breakLinks ? LinkPolicy::Break : LinkPolicy::Refuse;
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);
         if (!session) return;

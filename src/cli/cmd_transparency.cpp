@@ -48,6 +48,7 @@ void registerTransparencyCommand(Command& app, Context& ctx) {
         "Standard output: corrected, already correct, undetermined, refused or cancelled.\n"
         "Exit status: 0 corrected and saved or already correct, 1 otherwise, 2 usage error.");
     args->common.addTo(*cmd);
+    args->common.addBreakLinksOption(*cmd);
     cmd->addOption("STYLE", args->style, "The style file (.G24)")->path()->required();
     cmd->addOption("ASN", args->asn, "Absolute sprite number")->required();
     cmd->action([args, &ctx] {

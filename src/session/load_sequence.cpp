@@ -131,6 +131,10 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
         return LoadOutcome::FileMissing;
     }
 
+    // A save of this level that was cut short is finished or rolled back (and said so) before
+    // either of its files is read, so the load never sees half of it.
+    reportInterruptedSaves(style.path, platform);
+
     BinaryFile file(s.errors);
     // A load fills a fresh session: no error of an earlier command belongs to it.
     s.errors.clear();
@@ -184,8 +188,6 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
     s.caption =
         windowCaption(style.gStyleFileName, style.gMapNumber, style.gIs24Bit, style.loadOption);
     file.close();
-    // Side files of a save that was cut short are named to the user, never used silently.
-    reportInterruptedSaves(style.path, platform);
     return LoadOutcome::Loaded;
 }
 

@@ -4,6 +4,7 @@
 #include "base/binary_file.h"
 #include "base/cause_advice.h"
 #include "base/file_lock.h"
+#include "base/file_transaction.h"
 #include "base/work_dir.h"
 #include "cars/car_names_io.h"
 #include "platform/platform.h"
@@ -11,6 +12,7 @@
 #include "style/section_total.h"
 
 #include <cerrno>
+#include <optional>
 
 namespace torquil {
 
@@ -35,15 +37,18 @@ std::string saveFailureMessage(const std::string& step, const fs::path& path,
 }
 
 int reportInterruptedSaves(const fs::path& styleFile, Platform& platform) {
-    int count = 0;
-    for (const fs::path& target :
-         {styleFile, findFileNoCase(styleFile.parent_path(), "ENGLISH.FXT")}) {
-        for (const fs::path& leftover : findInterruptedSaves(target)) {
-            platform.message(interruptedSaveMessage(leftover, target), Buttons::Ok, Icon::Warning);
-            ++count;
-        }
-    }
-    return count;
+    const fs::path files[] = {styleFile, findFileNoCase(styleFile.parent_path(), "ENGLISH.FXT")};
+    const RecoveryReport report = recoverFiles(files);
+    for (const std::string& text : report.busy) platform.message(text, Buttons::Ok, Icon::Warning);
+    for (const std::string& text : report.found) platform.message(text, Buttons::Ok, Icon::Warning);
+    return static_cast<int>(report.found.size() + report.busy.size());
+}
+
+std::string hardLinkQuestion(const fs::path& path, std::uint64_t names) {
+    return "The file " + path.string() + " has " + std::to_string(names) +
+           " names (hard links): they all lead to the same file." + "\r" +
+           "Saving gives it a new file of its own; its other names keep the old content." + "\r" +
+           "Save anyway?";
 }
 
 std::string changedOnDiskQuestion(const fs::path& path) {
@@ -96,10 +101,12 @@ private:
     // Runs one saver under its step text; false when it returned an error.
     bool runSaver(const char* step, const StyleSaver& saver);
     bool saveDeltasAndCut();
-    void buildNames();
-    // Replaces the style file and ENGLISH.FXT with their new content, both complete first.
+    // Builds the new ENGLISH.FXT; false when the save must stop (the message was shown).
+    bool buildNames();
+    // Replaces the style file and ENGLISH.FXT with their new content as one transaction: both
+    // or neither. False when nothing was written (out_ says why, the message was shown).
     bool writeFiles();
-    bool styleFailed(const ReplaceFailure& failure);
+    bool styleFailed(const CommitResult& failure);
 
     StyleSession& s_;
     Platform& platform_;
@@ -108,9 +115,13 @@ private:
     SaveOutcome out_;
     int error_ = err::None;
     std::vector<std::uint8_t> styleBytes_, fxtBytes_;
-    FileLock fxtLock_;
+    FileStamp styleReadAs_; // the style file as its content was read for the savers
+    // Held from before the backups until the files are replaced, so that no other run (nor the
+    // next open's clean-up) touches this save's side files.
+    FileLock styleLock_, fxtLock_;
     fs::path fxtPath_;
     bool writeNames_ = false;
+    std::string pairLine_; // after a failed write of both files: that neither was written
 };
 
 SaveOutcome SaveRun::fail(int error) {
@@ -118,7 +129,9 @@ SaveOutcome SaveRun::fail(int error) {
     out_.result = SaveResult::Failed;
     out_.failedStep = s_.stepText;
     out_.errorNumber = error;
-    platform_.message(saveFailureMessage(s_.stepText, s_.style.path, out_.backup, out_.cause));
+    std::string text = saveFailureMessage(s_.stepText, s_.style.path, out_.backup, out_.cause);
+    if (!pairLine_.empty()) text += "\r" + pairLine_;
+    platform_.message(text);
     return out_;
 }
 
@@ -143,6 +156,7 @@ bool SaveRun::openContent() {
         return false;
     }
     std::vector<std::uint8_t> bytes;
+    styleReadAs_ = stampOf(style.path);
     if (!readWholeFile(style.path, bytes)) {
         out_.cause = describeCause(std::error_code(errno, std::generic_category()));
         error_ = err::PathFileAccess;
@@ -186,63 +200,102 @@ bool SaveRun::saveDeltasAndCut() {
     return error_ == err::None;
 }
 
-// ENGLISH.FXT is not part of the style file: a failure to build it has its own messages and does
-// not stop the style file's save.
-void SaveRun::buildNames() {
+bool SaveRun::buildNames() {
     BusyCursor busy(platform_);
     fxtPath_ = findFileNoCase(s_.style.dataFolder(), "ENGLISH.FXT");
-    // Levels in one folder share ENGLISH.FXT: one writer at a time, and never over a newer file.
-    if (fxtLock_.acquire(fxtPath_, lockProgramName()) == FileLock::Result::HeldByOther) {
-        platform_.message(lockHeldMessage(fxtPath_, fxtLock_.holder()));
-        return;
+    const NamesSaver& saver = options_.savers.carNames;
+    if (!s_.names.fromFxt) {
+        // No ENGLISH.FXT was read: there is no file to save the names into (the saver says so),
+        // and the style file's own changes are saved.
+        if (saver) (void)saver(s_, platform_, fxtBytes_);
+        return true;
     }
-    if (s_.names.fromFxt && fxtChangedSinceLoad(s_.names, fxtPath_) &&
-        platform_.message(changedOnDiskQuestion(fxtPath_), Buttons::YesNo, Icon::Warning) !=
-            Answer::Yes)
-        return;
+    if (fxtLock_.acquire(replacedFileOf(fxtPath_), lockProgramName()) ==
+        FileLock::Result::HeldByOther) {
+        s_.stepText = "Save Car Names";
+        (void)refuse(lockHeldMessage(fxtPath_, fxtLock_.holder()));
+        return false;
+    }
+    if (!fxtLock_.staleHolder().empty())
+        platform_.message(staleLockNote(fxtLock_.lockPath(), fxtLock_.staleHolder()), Buttons::Ok,
+                          Icon::Warning);
     std::error_code ec;
     if (!options_.backups->ensureBackup(fxtPath_, ec)) {
-        platform_.message(
-            "ENGLISH.FXT could not be copied to " + backupPathOf(fxtPath_).string() +
-            ", so the car names were not saved.\rThe system said: " + describeCause(ec) + ".");
-        return;
+        platform_.message("ENGLISH.FXT could not be copied to " + backupPathOf(fxtPath_).string() +
+                          ", so nothing was saved.\rThe system said: " + describeCause(ec) + ".");
+        out_.result = SaveResult::Failed;
+        out_.failedStep = s_.stepText = "Save Car Names";
+        return false;
     }
-    writeNames_ = options_.savers.carNames && options_.savers.carNames(s_, platform_, fxtBytes_);
+    writeNames_ = saver && saver(s_, platform_, fxtBytes_);
+    if (!writeNames_) {
+        out_.result = SaveResult::Failed;
+        out_.failedStep = s_.stepText = "Save Car Names";
+    }
+    return writeNames_;
 }
 
 bool SaveRun::writeFiles() {
-    std::vector<FileContent> files;
-    if (out_.styleWritten) files.push_back({s_.style.path, styleBytes_});
-    if (writeNames_) files.push_back({fxtPath_, fxtBytes_});
+    std::vector<CommitFile> files;
+    if (out_.styleWritten) files.push_back({s_.style.path, styleBytes_, styleReadAs_});
+    if (writeNames_) files.push_back({fxtPath_, fxtBytes_, s_.names.fxtStamp});
     if (files.empty()) return true;
     checkpoint("Files Built");
-    const ReplaceFailure failure = replaceFilesAtomically(files);
-    if (!failure) {
+    CommitOptions commit;
+    if (styleLock_.held()) commit.lockedByCaller.push_back(s_.style.path);
+    if (fxtLock_.held()) commit.lockedByCaller.push_back(fxtPath_);
+    commit.askWriteOver = [this](const fs::path& file) {
+        return platform_.message(changedOnDiskQuestion(file), Buttons::YesNo, Icon::Warning) ==
+               Answer::Yes;
+    };
+    const LinkPolicy links = options_.links ? *options_.links : s_.options.links;
+    commit.breakLinks = links == LinkPolicy::Break;
+    if (links == LinkPolicy::Ask)
+        commit.askBreakLinks = [this](const fs::path& file, std::uint64_t names) {
+            return platform_.message(hardLinkQuestion(file, names), Buttons::YesNo,
+                                     Icon::Warning) == Answer::Yes;
+        };
+    const CommitResult result = commitFiles(files, commit);
+    for (const std::string& text : result.found)
+        platform_.message(text, Buttons::Ok, Icon::Warning);
+    switch (result.outcome) {
+    case CommitOutcome::Committed:
         if (out_.styleWritten) rememberFileState(s_.style);
         checkpoint("Files Replaced");
         return true;
+    case CommitOutcome::Changed:
+        // The user was asked and chose not to write over the other program's save.
+        out_.result = SaveResult::Declined;
+        return false;
+    case CommitOutcome::Busy:
+    case CommitOutcome::HardLinked:
+    case CommitOutcome::BackupFailed:
+        (void)refuse(commitFailureMessage(result, files));
+        return false;
+    case CommitOutcome::WriteFailed:
+        break;
     }
-    if (writeNames_ && failure.file == fxtPath_) {
-        // ENGLISH.FXT has its own message and does not stop the style file's save.
-        platform_.message(std::string("Error occured during write of FXT file.") + "\r" +
-                          "The system said: " + describeCause(failure.cause) + ".");
-        writeNames_ = false;
-        if (!out_.styleWritten) return true;
-        if (failure.replaced == 0) {
-            if (const ReplaceFailure alone = replaceFileAtomically(s_.style.path, styleBytes_))
-                return styleFailed(alone);
-        }
-        rememberFileState(s_.style);
-        return true;
+    if (result.file == fxtPath_ || result.partly) {
+        s_.stepText = "Save Car Names";
+        out_.cause = describeCause(result.cause);
+        (void)refuse(std::string("Error occured during write of FXT file.") + "\r" +
+                     commitFailureMessage(result, files));
+        return false;
     }
-    return styleFailed(failure);
+    if (files.size() > 1)
+        pairLine_ = "ENGLISH.FXT was not written either: " + fxtPath_.string() + " is as it was.";
+    return styleFailed(result);
 }
 
-bool SaveRun::styleFailed(const ReplaceFailure& failure) {
+bool SaveRun::styleFailed(const CommitResult& failure) {
     s_.stepText = "Write STYLE file";
     out_.cause = describeCause(failure.cause);
+    if (failure.ownerNotKept)
+        out_.cause = "the new file could not be given the owner and group of the old one (" +
+                     out_.cause + ")";
     const std::error_condition c = failure.cause.default_error_condition();
     error_ = c == std::errc::no_space_on_device ? err::DiskFull : err::PathFileAccess;
+    (void)fail(error_);
     return false;
 }
 
@@ -253,10 +306,13 @@ SaveOutcome SaveRun::run() {
 
     begin("File Open");
     // One save of a file at a time, across every run of the program on this machine.
-    FileLock lock;
     if (toStyle || style.gCarNamesChanged) {
-        if (lock.acquire(style.path, lockProgramName()) == FileLock::Result::HeldByOther)
-            return refuse(lockHeldMessage(style.path, lock.holder()));
+        if (styleLock_.acquire(replacedFileOf(style.path), lockProgramName()) ==
+            FileLock::Result::HeldByOther)
+            return refuse(lockHeldMessage(style.path, styleLock_.holder()));
+        if (!styleLock_.staleHolder().empty())
+            platform_.message(staleLockNote(styleLock_.lockPath(), styleLock_.staleHolder()),
+                              Buttons::Ok, Icon::Warning);
     }
     if (toStyle && changedOnDisk(style)) {
         Answer answer =
@@ -300,8 +356,8 @@ SaveOutcome SaveRun::run() {
         styleBytes_ = file_.takeBytes();
     }
 
-    if (style.gCarNamesChanged) buildNames();
-    if (!writeFiles()) return fail(error_);
+    if (style.gCarNamesChanged && !buildNames()) return out_;
+    if (!writeFiles()) return out_;
     if (writeNames_) {
         rememberFxtState(s_.names, fxtPath_);
         out_.namesSaved = true;
@@ -318,8 +374,18 @@ SaveOutcome saveChanges(StyleSession& session, Platform& platform) {
 }
 
 SaveOutcome saveChanges(StyleSession& session, Platform& platform, const SaveOptions& options) {
+    // The savers clear their flags and move the section positions as they go; a save that writes
+    // nothing puts them back, so every edit stays pending and the next save writes them all.
+    const StyleFileState style = session.style;
+    std::optional<DeltaTable> deltas;
+    if (style.gDeltasChanged) deltas = session.deltas;
     SaveRun run(session, platform, options);
-    return run.run();
+    SaveOutcome outcome = run.run();
+    if (outcome.result != SaveResult::Saved) {
+        session.style = style;
+        if (deltas) session.deltas = std::move(*deltas);
+    }
+    return outcome;
 }
 
 } // namespace torquil

@@ -2,11 +2,13 @@
 // "Save Changes": writes every changed part into the style file's content in the game's fixed
 // order (car info, pages, CLUT, deltas), moves the sprite numbers record and cuts the file after
 // a delta save, then builds ENGLISH.FXT for changed car names. The savers work on the file's
-// content in memory; both new files are complete and on the disk before either replaces its old
-// file in one rename. The modder's original style file and ENGLISH.FXT are copied to ".bak"
-// files before the program first writes them. The save holds the style file's lock, refuses a
-// file whose header does not add up to its length, and names the system's cause of a failure.
+// content in memory; the two new files are then written as one transaction (commitFiles): both or
+// neither, under both files' locks, each checked to be still the file the save read. The modder's
+// original style file and ENGLISH.FXT are copied to ".bak" files before the program first writes
+// them. The save refuses a file whose header does not add up to its length and names the system's
+// cause of a failure. A save that writes nothing leaves every edit pending.
 
+#include "base/app_options.h"
 #include "session/edits.h" // markAllChanged
 #include "session/file_backups.h"
 #include "session/shrink_style_file.h"
@@ -14,6 +16,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -41,6 +44,8 @@ SaverSet standardSavers();
 
 struct SaveOptions {
     SaverSet savers = standardSavers();
+    // What to do with a file that has other names (hard links); unset: the session's options.
+    std::optional<LinkPolicy> links;
     BackupRegistry* backups = &processBackups();
     SaveCheckpoint checkpoint; // named points of the save, for tests that play a crash
 };
@@ -78,9 +83,14 @@ struct SaveOutcome {
                                              const std::filesystem::path& backup,
                                              const std::string& cause = {});
 
-// Tells the user of side files that an interrupted save left beside the style file or its
-// ENGLISH.FXT (one message each). Returns how many there were.
+// Finishes or rolls back a save of the style file and its ENGLISH.FXT that was cut short, removes
+// the side and lock files it left, and says what it found (one message each); a save still
+// running in another run is named as such and left alone. Called by the load before it reads
+// either file. Returns how many messages were shown.
 int reportInterruptedSaves(const std::filesystem::path& styleFile, Platform& platform);
+
+// The question asked before a save splits a file from its other names (hard links).
+[[nodiscard]] std::string hardLinkQuestion(const std::filesystem::path& path, std::uint64_t names);
 
 // The question asked before writing over a style file that changed on disk since it was loaded.
 [[nodiscard]] std::string changedOnDiskQuestion(const std::filesystem::path& path);

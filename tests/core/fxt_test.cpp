@@ -152,7 +152,11 @@ TEST(FxtFiles, MissingInputsAndUnwritableOutputsGiveTheMessages) {
     ASSERT_EQ(q.messageTexts().size(), 2u);
     EXPECT_EQ(q.messageTexts()[0], "Error occured during load of FXT file.\r"
                                    "The system said: no such file or directory.");
-    EXPECT_EQ(q.messageTexts()[1], "Error occured during write of FXT file.\r"
-                                   "The system said: no such file or directory.");
+    const std::string missing = (dir / "no" / "such" / "X.FXT").string();
+    EXPECT_EQ(q.messageTexts()[1], "Error occured during write of FXT file.\r" + missing +
+                                       " could not be written.\r"
+                                       "The system said: no such file or directory.\r"
+                                       "Nothing was written: " +
+                                       missing + " is as it was.");
     EXPECT_EQ(q.progressOpenCount, q.progressCloseCount);
 }

@@ -159,6 +159,19 @@ void UndoTest::saveIsTheCleanPointOfTheHistory() {
     h.action("mnuSaveBlock")->trigger(); // the undo saved: the file is as it was
     QVERIFY(readFile(style) == original);
     QVERIFY(!h.modified());
+
+    // A save that fails writes nothing and leaves the window modified; once the file can be
+    // written again, the next save writes the edit.
+    h.action("mnuRedo")->trigger();
+    std::filesystem::permissions(style, std::filesystem::perms::owner_read);
+    h.action("mnuSaveBlock")->trigger();
+    QVERIFY(readFile(style) == original);
+    QVERIFY(h.modified() && h.enabled("mnuSaveBlock"));
+    std::filesystem::permissions(style, std::filesystem::perms::owner_read |
+                                            std::filesystem::perms::owner_write);
+    h.action("mnuSaveBlock")->trigger();
+    QVERIFY(readFile(style) == saved);
+    QVERIFY(!h.modified() && !h.enabled("mnuSaveBlock"));
 }
 
 void UndoTest::carEditorKeepsWhatTheUserDidNotChange() {

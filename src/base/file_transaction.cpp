@@ -1,0 +1,210 @@
+#include "base/file_transaction.h"
+
+#include "base/atomic_file.h"
+
+#include <algorithm>
+#include <memory>
+
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <sys/stat.h>
+#endif
+
+namespace torquil {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// The locks of a run, one per file, all let go (and their files removed) at the end.
+class LockSet {
+public:
+    // Files whose locks the caller holds.
+    void heldAlready(const std::vector<fs::path>& files) {
+        for (const fs::path& f : files)
+            held_.push_back(fs::absolute(replacedFileOf(f)).lexically_normal());
+    }
+    // Takes the lock of `file` unless this set holds it already; false when another run holds it.
+    bool take(const fs::path& file, const std::string& program, std::string& holder,
+              std::vector<std::string>& found) {
+        const fs::path key = fs::absolute(file).lexically_normal();
+        if (std::find(held_.begin(), held_.end(), key) != held_.end()) return true;
+        auto lock = std::make_unique<FileLock>();
+        if (lock->acquire(file, program) == FileLock::Result::HeldByOther) {
+            holder = lock->holder();
+            return false;
+        }
+        // Unavailable (no lock file can be made there): the write itself then says why.
+        if (lock->held() && !lock->staleHolder().empty())
+            found.push_back(staleLockNote(lock->lockPath(), lock->staleHolder()));
+        held_.push_back(key);
+        locks_.push_back(std::move(lock));
+        return true;
+    }
+
+private:
+    std::vector<fs::path> held_;
+    std::vector<std::unique_ptr<FileLock>> locks_;
+};
+
+// Each file once, as the replace writes it (a link's target), with the files that interrupted
+// saves of them name.
+std::vector<fs::path> filesToLock(std::span<const fs::path> named) {
+    std::vector<fs::path> files;
+    auto add = [&files](const fs::path& f) {
+        const fs::path key = fs::absolute(f).lexically_normal();
+        for (const fs::path& have : files)
+            if (fs::absolute(have).lexically_normal() == key) return;
+        files.push_back(f);
+    };
+    for (const fs::path& f : named) add(replacedFileOf(f));
+    for (const fs::path& f : named)
+        for (const fs::path& other : filesOfInterruptedSaves(f)) add(other);
+    return files;
+}
+
+std::string busySavingNote(const fs::path& file, const std::string& holder) {
+    return "The file " + file.string() + " is being saved by " + holder + "." + "\r" +
+           "The files beside it whose names go on with .~new, .~done, .~old or .~pair belong to "
+           "that save: leave them.";
+}
+
+std::string listOf(std::span<const CommitFile> files) {
+    std::string text;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (i > 0) text += i + 1 == files.size() ? " and " : ", ";
+        text += files[i].target.string();
+    }
+    return text;
+}
+
+} // namespace
+
+std::uint64_t nameCountOf(const fs::path& file) {
+#ifdef _WIN32
+    HANDLE h = CreateFileW(file.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                           nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (h == INVALID_HANDLE_VALUE) return 1;
+    BY_HANDLE_FILE_INFORMATION info{};
+    const bool ok = GetFileInformationByHandle(h, &info) != 0;
+    CloseHandle(h);
+    return ok && info.nNumberOfLinks > 0 ? info.nNumberOfLinks : 1;
+#else
+    struct stat st {};
+    if (::stat(file.c_str(), &st) != 0 || st.st_nlink < 1) return 1;
+    return static_cast<std::uint64_t>(st.st_nlink);
+#endif
+}
+
+CommitResult commitFiles(std::span<const CommitFile> files, const CommitOptions& options) {
+    CommitResult r;
+    std::vector<fs::path> named;
+    for (const CommitFile& f : files) named.push_back(f.target);
+    LockSet locks;
+    locks.heldAlready(options.lockedByCaller);
+    for (const fs::path& file : filesToLock(named)) {
+        if (!locks.take(file, options.program, r.holder, r.found)) {
+            r.outcome = CommitOutcome::Busy;
+            r.file = file;
+            return r;
+        }
+    }
+    // What an interrupted save left is dealt with first: a file it finished is no longer the one
+    // this run read, and the check below says so.
+    for (const fs::path& file : named)
+        for (std::string& said : recoverInterruptedSaves(file)) r.found.push_back(std::move(said));
+
+    for (const CommitFile& f : files) {
+        if (stampOf(f.target) != f.readAs &&
+            !(options.askWriteOver && options.askWriteOver(f.target))) {
+            r.outcome = CommitOutcome::Changed;
+            r.file = f.target;
+            return r;
+        }
+    }
+    for (const CommitFile& f : files) {
+        const std::uint64_t names = nameCountOf(f.target);
+        if (names > 1 && !options.breakLinks &&
+            !(options.askBreakLinks && options.askBreakLinks(f.target, names))) {
+            r.outcome = CommitOutcome::HardLinked;
+            r.file = f.target;
+            r.names = names;
+            return r;
+        }
+    }
+    if (options.keepBackup) {
+        for (const CommitFile& f : files) {
+            if (!options.keepBackup(f.target, r.cause)) {
+                r.outcome = CommitOutcome::BackupFailed;
+                r.file = f.target;
+                return r;
+            }
+        }
+    }
+    std::vector<FileContent> contents;
+    for (const CommitFile& f : files) contents.push_back({f.target, f.bytes});
+    if (const ReplaceFailure failure = replaceFilesAtomically(contents)) {
+        r.outcome = CommitOutcome::WriteFailed;
+        r.file = failure.file;
+        r.cause = failure.cause;
+        r.partly = failure.replaced > 0;
+        r.ownerNotKept = failure.step == "owner";
+    }
+    return r;
+}
+
+std::string commitFailureMessage(const CommitResult& r, std::span<const CommitFile> files) {
+    const std::string nothing = "Nothing was written: " + listOf(files) +
+                                (files.size() > 1 ? " are as they were." : " is as it was.");
+    const std::string file = r.file.string();
+    switch (r.outcome) {
+    case CommitOutcome::Committed:
+        return {};
+    case CommitOutcome::Busy:
+        return "The file " + file + " is being saved by " + r.holder + "." + "\r" + nothing + "\r" +
+               "Wait until that save is over, then save again.";
+    case CommitOutcome::Changed:
+        return "The file " + file + " was changed by another program after it was read." + "\r" +
+               nothing + "\r" + "Open it again to see that change, then make yours again.";
+    case CommitOutcome::HardLinked:
+        return "The file " + file + " has " + std::to_string(r.names) +
+               " names (hard links). Saving gives it a new file of its own; its other names " +
+               "would keep the old content." + "\r" + nothing + "\r" +
+               "To save it anyway, allow the link to be broken (--break-links).";
+    case CommitOutcome::BackupFailed:
+        return "The original " + file + " could not be kept as " + file + ".bak." + "\r" +
+               "The system said: " + describeCause(r.cause) + "." + "\r" + nothing;
+    case CommitOutcome::WriteFailed:
+        break;
+    }
+    const std::string said = "The system said: " + describeCause(r.cause) + ".";
+    const std::string what =
+        r.ownerNotKept
+            ? file + " could not be written: its new file could not be given the " +
+                  "owner and group of the old one."
+            : file + (r.partly ? " could not take its new content." : " could not be written.");
+    if (!r.partly) return what + "\r" + said + "\r" + nothing;
+    return what + "\r" + said + "\r" +
+           "The other files of the save hold their new content; the new " + file +
+           " waits beside it and the next save or open of the level puts it in place.";
+}
+
+RecoveryReport recoverFiles(std::span<const fs::path> files, const std::string& program) {
+    RecoveryReport report;
+    LockSet locks;
+    for (const fs::path& file : filesToLock(files)) {
+        std::string holder;
+        if (!locks.take(file, program, holder, report.found)) {
+            // A live save: its side files are its own, not damage.
+            if (!findInterruptedSaves(file).empty())
+                report.busy.push_back(busySavingNote(file, holder));
+            continue;
+        }
+        for (std::string& said : recoverInterruptedSaves(file))
+            report.found.push_back(std::move(said));
+    }
+    return report;
+}
+
+} // namespace torquil
