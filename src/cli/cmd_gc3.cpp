@@ -13,6 +13,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <ostream>
 
 namespace torquil::cli {
@@ -71,6 +72,9 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
         "write",
         "Write PACK with the byte runs in which MOD_STYLE and MOD_FXT differ from ORIG_STYLE\n"
         "and ORIG_FXT. Both style files must be of the same level (STYLEnnn in the name).\n"
+        "The pack is read back before it is written: applied to the originals it must give\n"
+        "the changed files, and they must open in the editor. An existing PACK is replaced\n"
+        "only when the new one is complete.\n"
         "Exit status: 0 written, 1 refused or failed, 2 usage error.");
     w->common.addTo(*write);
     write->add_option("MOD_STYLE", w->modStyle, "The changed style file")->required();
@@ -80,11 +84,11 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
     write->add_option("PACK", w->pack, "The pack to write (replaced)")->required();
     write->callback([w, &ctx] {
         auto platform = makePlatform(ctx, w->common);
-        ctx.exitCode =
-            writeGC3(argumentPath(w->modStyle), argumentPath(w->origStyle), argumentPath(w->modFxt),
-                     argumentPath(w->origFxt), argumentPath(w->pack), *platform)
-                ? kExitOk
-                : kExitFailed;
+        ctx.exitCode = writeCarPack(argumentPath(w->modStyle), argumentPath(w->origStyle),
+                                    argumentPath(w->modFxt), argumentPath(w->origFxt),
+                                    argumentPath(w->pack), *platform)
+                           ? kExitOk
+                           : kExitFailed;
     });
 
     struct ReadArgs {
@@ -118,7 +122,8 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
         "show",
         "Tell what PACK changes in STYLE and FXT (the files it would be applied to): the car\n"
         "records and their fields, the car names, the sprites whose pixels change (page and\n"
-        "ASN), the CLUTs, the delta store and other sections, and the level it is for.\n"
+        "ASN), the CLUTs, the delta store and other sections, and the level it is for. A pack\n"
+        "that apply would refuse is refused the same way, each conflict named.\n"
         "Exit status: 0 shown, 1 the pack is damaged or does not fit the files, 2 usage error.");
     sh->common.addTo(*show);
     show->add_option("PACK", sh->pack, "The pack")->required();
@@ -128,28 +133,24 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
     show->callback([sh, &ctx] {
         AppOptions options = makeAppOptions(ctx, sh->common);
         auto platform = makePlatform(ctx, sh->common);
-        Gc3Pack pack;
-        if (!readCarPack(sh->pack, pack, *platform)) {
+        CarPackFile pack;
+        if (!readCarPack(argumentPath(sh->pack), pack, *platform)) {
             ctx.exitCode = kExitFailed;
             return;
         }
         auto session = loadStyle(ctx, *platform, options, sh->style, kLoadSprites);
         if (!session) return;
-        std::vector<std::uint8_t> style, fxt;
-        if (!readWholeFile(sh->style, style) || !readWholeFile(sh->fxt, fxt)) {
-            ctx.err << "Unable to read " << sh->style << " or " << sh->fxt << '\n';
+        const CarPackPlan plan =
+            planCarPack(pack, {argumentPath(sh->style), argumentPath(sh->fxt)});
+        if (!plan.applies()) {
+            platform->message(plan.refusal);
             ctx.exitCode = kExitFailed;
             return;
         }
         // The names of the FXT given, wherever it lies; the decoded text itself is not needed.
-        static_cast<void>(decodeFxtBytes(fxt, &session->names));
-        CarPackPreview preview;
-        std::string why;
-        if (!previewCarPack(pack, *session, style, fxt, preview, why)) {
-            ctx.err << "This GC3 car pack does not fit the files: " << why << '\n';
-            ctx.exitCode = kExitFailed;
-            return;
-        }
+        static_cast<void>(decodeFxtBytes(plan.fxtBefore, &session->names));
+        const CarPackPreview preview = previewCarPack(
+            pack.pack, *session, plan.styleBefore, plan.fxtBefore, plan.styleAfter, plan.fxtAfter);
         if (sh->json)
             ctx.out << previewJson(preview).dump(2, ' ', false,
                                                  nlohmann::ordered_json::error_handler_t::replace)
@@ -166,12 +167,13 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
     auto a = std::make_shared<ApplyArgs>();
     CLI::App* apply = gc3->add_subcommand(
         "apply",
-        "Apply PACK to STYLE and FXT (the files the pack was made against), so that they become\n"
-        "the changed files. Nothing is written when the pack is for another level, damaged, or\n"
-        "does not fit the files; a pack written here also refuses files other than those it was\n"
-        "made against and says \"already applied\" when the files already are its results. Each\n"
-        "file is first kept once as its .bak; both new files are complete before either is\n"
-        "replaced. Standard output: the number of runs applied to each file.\n"
+        "Apply PACK to STYLE and FXT. Files that are the ones the pack was made against become\n"
+        "the changed files exactly; files edited since take the pack's changes when every byte\n"
+        "it changes is still as it was (packs written here), else each conflict is named (car\n"
+        "and field, sprite, CLUT, car name) and nothing is written. Nothing is written either\n"
+        "when the pack is for another level, damaged, already applied, or would give files the\n"
+        "editor cannot open. Each changed file is first kept once as its .bak; a file the pack\n"
+        "does not change is not written. Standard output: the files written and their .bak.\n"
         "Exit status: 0 applied, 1 refused or failed, 2 usage error.");
     a->common.addTo(*apply);
     apply->add_option("PACK", a->pack, "The pack")->required();
@@ -179,13 +181,15 @@ void registerGc3Command(CLI::App& app, Context& ctx) {
     apply->add_option("FXT", a->fxt, "The ENGLISH.FXT to change")->required();
     apply->callback([a, &ctx] {
         auto platform = makePlatform(ctx, a->common);
-        auto keep = [](const std::filesystem::path& file, std::error_code& ec) {
-            return processBackups().ensureBackup(file, ec);
-        };
-        ctx.exitCode = applyGC3(argumentPath(a->pack), argumentPath(a->style), argumentPath(a->fxt),
-                                *platform, keep)
-                           ? kExitOk
-                           : kExitFailed;
+        const CarPackApplied applied =
+            applyCarPack(argumentPath(a->pack), {argumentPath(a->style), argumentPath(a->fxt)},
+                         *platform, processBackups());
+        if (applied.result == ApplyResult::Applied) {
+            std::string text = applied.message;
+            std::replace(text.begin(), text.end(), '\r', '\n');
+            ctx.out << text << '\n';
+        }
+        ctx.exitCode = applied.result == ApplyResult::Applied ? kExitOk : kExitFailed;
     });
 }
 

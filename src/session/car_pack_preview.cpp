@@ -3,6 +3,7 @@
 #include "base/binary_file.h"
 #include "cars/car_record_fields.h"
 #include "cars/fxt.h"
+#include "session/level_bytes_check.h"
 #include "session/style_session.h"
 #include "style/level_name.h"
 #include "style/rounding.h"
@@ -273,28 +274,17 @@ std::string levelText(int level) {
 
 } // namespace
 
-bool previewCarPack(const Gc3Pack& pack, const StyleSession& session,
-                    const std::vector<std::uint8_t>& styleBefore,
-                    const std::vector<std::uint8_t>& fxtBefore, CarPackPreview& out,
-                    std::string& error) {
-    out = CarPackPreview{};
+CarPackPreview previewCarPack(const Gc3Pack& pack, const StyleSession& session,
+                              const std::vector<std::uint8_t>& styleBefore,
+                              const std::vector<std::uint8_t>& fxtBefore,
+                              const std::vector<std::uint8_t>& styleAfter,
+                              const std::vector<std::uint8_t>& fxtAfter) {
+    CarPackPreview out;
     out.packLevel = pack.header.stylenum;
     out.openLevel = session.style.gMapNumber;
     out.styleName = session.style.gStyleFileName;
     out.styleRuns = pack.styleRecords.size();
     out.fxtRuns = pack.fxtRecords.size();
-
-    std::vector<std::uint8_t> styleAfter, fxtAfter;
-    std::string why;
-    if (!rebuildFromRuns(styleBefore, pack.styleRecords, pack.header.StyleDataLOF, styleAfter,
-                         why)) {
-        error = "style file: " + why;
-        return false;
-    }
-    if (!rebuildFromRuns(fxtBefore, pack.fxtRecords, pack.header.FXTDataLOF, fxtAfter, why)) {
-        error = "ENGLISH.FXT: " + why;
-        return false;
-    }
     out.styleLengthBefore = static_cast<std::int64_t>(styleBefore.size());
     out.styleLengthAfter = static_cast<std::int64_t>(styleAfter.size());
     out.fxtLengthBefore = static_cast<std::int64_t>(fxtBefore.size());
@@ -315,7 +305,36 @@ bool previewCarPack(const Gc3Pack& pack, const StyleSession& session,
     StyleClassifier classify(session, styleAfter, namesAfter, out);
     for (std::int64_t p : styleChanged) classify.take(p);
     classify.finish();
-    return true;
+    return out;
+}
+
+std::vector<std::string> describeStylePositions(const std::filesystem::path& stylePath,
+                                                const std::vector<std::uint8_t>& style,
+                                                const std::vector<std::uint8_t>& fxt,
+                                                const std::vector<std::int64_t>& positions) {
+    std::string why;
+    const auto session = loadLevelBytes(stylePath, style, fxt, why);
+    std::vector<std::string> out;
+    if (!session) {
+        out.push_back(stylePath.filename().string() + ": " + std::to_string(positions.size()) +
+                      " bytes (the file does not open: " + why + ")");
+        return out;
+    }
+    CarPackPreview places;
+    StyleClassifier classify(*session, style, session->names, places);
+    for (std::int64_t p : positions) classify.take(p);
+    classify.finish();
+    for (const auto& car : places.cars)
+        out.push_back(car.name + " (ASN " + std::to_string(car.asn) + "): " + joined(car.fields));
+    for (const auto& s : places.sprites)
+        out.push_back(s.asn > 0 ? "sprite " + std::to_string(s.asn) +
+                                      (s.car.empty() ? "" : " (" + s.car + ")") + " on page " +
+                                      std::to_string(s.page)
+                                : "pixels outside any sprite on page " + std::to_string(s.page));
+    for (const auto& c : places.cluts) out.push_back("CLUT " + std::to_string(c.clut));
+    if (places.deltaStore) out.push_back("the delta store");
+    for (const auto& section : places.otherSections) out.push_back("the " + section);
+    return out;
 }
 
 std::vector<std::string> carPackPreviewLines(const CarPackPreview& p) {
@@ -343,8 +362,10 @@ std::vector<std::string> carPackPreviewLines(const CarPackPreview& p) {
     if (!p.names.empty()) {
         lines.push_back("Car names:");
         for (const auto& n : p.names)
-            lines.push_back("  car " + std::to_string(n.model) + ": \"" + n.before + "\" -> \"" +
-                            n.after + "\"");
+            // A car is named by its name, as the modder knows it, with its model number.
+            lines.push_back("  " + (n.after.empty() ? n.before : n.after) + " (model " +
+                            std::to_string(n.model) + "): \"" + n.before + "\" -> \"" + n.after +
+                            "\"");
     }
     if (p.otherTexts) lines.push_back("Other texts of ENGLISH.FXT changed");
     if (!p.sprites.empty()) {

@@ -100,6 +100,12 @@ LoadOutcome fail(StyleSession& s, Platform& platform, BinaryFile& file) {
 
 } // namespace
 
+namespace {
+// The load sequence from the header on, on a file opened by the caller.
+LoadOutcome loadOpenedStyle(StyleSession& s, BinaryFile& file, Platform& platform,
+                            const LoaderSet& loaders);
+} // namespace
+
 LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loaders) {
     BusyCursor busy(platform);
     platform.doEvents();
@@ -117,8 +123,30 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
     s.errors.clear();
     // A failed open leaves its pending error, which ends the load below.
     static_cast<void>(file.open(style.path, BinaryFile::Mode::Read));
-    style.fileLength = file.length();
     style.loadedStamp = stampOf(style.path);
+    const LoadOutcome outcome = loadOpenedStyle(s, file, platform, loaders);
+    if (outcome != LoadOutcome::Loaded) return outcome;
+    // Side files of a save that was cut short are named to the user, never used silently.
+    reportInterruptedSaves(style.path, platform);
+    return outcome;
+}
+
+LoadOutcome initHeaderFromBytes(StyleSession& s, Platform& platform, const LoaderSet& loaders,
+                                std::vector<std::uint8_t>& bytes) {
+    BusyCursor busy(platform);
+    s.stepText = "Init Header";
+    BinaryFile file(s.errors);
+    s.errors.clear();
+    file.openBytes(bytes, s.style.path);
+    return loadOpenedStyle(s, file, platform, loaders);
+}
+
+namespace {
+
+LoadOutcome loadOpenedStyle(StyleSession& s, BinaryFile& file, Platform& platform,
+                            const LoaderSet& loaders) {
+    StyleFileState& style = s.style;
+    style.fileLength = file.length();
     style.header = readStyleHeader(file, style.gIs24Bit);
     appendHeaderDetails(s, platform);
 
@@ -165,9 +193,9 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
     s.caption =
         windowCaption(style.gStyleFileName, style.gMapNumber, style.gIs24Bit, style.loadOption);
     file.close();
-    // Side files of a save that was cut short are named to the user, never used silently.
-    reportInterruptedSaves(style.path, platform);
     return LoadOutcome::Loaded;
 }
+
+} // namespace
 
 } // namespace torquil

@@ -14,8 +14,8 @@
 #include "session/edits.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
-#include "session/session_io.h"
 #include "session/save_sequence.h"
+#include "session/session_io.h"
 #include "session/style_session.h"
 #include "sprites/sprite_info.h"
 #include "style_builder.h"
@@ -97,16 +97,18 @@ struct CarPackFixture : ::testing::Test {
     // had no reason to write it).
     void build() {
         const CarPackFiles bak = levelBackups(session->style);
-        ASSERT_TRUE(writeGC3(style, bak.style.empty() ? style : bak.style, fxt,
-                             bak.fxt.empty() ? fxt : bak.fxt, pack, platform));
+        ASSERT_TRUE(writeCarPack(style, bak.style.empty() ? style : bak.style, fxt,
+                                 bak.fxt.empty() ? fxt : bak.fxt, pack, platform))
+            << (messages().empty() ? "" : messages().back());
     }
     CarPackPreview preview() {
-        Gc3Pack parsed;
+        CarPackFile parsed;
         EXPECT_TRUE(readCarPack(pack, parsed, platform));
-        CarPackPreview out;
-        std::string why;
-        EXPECT_TRUE(previewCarPack(parsed, *session, originalStyle, originalFxt, out, why)) << why;
-        return out;
+        const Gc3Merged merged = mergeGc3Pack(parsed.pack, parsed.trailer, parsed.originals,
+                                              {style, originalStyle}, {fxt, originalFxt});
+        EXPECT_EQ(merged.applied.outcome, Gc3Outcome::Applied) << merged.applied.message;
+        return previewCarPack(parsed.pack, *session, originalStyle, originalFxt, merged.style,
+                              merged.fxt);
     }
     std::vector<std::string> messages() const { return platform.messageTexts(); }
 };
@@ -269,10 +271,10 @@ TEST_F(CarPackFixture, EverySectionOfBothKindsIsNamedWhereTheBuilderPutIt) {
             tb::writeFile(dir / "mod" / level.file, changed);
             ASSERT_TRUE(writeGC3(dir / "mod" / level.file, file, fxt, fxt, pack, platform));
             Gc3Pack parsed;
-            ASSERT_TRUE(readCarPack(pack, parsed, platform));
-            CarPackPreview p;
             std::string why;
-            ASSERT_TRUE(previewCarPack(parsed, *session, before, originalFxt, p, why)) << why;
+            ASSERT_TRUE(parseGc3(tb::readFile(pack), parsed, why)) << why;
+            const CarPackPreview p =
+                previewCarPack(parsed, *session, before, originalFxt, changed, originalFxt);
             EXPECT_EQ(firstNamed(p), c.expected);
             EXPECT_EQ(p.styleBytesChanged, 1);
         }
@@ -327,7 +329,7 @@ TEST_F(CarPackFixture, PackFromTheBakOriginalsTurnsThemIntoTheEditedFilesOnce) {
     tb::writeFile(fxt, tb::readFile(bak.fxt));
     BackupRegistry fresh;
     platform.shownMessages.clear();
-    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh),
+    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh).result,
               ApplyResult::Applied);
     EXPECT_EQ(tb::readFile(style), editedStyle);
     EXPECT_EQ(tb::readFile(fxt), editedFxt);
@@ -335,7 +337,7 @@ TEST_F(CarPackFixture, PackFromTheBakOriginalsTurnsThemIntoTheEditedFilesOnce) {
     EXPECT_EQ(tb::readFile(bak.fxt), originalFxt);
 
     // A second time is refused, and says why.
-    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh),
+    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh).result,
               ApplyResult::Refused);
     ASSERT_FALSE(messages().empty());
     EXPECT_NE(messages().back().find("already applied"), std::string::npos) << messages().back();
@@ -355,15 +357,15 @@ TEST_F(CarPackFixture, PackWithoutTrailerAppliesOnceAndIsThenRefusedByItsContent
     tb::writeFile(style, tb::readFile(style.string() + ".bak"));
 
     BackupRegistry fresh;
-    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh),
+    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh).result,
               ApplyResult::Applied);
     EXPECT_EQ(tb::readFile(style), editedStyle);
     platform.shownMessages.clear();
-    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh),
+    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh).result,
               ApplyResult::Refused);
     ASSERT_EQ(messages().size(), 1u);
     EXPECT_EQ(messages()[0], "This GC3 car pack is already applied: STYLE001.G24 and ENGLISH.FXT "
-                             "already hold its changes.\rNothing was changed.");
+                             "already hold its changes.\rNothing was written.");
 }
 
 TEST_F(CarPackFixture, PacksThatDoNotBelongAreRefusedWithNothingChanged) {
@@ -401,16 +403,7 @@ TEST_F(CarPackFixture, PacksThatDoNotBelongAreRefusedWithNothingChanged) {
              tb::writeFile(f.style, std::vector<std::uint8_t>(originalStyle.begin(),
                                                               originalStyle.begin() + 1000));
          },
-         ApplyResult::Refused, "made against other files than " + (dir / "short").string()},
-        {"a style file changed where the pack does not reach",
-         [&](CarPackFiles& f) {
-             f.style = dir / "other" / "STYLE001.G24";
-             fs::create_directories(f.style.parent_path());
-             auto bytes = originalStyle;
-             bytes[10] ^= 1;
-             tb::writeFile(f.style, bytes);
-         },
-         ApplyResult::Refused, "made against other files than " + (dir / "other").string()},
+         ApplyResult::Refused, "STYLE001.G24: its sections have moved since the pack was made"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -421,13 +414,68 @@ TEST_F(CarPackFixture, PacksThatDoNotBelongAreRefusedWithNothingChanged) {
         const auto fxtBefore = tb::readFile(files.fxt);
         platform.shownMessages.clear();
         BackupRegistry fresh;
-        EXPECT_EQ(applyCarPack(pack, files, platform, fresh), c.result);
+        EXPECT_EQ(applyCarPack(pack, files, platform, fresh).result, c.result);
         ASSERT_EQ(messages().size(), 1u);
         EXPECT_NE(messages()[0].find(c.message), std::string::npos) << messages()[0];
         EXPECT_EQ(tb::readFile(files.style), styleBefore);
         EXPECT_EQ(tb::readFile(files.fxt), fxtBefore);
         EXPECT_FALSE(fs::exists(files.style.string() + "~gc3"));
     }
+}
+
+// ---- Packs that stack ------------------------------------------------------------------------
+
+// Another car than the pack's, as it is in the sample level.
+int otherCar(const StyleSession& s, int not_) {
+    for (int asn = 1; asn < static_cast<int>(s.cars.slots.size()); ++asn)
+        if (asn != not_ && s.cars.slots[static_cast<std::size_t>(asn)].inUse) return asn;
+    return 0;
+}
+
+TEST_F(CarPackFixture, PackOntoALevelEditedElsewhereGivesBothEditsAndConflictsAreNamed) {
+    const int asn = someCar();
+    editCarField(asn, "max_speed", "66");
+    save();
+    build();
+    // The level as another modder has it: the originals, then an edit of another car.
+    tb::writeFile(style, originalStyle);
+    tb::writeFile(fxt, originalFxt);
+    fs::remove(style.string() + ".bak");
+    fs::remove(fxt.string() + ".bak");
+    load();
+    const int other = otherCar(*session, asn);
+    ASSERT_NE(other, 0);
+    editCarField(other, "grip", "9");
+    save();
+    const auto editedElsewhere = tb::readFile(style);
+
+    auto applied = tb::runCli({"gc3", "apply", pack.string(), style.string(), fxt.string(),
+                               "--workdir", (dir / "work").string()});
+    ASSERT_EQ(applied.status, 0) << applied.err;
+    EXPECT_EQ(applied.out, "GC3 car pack CARS.GC3 applied to:\n  " + style.string() +
+                               " (as it was: " + style.string() + ".bak)\n");
+    EXPECT_EQ(tb::readFile(fxt), originalFxt); // no name change: ENGLISH.FXT is not rewritten
+    EXPECT_FALSE(fs::exists(fxt.string() + ".bak"));
+    load();
+    EXPECT_EQ(fieldText(*session->cars.find(asn), carFieldByName("max_speed")->index), "66");
+    EXPECT_EQ(fieldText(*session->cars.find(other), carFieldByName("grip")->index), "9");
+
+    // The same car's field changed since: refused, the car and field named, nothing written.
+    tb::writeFile(style, editedElsewhere);
+    load();
+    editCarField(asn, "max_speed", "33");
+    save();
+    const auto conflicting = tb::readFile(style);
+    platform.shownMessages.clear();
+    BackupRegistry fresh;
+    const CarPackApplied refused = applyCarPack(pack, levelFiles(session->style), platform, fresh);
+    EXPECT_EQ(refused.result, ApplyResult::Refused);
+    EXPECT_EQ(refused.conflicts, std::vector<std::string>{session->cars.find(asn)->name + " (ASN " +
+                                                          std::to_string(asn) + "): max_speed"});
+    ASSERT_EQ(messages().size(), 1u);
+    EXPECT_NE(messages()[0].find("changed since it was made"), std::string::npos) << messages()[0];
+    EXPECT_EQ(tb::readFile(style), conflicting);
+    EXPECT_EQ(tb::readFile(fxt), originalFxt);
 }
 
 TEST_F(CarPackFixture, CommandLineShowsThePreviewAsTextAndJson) {
@@ -456,9 +504,16 @@ TEST_F(CarPackFixture, CommandLineShowsThePreviewAsTextAndJson) {
     EXPECT_EQ(j["car_records"][0]["fields"][0], "max_speed");
     EXPECT_TRUE(j["sprites"].empty());
 
-    auto misfit = tb::runCli(
-        {"gc3", "show", pack.string(), bak, (dir / "none.fxt").string(), "--workdir", work});
+    // Shown against files whose bytes it changes were changed since: refused as apply refuses.
+    load();
+    editCarField(asn, "max_speed", "44");
+    save();
+    auto misfit = tb::runCli({"gc3", "show", pack.string(), bak, fxt.string(), "--workdir", work});
     EXPECT_EQ(misfit.status, 1);
+    EXPECT_NE(misfit.err.find("message:   " + session->cars.find(asn)->name + " (ASN " +
+                              std::to_string(asn) + "): max_speed"),
+              std::string::npos)
+        << misfit.err;
 }
 
 } // namespace
