@@ -40,8 +40,11 @@ nlohmann::ordered_json previewJson(const CarPackPreview& p) {
                 {"length_after", p.fxtLengthAfter}};
     j["car_records"] = Json::array();
     for (const auto& c : p.cars)
-        j["car_records"].push_back(
-            {{"asn", c.asn}, {"model", c.model}, {"name", c.name}, {"fields", c.fields}});
+        j["car_records"].push_back({{"asn", c.asn},
+                                    {"model", c.model},
+                                    {"name", c.name},
+                                    {"fields", c.fields},
+                                    {"changes", c.changes}});
     j["car_names"] = Json::array();
     for (const auto& n : p.names)
         j["car_names"].push_back({{"model", n.model}, {"before", n.before}, {"after", n.after}});

@@ -1,6 +1,8 @@
 #include "session/car_pack_preview.h"
 
 #include "base/binary_file.h"
+#include "cars/car_fields.h"
+#include "cars/car_record.h"
 #include "cars/car_record_fields.h"
 #include "cars/fxt.h"
 #include "session/level_bytes_check.h"
@@ -124,11 +126,82 @@ struct CarSpan {
     int asn = 0;
 };
 
+// The record of a car as the bytes at its place hold it (doors as many as the open level has).
+CarEntry recordAt(const std::vector<std::uint8_t>& bytes, const CarEntry& car) {
+    CarEntry out = car;
+    const auto at = static_cast<std::size_t>(car.fileSeek - 1);
+    if (car.fileSeek < 1 || at + CarInfo::kFixedSize > bytes.size()) return out;
+    CarFixedBytes fixed{};
+    std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), fixed.size(), fixed.begin());
+    out.info = decodeCarFixed(fixed);
+    for (std::size_t d = 0; d < out.doorList.size(); ++d) {
+        const std::size_t from = at + CarInfo::kFixedSize + d * CarInfo::kDoorSize;
+        if (from + CarInfo::kDoorSize > bytes.size()) break;
+        DoorBytes door{};
+        std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(from), door.size(), door.begin());
+        out.doorList[d] = decodeDoor(door);
+    }
+    return out;
+}
+
+// The values of some editor boxes joined with "/", at a remap or door.
+std::string boxValues(const CarEntry& car, std::initializer_list<int> boxes,
+                      const FieldCursor& at = {}) {
+    std::string out;
+    for (int box : boxes) out += (out.empty() ? "" : "/") + fieldText(car, box, at);
+    return out;
+}
+
+// A record field ("max_speed", "remap24[3]", "door 1", "value[2]") as the car editor names it.
+std::string fieldLabel(const std::string& field) {
+    const auto bracket = field.find('[');
+    const std::string base = field.substr(0, bracket);
+    const std::string element =
+        bracket == std::string::npos ? "" : field.substr(bracket + 1, field.size() - bracket - 2);
+    if (base == "remap24") return "Remap " + element + " Hue/Lightness/Saturation";
+    if (base == "remap8") return "Remap " + element + " Palette Index";
+    if (base == "value")
+        return "Value (crane " + std::to_string(std::atoi(element.c_str()) + 1) + ")";
+    if (field.rfind("door ", 0) == 0) return "Door " + field.substr(5) + " RPX/RPY/Object/Delta";
+    if (const CarField* box = carFieldByName(base)) return std::string(box->caption);
+    return field;
+}
+
+// A record field with its value before and after: "Max Speed: 26 -> 30".
+std::string fieldChange(const std::string& field, const CarEntry& before, const CarEntry& after) {
+    const auto bracket = field.find('[');
+    const std::string base = field.substr(0, bracket);
+    const int element = bracket == std::string::npos ? 0 : std::atoi(field.c_str() + bracket + 1);
+    std::string was, now;
+    if (base == "remap24" || base == "remap8") {
+        const FieldCursor at{element, 0};
+        const auto boxes = base == "remap8" ? std::initializer_list<int>{41}
+                                            : std::initializer_list<int>{38, 39, 40};
+        was = boxValues(before, boxes, at);
+        now = boxValues(after, boxes, at);
+    } else if (base == "value") {
+        const auto i = static_cast<std::size_t>(element) % 4;
+        was = std::to_string(before.info.value[i]);
+        now = std::to_string(after.info.value[i]);
+    } else if (field.rfind("door ", 0) == 0) {
+        const FieldCursor at{0, std::atoi(field.c_str() + 5) - 1};
+        was = boxValues(before, {43, 44, 45, 46}, at);
+        now = boxValues(after, {43, 44, 45, 46}, at);
+    } else if (const CarField* box = carFieldByName(base); box && box->index < kValueBox) {
+        was = fieldText(before, box->index);
+        now = fieldText(after, box->index);
+    } else {
+        return field + " changed";
+    }
+    return fieldLabel(field) + ": " + was + " -> " + now;
+}
+
 class StyleClassifier {
 public:
     StyleClassifier(const StyleSession& s, const std::vector<std::uint8_t>& after,
-                    const CarNames& names, CarPackPreview& out)
-        : s_(s), after_(after), names_(names), out_(out),
+                    const CarNames& names, CarPackPreview& out,
+                    const std::vector<std::uint8_t>* before = nullptr)
+        : s_(s), after_(after), before_(before), names_(names), out_(out),
           sections_(styleSections(s.style, static_cast<std::int64_t>(after.size()))) {
         for (int asn = 1; asn < static_cast<int>(s.cars.slots.size()); ++asn) {
             const CarEntry& car = s.cars.slots[static_cast<std::size_t>(asn)];
@@ -166,6 +239,11 @@ public:
             if (modelAt < after_.size()) car.model = after_[modelAt]; // the pack may change it
             car.name = names_.nameOf(car.model);
             car.fields = fields;
+            if (before_) {
+                const CarEntry was = recordAt(*before_, entry), now = recordAt(after_, entry);
+                for (const std::string& field : fields)
+                    car.changes.push_back(fieldChange(field, was, now));
+            }
             out_.cars.push_back(std::move(car));
         }
         for (const auto& [key, pixels] : pixels_) {
@@ -232,6 +310,7 @@ private:
 
     const StyleSession& s_;
     const std::vector<std::uint8_t>& after_;
+    const std::vector<std::uint8_t>* before_;
     const CarNames& names_;
     CarPackPreview& out_;
     std::vector<Section> sections_;
@@ -302,7 +381,7 @@ CarPackPreview previewCarPack(const Gc3Pack& pack, const StyleSession& session,
 
     const auto styleChanged = changedPositions(pack.styleRecords, styleBefore, styleAfter);
     out.styleBytesChanged = static_cast<std::int64_t>(styleChanged.size());
-    StyleClassifier classify(session, styleAfter, namesAfter, out);
+    StyleClassifier classify(session, styleAfter, namesAfter, out, &styleBefore);
     for (std::int64_t p : styleChanged) classify.take(p);
     classify.finish();
     return out;
@@ -324,8 +403,11 @@ std::vector<std::string> describeStylePositions(const std::filesystem::path& sty
     StyleClassifier classify(*session, style, session->names, places);
     for (std::int64_t p : positions) classify.take(p);
     classify.finish();
-    for (const auto& car : places.cars)
-        out.push_back(car.name + " (ASN " + std::to_string(car.asn) + "): " + joined(car.fields));
+    for (const auto& car : places.cars) {
+        std::vector<std::string> labels;
+        for (const std::string& field : car.fields) labels.push_back(fieldLabel(field));
+        out.push_back(car.name + " (ASN " + std::to_string(car.asn) + "): " + joined(labels));
+    }
     for (const auto& s : places.sprites)
         out.push_back(s.asn > 0 ? "sprite " + std::to_string(s.asn) +
                                       (s.car.empty() ? "" : " (" + s.car + ")") + " on page " +
@@ -355,9 +437,12 @@ std::vector<std::string> carPackPreviewLines(const CarPackPreview& p) {
     if (p.changesNothing()) lines.push_back("Changes nothing in these files");
     if (!p.cars.empty()) {
         lines.push_back("Car records:");
-        for (const auto& car : p.cars)
-            lines.push_back("  " + car.name + " (ASN " + std::to_string(car.asn) +
-                            "): " + joined(car.fields));
+        // One line per car, then one per changed field as the car editor names it.
+        for (const auto& car : p.cars) {
+            lines.push_back("  " + car.name + " (model " + std::to_string(car.model) + ", ASN " +
+                            std::to_string(car.asn) + ")");
+            for (const std::string& change : car.changes) lines.push_back("    " + change);
+        }
     }
     if (!p.names.empty()) {
         lines.push_back("Car names:");

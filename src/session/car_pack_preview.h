@@ -33,8 +33,9 @@ struct CarPackPreview {
     struct Car {
         int asn = 0; // absolute sprite number of the car
         int model = 0;
-        std::string name;                // after the pack
-        std::vector<std::string> fields; // record fields touched, in record order
+        std::string name;                 // after the pack
+        std::vector<std::string> fields;  // record fields touched, in record order
+        std::vector<std::string> changes; // each as the car editor names it: "Max Speed: 26 -> 30"
     };
     std::vector<Car> cars;
 

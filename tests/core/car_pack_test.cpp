@@ -117,6 +117,9 @@ struct CarPackFixture : ::testing::Test {
 
 TEST_F(CarPackFixture, PreviewOfACarRecordNamesTheCarItsAsnAndTheFields) {
     const int asn = someCar();
+    const std::string maxSpeed =
+        fieldText(*session->cars.find(asn), carFieldByName("max_speed")->index);
+    const std::string grip = fieldText(*session->cars.find(asn), carFieldByName("grip")->index);
     editCarField(asn, "max_speed", "123");
     editCarField(asn, "grip", "7");
     save();
@@ -134,11 +137,17 @@ TEST_F(CarPackFixture, PreviewOfACarRecordNamesTheCarItsAsnAndTheFields) {
     EXPECT_FALSE(p.deltaStore);
     EXPECT_TRUE(p.otherSections.empty());
     EXPECT_EQ(p.fxtBytesChanged, 0);
+    EXPECT_EQ(p.cars[0].changes, (std::vector<std::string>{"Max Speed: " + maxSpeed + " -> 123",
+                                                           "Grip: " + grip + " -> 7"}));
+    // Each car by name and model, each field by its caption with the old and the new value.
     const auto lines = carPackPreviewLines(p);
-    EXPECT_NE(
-        std::find(lines.begin(), lines.end(),
-                  "  " + p.cars[0].name + " (ASN " + std::to_string(asn) + "): max_speed, grip"),
-        lines.end());
+    const auto at = std::find(lines.begin(), lines.end(),
+                              "  " + p.cars[0].name + " (model " + std::to_string(p.cars[0].model) +
+                                  ", ASN " + std::to_string(asn) + ")");
+    ASSERT_NE(at, lines.end());
+    ASSERT_LT(at + 2, lines.end());
+    EXPECT_EQ(*(at + 1), "    Max Speed: " + maxSpeed + " -> 123");
+    EXPECT_EQ(*(at + 2), "    Grip: " + grip + " -> 7");
 }
 
 TEST_F(CarPackFixture, PreviewOfARenamedCarGivesTheModelAndBothNames) {
@@ -153,6 +162,12 @@ TEST_F(CarPackFixture, PreviewOfARenamedCarGivesTheModelAndBothNames) {
     EXPECT_EQ(p.names[0].model, model);
     EXPECT_EQ(p.names[0].before, before);
     EXPECT_EQ(p.names[0].after, "Zipper");
+    // A renamed car is listed by its name, never as a bare model number.
+    const auto lines = carPackPreviewLines(p);
+    EXPECT_NE(std::find(lines.begin(), lines.end(),
+                        "  Zipper (model " + std::to_string(model) + "): \"" + before +
+                            "\" -> \"Zipper\""),
+              lines.end());
     EXPECT_FALSE(p.otherTexts);
     EXPECT_EQ(p.styleBytesChanged, 0);
     EXPECT_TRUE(p.cars.empty());
@@ -471,7 +486,7 @@ TEST_F(CarPackFixture, PackOntoALevelEditedElsewhereGivesBothEditsAndConflictsAr
     const CarPackApplied refused = applyCarPack(pack, levelFiles(session->style), platform, fresh);
     EXPECT_EQ(refused.result, ApplyResult::Refused);
     EXPECT_EQ(refused.conflicts, std::vector<std::string>{session->cars.find(asn)->name + " (ASN " +
-                                                          std::to_string(asn) + "): max_speed"});
+                                                          std::to_string(asn) + "): Max Speed"});
     ASSERT_EQ(messages().size(), 1u);
     EXPECT_NE(messages()[0].find("changed since it was made"), std::string::npos) << messages()[0];
     EXPECT_EQ(tb::readFile(style), conflicting);
@@ -490,8 +505,9 @@ TEST_F(CarPackFixture, CommandLineShowsThePreviewAsTextAndJson) {
     auto text = tb::runCli({"gc3", "show", pack.string(), bak, fxt.string(), "--workdir", work});
     ASSERT_EQ(text.status, 0) << text.err;
     EXPECT_EQ(text.out.substr(0, 37), "Car pack for level 1 (Port Alder)\nSty");
-    EXPECT_NE(text.out.find("Car records:\n  " + session->cars.find(asn)->name + " (ASN " +
-                            std::to_string(asn) + "): max_speed\n"),
+    EXPECT_NE(text.out.find("Car records:\n  " + session->cars.find(asn)->name + " (model " +
+                            std::to_string(session->cars.find(asn)->info.model) + ", ASN " +
+                            std::to_string(asn) + ")\n    Max Speed: "),
               std::string::npos)
         << text.out;
 
@@ -502,6 +518,7 @@ TEST_F(CarPackFixture, CommandLineShowsThePreviewAsTextAndJson) {
     EXPECT_EQ(j["level"], 1);
     EXPECT_EQ(j["car_records"][0]["asn"], asn);
     EXPECT_EQ(j["car_records"][0]["fields"][0], "max_speed");
+    EXPECT_EQ(j["car_records"][0]["changes"][0].get<std::string>().substr(0, 11), "Max Speed: ");
     EXPECT_TRUE(j["sprites"].empty());
 
     // Shown against files whose bytes it changes were changed since: refused as apply refuses.
@@ -511,7 +528,7 @@ TEST_F(CarPackFixture, CommandLineShowsThePreviewAsTextAndJson) {
     auto misfit = tb::runCli({"gc3", "show", pack.string(), bak, fxt.string(), "--workdir", work});
     EXPECT_EQ(misfit.status, 1);
     EXPECT_NE(misfit.err.find("message:   " + session->cars.find(asn)->name + " (ASN " +
-                              std::to_string(asn) + "): max_speed"),
+                              std::to_string(asn) + "): Max Speed"),
               std::string::npos)
         << misfit.err;
 }
