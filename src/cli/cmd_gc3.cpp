@@ -32,10 +32,12 @@ nlohmann::ordered_json previewJson(const CarPackPreview& p) {
     j["for_this_level"] = p.forOpenLevel();
     j["style"] = {{"runs", p.styleRuns},
                   {"bytes_changed", p.styleBytesChanged},
+                  {"bytes_moved", p.styleBytesMoved},
                   {"length_before", p.styleLengthBefore},
                   {"length_after", p.styleLengthAfter}};
     j["fxt"] = {{"runs", p.fxtRuns},
                 {"bytes_changed", p.fxtBytesChanged},
+                {"bytes_moved", p.fxtBytesMoved},
                 {"length_before", p.fxtLengthBefore},
                 {"length_after", p.fxtLengthAfter}};
     j["car_records"] = Json::array();
@@ -57,6 +59,9 @@ nlohmann::ordered_json previewJson(const CarPackPreview& p) {
     for (const auto& c : p.cluts) j["cluts"].push_back({{"clut", c.clut}, {"sprites", c.asns}});
     j["delta_store"] = p.deltaStore;
     j["other_sections"] = p.otherSections;
+    j["moved_sections"] = Json::array();
+    for (const auto& m : p.movedSections)
+        j["moved_sections"].push_back({{"section", m.section}, {"bytes", m.bytes}});
     return j;
 }
 

@@ -99,6 +99,49 @@ std::vector<std::int64_t> changedPositions(const std::vector<Gc3Record>& runs,
     return out;
 }
 
+// Splits changed positions into the changed and those that only moved. Only a file that grew or
+// shrank has moved bytes: after an insertion or a cut, the bytes that follow are the same bytes
+// a few places later or earlier. Walking the changed positions in order, a position is moved when
+// the byte `shift` places back in the file before is the same; where that stops, the shift that
+// makes the next 16 bytes the same (up to 64 places either way) is taken, if there is one.
+std::vector<std::int64_t> withoutMoved(const std::vector<std::int64_t>& positions,
+                                       const std::vector<std::uint8_t>& before,
+                                       const std::vector<std::uint8_t>& after,
+                                       std::vector<std::int64_t>& moved) {
+    if (before.size() == after.size()) return positions;
+    constexpr int kStretch = 16, kFarthest = 64;
+    const auto beforeSize = static_cast<std::int64_t>(before.size());
+    const auto afterSize = static_cast<std::int64_t>(after.size());
+    auto same = [&](std::int64_t p, std::int64_t shift) { // p 1-based in the file after
+        const std::int64_t was = p - shift;
+        return was >= 1 && was <= beforeSize && p <= afterSize &&
+               before[static_cast<std::size_t>(was - 1)] == after[static_cast<std::size_t>(p - 1)];
+    };
+    auto stretch = [&](std::int64_t p, std::int64_t shift) {
+        for (int k = 0; k < kStretch; ++k)
+            if (!same(p + k, shift)) return false;
+        return true;
+    };
+    std::vector<std::int64_t> changed;
+    std::int64_t shift = 0;
+    for (std::int64_t p : positions) {
+        if (shift == 0 || !same(p, shift)) {
+            for (std::int64_t d = 1; d <= kFarthest; ++d) {
+                if (stretch(p, d)) {
+                    shift = d;
+                    break;
+                }
+                if (stretch(p, -d)) {
+                    shift = -d;
+                    break;
+                }
+            }
+        }
+        (shift != 0 && same(p, shift) ? moved : changed).push_back(p);
+    }
+    return changed;
+}
+
 // The decoded entries of a text file that are not car names, in order. Lines too short for an
 // entry or without a key (the end marker, which every save writes anew) are no texts.
 std::vector<std::string> otherTextLines(const std::vector<std::uint8_t>& text) {
@@ -227,6 +270,12 @@ public:
             return;
         }
         other(section->name, section->first);
+    }
+
+    // The section of a position of the file after the pack, by name.
+    std::string sectionOf(std::int64_t p) const {
+        const Section* section = sectionAt(sections_, p);
+        return section ? section->name : kOutside;
     }
 
     void finish() {
@@ -369,8 +418,11 @@ CarPackPreview previewCarPack(const Gc3Pack& pack, const StyleSession& session,
     out.fxtLengthBefore = static_cast<std::int64_t>(fxtBefore.size());
     out.fxtLengthAfter = static_cast<std::int64_t>(fxtAfter.size());
 
-    const auto fxtChanged = changedPositions(pack.fxtRecords, fxtBefore, fxtAfter);
+    std::vector<std::int64_t> fxtMoved, styleMoved;
+    const auto fxtChanged = withoutMoved(changedPositions(pack.fxtRecords, fxtBefore, fxtAfter),
+                                         fxtBefore, fxtAfter, fxtMoved);
     out.fxtBytesChanged = static_cast<std::int64_t>(fxtChanged.size());
+    out.fxtBytesMoved = static_cast<std::int64_t>(fxtMoved.size());
     // Cars are named as the text file names them after the pack, else as the open level does.
     CarNames namesAfter = session.names;
     if (!fxtChanged.empty() || fxtBefore.size() != fxtAfter.size()) {
@@ -379,11 +431,20 @@ CarPackPreview previewCarPack(const Gc3Pack& pack, const StyleSession& session,
             if (!decoded.keys[m].empty()) namesAfter.names[m] = decoded.names[m];
     }
 
-    const auto styleChanged = changedPositions(pack.styleRecords, styleBefore, styleAfter);
+    const auto styleChanged =
+        withoutMoved(changedPositions(pack.styleRecords, styleBefore, styleAfter), styleBefore,
+                     styleAfter, styleMoved);
     out.styleBytesChanged = static_cast<std::int64_t>(styleChanged.size());
+    out.styleBytesMoved = static_cast<std::int64_t>(styleMoved.size());
     StyleClassifier classify(session, styleAfter, namesAfter, out, &styleBefore);
     for (std::int64_t p : styleChanged) classify.take(p);
     classify.finish();
+    for (std::int64_t p : styleMoved) {
+        const std::string section = classify.sectionOf(p);
+        if (out.movedSections.empty() || out.movedSections.back().section != section)
+            out.movedSections.push_back({section, 0});
+        ++out.movedSections.back().bytes;
+    }
     return out;
 }
 
@@ -427,13 +488,18 @@ std::vector<std::string> carPackPreviewLines(const CarPackPreview& p) {
     lines.push_back("Style file: " + counted(p.styleRuns, "run", "runs") + ", " +
                     counted(static_cast<std::size_t>(p.styleBytesChanged), "byte", "bytes") +
                     " changed" +
+                    (p.styleBytesMoved > 0 ? ", " + std::to_string(p.styleBytesMoved) + " moved"
+                                           : std::string{}) +
                     (p.styleLengthAfter != p.styleLengthBefore
                          ? ", length " + std::to_string(p.styleLengthBefore) + " -> " +
                                std::to_string(p.styleLengthAfter)
                          : std::string{}));
     lines.push_back("ENGLISH.FXT: " + counted(p.fxtRuns, "run", "runs") + ", " +
                     counted(static_cast<std::size_t>(p.fxtBytesChanged), "byte", "bytes") +
-                    " changed");
+                    " changed" +
+                    (p.fxtBytesMoved > 0 ? ", " + std::to_string(p.fxtBytesMoved) +
+                                               " moved (texts after a name of another length)"
+                                         : std::string{}));
     if (p.changesNothing()) lines.push_back("Changes nothing in these files");
     if (!p.cars.empty()) {
         lines.push_back("Car records:");
@@ -475,6 +541,12 @@ std::vector<std::string> carPackPreviewLines(const CarPackPreview& p) {
         }
     }
     if (p.deltaStore) lines.push_back("Delta store changed");
+    if (!p.movedSections.empty()) {
+        lines.push_back("Moved, unchanged (a section before them changed length):");
+        for (const auto& m : p.movedSections)
+            lines.push_back("  " + m.section + ": " +
+                            counted(static_cast<std::size_t>(m.bytes), "byte", "bytes"));
+    }
     if (!p.otherSections.empty())
         lines.push_back("Other sections changed: " + joined(p.otherSections));
     return lines;

@@ -29,6 +29,14 @@ struct CarPackPreview {
     std::int64_t styleBytesChanged = 0, fxtBytesChanged = 0;
     std::int64_t styleLengthBefore = 0, styleLengthAfter = 0;
     std::int64_t fxtLengthBefore = 0, fxtLengthAfter = 0;
+    // Bytes that a section's new length only moved (the same bytes, as many places later or
+    // earlier as the file grew or shrank): counted apart, not as changes.
+    std::int64_t styleBytesMoved = 0, fxtBytesMoved = 0;
+    struct Moved {
+        std::string section;
+        std::int64_t bytes = 0;
+    };
+    std::vector<Moved> movedSections; // of the style file, in file order
 
     struct Car {
         int asn = 0; // absolute sprite number of the car

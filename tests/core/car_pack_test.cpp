@@ -170,6 +170,11 @@ TEST_F(CarPackFixture, PreviewOfARenamedCarGivesTheModelAndBothNames) {
               lines.end());
     EXPECT_FALSE(p.otherTexts);
     EXPECT_EQ(p.styleBytesChanged, 0);
+    // The texts after a name of another length only move.
+    ASSERT_NE(before.size(), std::string("Zipper").size());
+    EXPECT_GT(p.fxtBytesMoved, 0);
+    EXPECT_LE(p.fxtBytesChanged, 16);
+    EXPECT_GT(p.fxtBytesMoved, p.fxtBytesChanged);
     EXPECT_TRUE(p.cars.empty());
     EXPECT_TRUE(p.sprites.empty());
 }
@@ -296,7 +301,7 @@ TEST_F(CarPackFixture, EverySectionOfBothKindsIsNamedWhereTheBuilderPutIt) {
     }
 }
 
-TEST_F(CarPackFixture, GrownDeltaStoreMovesTheFilesEndAndIsNamedWithTheHeaderAndSpriteNumbers) {
+TEST_F(CarPackFixture, GrownDeltaStoreIsNamedWithTheHeaderAndTheSpriteNumbersAsMoved) {
     RunLine* grown = nullptr;
     for (DeltaRec& d : session->deltas.myDeltas)
         for (RunLine& run : d.runLine)
@@ -312,8 +317,12 @@ TEST_F(CarPackFixture, GrownDeltaStoreMovesTheFilesEndAndIsNamedWithTheHeaderAnd
     EXPECT_TRUE(p.deltaStore);
     EXPECT_TRUE(p.cars.empty());
     EXPECT_TRUE(p.sprites.empty());
-    EXPECT_EQ(p.otherSections,
-              (std::vector<std::string>{"header", "sprite info", "sprite numbers"}));
+    EXPECT_EQ(p.otherSections, (std::vector<std::string>{"header", "sprite info"}));
+    // The sprite numbers after the store only moved: counted apart, not as changes.
+    ASSERT_FALSE(p.movedSections.empty());
+    EXPECT_EQ(p.movedSections.back().section, "sprite numbers");
+    EXPECT_GT(p.movedSections.back().bytes, 0);
+    EXPECT_GT(p.styleBytesMoved, p.styleBytesChanged);
 }
 
 // ---- Round trip and refusals -----------------------------------------------------------------
