@@ -97,8 +97,9 @@ struct Gc3Pack {
 // The modified file rebuilt from the file a pack was made against and the pack's runs for it,
 // `length` bytes long. False, with `error` set, when a run lies past `length` or the file is too
 // short for the runs (bytes past its end that no run covers).
-bool rebuildFromRuns(const std::vector<std::uint8_t>& original, const std::vector<Gc3Record>& runs,
-                     std::int32_t length, std::vector<std::uint8_t>& out, std::string& error);
+[[nodiscard]] bool rebuildFromRuns(const std::vector<std::uint8_t>& original,
+                                   const std::vector<Gc3Record>& runs, std::int32_t length,
+                                   std::vector<std::uint8_t>& out, std::string& error);
 
 inline constexpr int kGc3TrailerSize = 20;
 inline constexpr std::array<std::uint8_t, 4> kGc3TrailerMagic{'T', 'Q', '3', '2'};

@@ -447,6 +447,43 @@ TEST_F(CarPackFixture, PacksThatDoNotBelongAreRefusedWithNothingChanged) {
     }
 }
 
+TEST_F(CarPackFixture, ResultsTheEditorCannotOpenAreNeitherPackedNorApplied) {
+    // A changed style file whose header no longer adds up to its length.
+    auto broken = originalStyle;
+    broken.resize(broken.size() - 100);
+    fs::create_directories(dir / "mod");
+    tb::writeFile(dir / "mod" / "STYLE001.G24", broken);
+    const std::vector<std::uint8_t> old = {'o', 'l', 'd'};
+    tb::writeFile(pack, old);
+    EXPECT_FALSE(writeCarPack(dir / "mod" / "STYLE001.G24", style, fxt, fxt, pack, platform));
+    ASSERT_EQ(messages().size(), 1u);
+    EXPECT_EQ(messages()[0].rfind("Error writing GC3 file.\rThe changed files would not open in "
+                                  "the editor:\r",
+                                  0),
+              0u)
+        << messages()[0];
+    EXPECT_EQ(tb::readFile(pack), old);
+
+    // The same pack written without the check, and without the trailer as other programs write
+    // it: applying it runs the same checks on what it would give, and writes nothing.
+    ASSERT_TRUE(writeGC3(dir / "mod" / "STYLE001.G24", style, fxt, fxt, pack, platform));
+    Gc3Pack parsed;
+    std::string why;
+    auto bytes = tb::readFile(pack);
+    ASSERT_TRUE(parseGc3(bytes, parsed, why)) << why;
+    bytes.resize(static_cast<std::size_t>(std::max(
+        {kGc3HeaderSize, parsed.header.StyleDataPositionEnd, parsed.header.FXTDataPositionEnd})));
+    tb::writeFile(pack, bytes);
+    platform.shownMessages.clear();
+    BackupRegistry fresh;
+    const CarPackApplied applied = applyCarPack(pack, levelFiles(session->style), platform, fresh);
+    EXPECT_EQ(applied.result, ApplyResult::Refused);
+    EXPECT_NE(applied.message.find("would give files the editor cannot open"), std::string::npos)
+        << applied.message;
+    EXPECT_EQ(tb::readFile(style), originalStyle);
+    EXPECT_FALSE(fs::exists(style.string() + ".bak"));
+}
+
 // ---- Packs that stack ------------------------------------------------------------------------
 
 // Another car than the pack's, as it is in the sample level.
