@@ -519,27 +519,41 @@ std::vector<std::string> carPackPreviewLines(const CarPackPreview& p) {
                             "\"");
     }
     if (p.otherTexts) lines.push_back("Other texts of ENGLISH.FXT changed");
-    if (!p.sprites.empty()) {
-        lines.push_back("Sprite pixels:");
-        for (const auto& s : p.sprites) {
-            const std::string who = s.asn > 0 ? "ASN " + std::to_string(s.asn) +
-                                                    (s.car.empty() ? "" : " (" + s.car + ")")
-                                              : "outside any sprite";
-            lines.push_back("  page " + std::to_string(s.page) + ", " + who + ": " +
-                            counted(static_cast<std::size_t>(s.pixels), "pixel", "pixels"));
-        }
+    // Sprites: the pixels that change, and under each sprite the CLUTs it is drawn through
+    // that change (a CLUT shared by several sprites is listed under each).
+    std::map<int, std::vector<int>> clutsOf; // ASN -> changed CLUTs
+    for (const auto& c : p.cluts)
+        for (int asn : c.asns) clutsOf[asn].push_back(c.clut);
+    auto clutLine = [](const std::vector<int>& cluts) {
+        std::vector<std::string> numbers;
+        for (int clut : cluts) numbers.push_back(std::to_string(clut));
+        return std::string(cluts.size() == 1 ? "    colours changed: CLUT "
+                                             : "    colours changed: CLUTs ") +
+               joined(numbers);
+    };
+    if (!p.sprites.empty() || !clutsOf.empty()) lines.push_back("Sprites:");
+    std::set<int> told;
+    for (const auto& s : p.sprites) {
+        const std::string who =
+            s.asn > 0 ? "ASN " + std::to_string(s.asn) + (s.car.empty() ? "" : " (" + s.car + ")")
+                      : "outside any sprite";
+        lines.push_back("  page " + std::to_string(s.page) + ", " + who + ": " +
+                        counted(static_cast<std::size_t>(s.pixels), "pixel", "pixels"));
+        if (const auto it = clutsOf.find(s.asn); it != clutsOf.end() && told.insert(s.asn).second)
+            lines.push_back(clutLine(it->second));
     }
-    if (!p.cluts.empty()) {
-        lines.push_back("CLUTs:");
-        for (const auto& c : p.cluts) {
-            std::vector<std::string> asns;
-            for (int asn : c.asns) asns.push_back(std::to_string(asn));
-            lines.push_back("  CLUT " + std::to_string(c.clut) +
-                            (asns.empty() ? std::string(" (no sprite)")
-                                          : (asns.size() == 1 ? " (sprite " : " (sprites ") +
-                                                joined(asns) + ")"));
-        }
+    for (const auto& [asn, cluts] : clutsOf) {
+        if (told.count(asn)) continue;
+        lines.push_back("  ASN " + std::to_string(asn) + ": no pixel changed");
+        lines.push_back(clutLine(cluts));
     }
+    std::vector<std::string> unused;
+    for (const auto& c : p.cluts)
+        if (c.asns.empty()) unused.push_back(std::to_string(c.clut));
+    if (!unused.empty())
+        lines.push_back(std::string(unused.size() == 1 ? "CLUT " : "CLUTs ") + joined(unused) +
+                        " changed: drawn through by no sprite directly (a car's colour remap or a "
+                        "CLUT the level does not use)");
     if (p.deltaStore) lines.push_back("Delta store changed");
     if (!p.movedSections.empty()) {
         lines.push_back("Moved, unchanged (a section before them changed length):");

@@ -211,6 +211,13 @@ TEST_F(CarPackFixture, PreviewOfAChangedClutGivesItsNumberAndTheSpritesDrawnThro
     EXPECT_EQ(p.styleBytesChanged, 1);
     EXPECT_TRUE(p.sprites.empty());
     EXPECT_TRUE(p.otherSections.empty());
+    // Told under the sprite drawn through it.
+    const auto lines = carPackPreviewLines(p);
+    const auto at = std::find(lines.begin(), lines.end(),
+                              "  ASN " + std::to_string(sprite.ASN) + ": no pixel changed");
+    ASSERT_NE(at, lines.end());
+    ASSERT_NE(at + 1, lines.end());
+    EXPECT_EQ(*(at + 1), "    colours changed: CLUT " + std::to_string(sprite.clut));
 }
 
 TEST_F(CarPackFixture, PreviewTellsTheDeltaStoreOtherSectionsAndAnotherLevel) {
