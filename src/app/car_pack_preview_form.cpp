@@ -35,6 +35,11 @@ CarPackPreviewForm::CarPackPreviewForm(const CarPackPreview& preview, const QStr
     list_->setHeaderHidden(true);
     list_->setRootIsDecorated(true);
     list_->setSelectionMode(QAbstractItemView::NoSelection);
+    // Every line whole: long lines scroll sideways instead of being cut with an ellipsis.
+    list_->setTextElideMode(Qt::ElideNone);
+    list_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    list_->header()->setStretchLastSection(false);
+    list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     QTreeWidgetItem* group = nullptr;
     for (std::size_t i = 1; i < lines.size(); ++i) {
         const QString line = QString::fromStdString(lines[i]);

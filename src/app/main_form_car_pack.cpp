@@ -50,17 +50,14 @@ void MainForm::mnuBuildGC3_Click() {
         platform_, this);
     if (execDialog(form) != QDialog::Accepted) return;
     const BuildCarPackForm::Paths p = form.paths();
-    if (!writeGC3(p.modStyle, p.origStyle, p.modFxt, p.origFxt, p.pack, platform_)) return;
+    if (!writeCarPack(p.modStyle, p.origStyle, p.modFxt, p.origFxt, p.pack, platform_)) return;
 
-    Gc3Pack pack;
+    // What the pack holds: its changes to the originals it was made from.
+    CarPackFile pack;
     if (!readCarPack(p.pack, pack, platform_)) return;
-    CarPackPreview preview;
-    std::string why;
-    if (!previewCarPack(pack, *session_, bytesOf(p.origStyle), bytesOf(p.origFxt), preview, why)) {
-        platform_.message("GC3 file written:\r" + p.pack.string() + "\r" + why, Buttons::Ok,
-                          Icon::Information);
-        return;
-    }
+    const std::vector<std::uint8_t> origStyle = bytesOf(p.origStyle), origFxt = bytesOf(p.origFxt);
+    const CarPackPreview preview = previewCarPack(pack.pack, *session_, origStyle, origFxt,
+                                                  bytesOf(p.modStyle), bytesOf(p.modFxt));
     CarPackPreviewForm shown(preview, fileNameOf(p.pack), CarPackPreviewForm::Purpose::Built, this);
     execDialog(shown);
 }
@@ -79,34 +76,28 @@ bool MainForm::applyCarPackFile(const QString& path) {
     // The pack is checked against the files on disk, and the level is read again from them.
     if (!askToSaveChanges()) return false;
     const fs::path packPath(path.toStdString());
-    Gc3Pack pack;
-    std::optional<Gc3Trailer> trailer;
-    if (!readCarPack(packPath, pack, platform_, &trailer)) return false;
+    CarPackFile pack;
+    if (!readCarPack(packPath, pack, platform_)) return false;
     const CarPackFiles files = levelFiles(session_->style);
-    const std::vector<std::uint8_t> style = bytesOf(files.style), fxt = bytesOf(files.fxt);
-    // Refused before the preview, with the GC3 applier's message (another level, already
-    // applied, files it was not made against, a damaged pack).
-    if (const std::string refusal = carPackRefusal(pack, trailer, files, style, fxt);
-        !refusal.empty()) {
-        platform_.message(refusal, Buttons::Ok, Icon::Warning);
+    // Refused before the preview, with the applier's own message (another level, already
+    // applied, changes that conflict with edits made since, a damaged pack).
+    const CarPackPlan plan = planCarPack(pack, files);
+    if (!plan.applies()) {
+        platform_.message(plan.refusal, Buttons::Ok, Icon::Warning);
         return false;
     }
-    CarPackPreview preview;
-    std::string why;
-    if (!previewCarPack(pack, *session_, style, fxt, preview, why)) {
-        platform_.message("This GC3 car pack does not fit the open level: " + why + ".",
-                          Buttons::Ok, Icon::Warning);
-        return false;
-    }
+    const CarPackPreview preview = previewCarPack(pack.pack, *session_, plan.styleBefore,
+                                                  plan.fxtBefore, plan.styleAfter, plan.fxtAfter);
     CarPackPreviewForm ask(preview, fileNameOf(packPath), CarPackPreviewForm::Purpose::Apply, this);
     if (execDialog(ask) != QDialog::Accepted) return false;
-    // The apply itself goes through the GC3 applier, which checks the files again (they may have
+    // The apply itself goes through the one applier, which checks the files again (they may have
     // changed while the preview was open) and shows its outcome when it writes nothing.
-    if (applyCarPack(packPath, files, platform_, processBackups()) != ApplyResult::Applied)
-        return false;
+    const CarPackApplied applied = applyCarPack(packPath, files, platform_, processBackups());
+    if (applied.result != ApplyResult::Applied) return false;
     const int loadOption = session_->style.loadOption;
     loadStyle(QString::fromStdString(files.style.string()), loadOption);
     platform_.detail("GC3 car pack applied:" + packPath.string());
+    platform_.message(applied.message, Buttons::Ok, Icon::Information);
     return true;
 }
 

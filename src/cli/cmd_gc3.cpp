@@ -13,6 +13,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <ostream>
 
 namespace torquil::cli {
@@ -31,16 +32,21 @@ nlohmann::ordered_json previewJson(const CarPackPreview& p) {
     j["for_this_level"] = p.forOpenLevel();
     j["style"] = {{"runs", p.styleRuns},
                   {"bytes_changed", p.styleBytesChanged},
+                  {"bytes_moved", p.styleBytesMoved},
                   {"length_before", p.styleLengthBefore},
                   {"length_after", p.styleLengthAfter}};
     j["fxt"] = {{"runs", p.fxtRuns},
                 {"bytes_changed", p.fxtBytesChanged},
+                {"bytes_moved", p.fxtBytesMoved},
                 {"length_before", p.fxtLengthBefore},
                 {"length_after", p.fxtLengthAfter}};
     j["car_records"] = Json::array();
     for (const auto& c : p.cars)
-        j["car_records"].push_back(
-            {{"asn", c.asn}, {"model", c.model}, {"name", c.name}, {"fields", c.fields}});
+        j["car_records"].push_back({{"asn", c.asn},
+                                    {"model", c.model},
+                                    {"name", c.name},
+                                    {"fields", c.fields},
+                                    {"changes", c.changes}});
     j["car_names"] = Json::array();
     for (const auto& n : p.names)
         j["car_names"].push_back({{"model", n.model}, {"before", n.before}, {"after", n.after}});
@@ -53,6 +59,9 @@ nlohmann::ordered_json previewJson(const CarPackPreview& p) {
     for (const auto& c : p.cluts) j["cluts"].push_back({{"clut", c.clut}, {"sprites", c.asns}});
     j["delta_store"] = p.deltaStore;
     j["other_sections"] = p.otherSections;
+    j["moved_sections"] = Json::array();
+    for (const auto& m : p.movedSections)
+        j["moved_sections"].push_back({{"section", m.section}, {"bytes", m.bytes}});
     return j;
 }
 
@@ -71,6 +80,9 @@ void registerGc3Command(Command& app, Context& ctx) {
         "write",
         "Write PACK with the byte runs in which MOD_STYLE and MOD_FXT differ from ORIG_STYLE\n"
         "and ORIG_FXT. Both style files must be of the same level (STYLEnnn in the name).\n"
+        "The pack is read back before it is written: applied to the originals it must give\n"
+        "the changed files, and they must open in the editor. An existing PACK is replaced\n"
+        "only when the new one is complete.\n"
         "Exit status: 0 written, 1 refused or failed, 2 usage error.");
     w->common.addTo(*write);
     write->addOption("MOD_STYLE", w->modStyle, "The changed style file")->path()->required();
@@ -87,11 +99,11 @@ void registerGc3Command(Command& app, Context& ctx) {
         guarded.push_back({argumentPath(w->origFxt), "the original ENGLISH.FXT (ORIG_FXT)"});
         if (refuseOutput(ctx, "gc3 write", argumentPath(w->pack), guarded)) return;
         auto platform = makePlatform(ctx, w->common);
-        ctx.exitCode =
-            writeGC3(argumentPath(w->modStyle), argumentPath(w->origStyle), argumentPath(w->modFxt),
-                     argumentPath(w->origFxt), argumentPath(w->pack), *platform)
-                ? kExitOk
-                : kExitFailed;
+        ctx.exitCode = writeCarPack(argumentPath(w->modStyle), argumentPath(w->origStyle),
+                                    argumentPath(w->modFxt), argumentPath(w->origFxt),
+                                    argumentPath(w->pack), *platform)
+                           ? kExitOk
+                           : kExitFailed;
     });
 
     struct ReadArgs {
@@ -125,7 +137,8 @@ void registerGc3Command(Command& app, Context& ctx) {
         "show",
         "Tell what PACK changes in STYLE and FXT (the files it would be applied to): the car\n"
         "records and their fields, the car names, the sprites whose pixels change (page and\n"
-        "ASN), the CLUTs, the delta store and other sections, and the level it is for.\n"
+        "ASN), the CLUTs, the delta store and other sections, and the level it is for. A pack\n"
+        "that apply would refuse is refused the same way, each conflict named.\n"
         "Exit status: 0 shown, 1 the pack is damaged or does not fit the files, 2 usage error.");
     sh->common.addTo(*show);
     show->addOption("PACK", sh->pack, "The pack")->path()->required();
@@ -135,28 +148,24 @@ void registerGc3Command(Command& app, Context& ctx) {
     show->action([sh, &ctx] {
         AppOptions options = makeAppOptions(ctx, sh->common);
         auto platform = makePlatform(ctx, sh->common);
-        Gc3Pack pack;
-        if (!readCarPack(sh->pack, pack, *platform)) {
+        CarPackFile pack;
+        if (!readCarPack(argumentPath(sh->pack), pack, *platform)) {
             ctx.exitCode = kExitFailed;
             return;
         }
         auto session = loadStyle(ctx, *platform, options, sh->style, kLoadSprites);
         if (!session) return;
-        std::vector<std::uint8_t> style, fxt;
-        if (!readWholeFile(sh->style, style) || !readWholeFile(sh->fxt, fxt)) {
-            ctx.err << "Unable to read " << sh->style << " or " << sh->fxt << '\n';
+        const CarPackPlan plan =
+            planCarPack(pack, {argumentPath(sh->style), argumentPath(sh->fxt)});
+        if (!plan.applies()) {
+            platform->message(plan.refusal);
             ctx.exitCode = kExitFailed;
             return;
         }
         // The names of the FXT given, wherever it lies; the decoded text itself is not needed.
-        static_cast<void>(decodeFxtBytes(fxt, &session->names));
-        CarPackPreview preview;
-        std::string why;
-        if (!previewCarPack(pack, *session, style, fxt, preview, why)) {
-            ctx.err << "This GC3 car pack does not fit the files: " << why << '\n';
-            ctx.exitCode = kExitFailed;
-            return;
-        }
+        static_cast<void>(decodeFxtBytes(plan.fxtBefore, &session->names));
+        const CarPackPreview preview = previewCarPack(
+            pack.pack, *session, plan.styleBefore, plan.fxtBefore, plan.styleAfter, plan.fxtAfter);
         if (sh->json)
             ctx.out << previewJson(preview).dump(2, ' ', false,
                                                  nlohmann::ordered_json::error_handler_t::replace)
@@ -173,12 +182,13 @@ void registerGc3Command(Command& app, Context& ctx) {
     auto a = std::make_shared<ApplyArgs>();
     Command* apply = gc3->addSubcommand(
         "apply",
-        "Apply PACK to STYLE and FXT (the files the pack was made against), so that they become\n"
-        "the changed files. Nothing is written when the pack is for another level, damaged, or\n"
-        "does not fit the files; a pack written here also refuses files other than those it was\n"
-        "made against and says \"already applied\" when the files already are its results. Each\n"
-        "file is first kept once as its .bak; both new files are complete before either is\n"
-        "replaced. Standard output: the number of runs applied to each file.\n"
+        "Apply PACK to STYLE and FXT. Files that are the ones the pack was made against become\n"
+        "the changed files exactly; files edited since take the pack's changes when every byte\n"
+        "it changes is still as it was (packs written here), else each conflict is named (car\n"
+        "and field, sprite, CLUT, car name) and nothing is written. Nothing is written either\n"
+        "when the pack is for another level, damaged, already applied, or would give files the\n"
+        "editor cannot open. Each changed file is first kept once as its .bak; a file the pack\n"
+        "does not change is not written. Standard output: the files written and their .bak.\n"
         "Exit status: 0 applied, 1 refused or failed, 2 usage error.");
     a->common.addTo(*apply);
     apply->addOption("PACK", a->pack, "The pack")->path()->required();
@@ -186,13 +196,15 @@ void registerGc3Command(Command& app, Context& ctx) {
     apply->addOption("FXT", a->fxt, "The ENGLISH.FXT to change")->path()->required();
     apply->action([a, &ctx] {
         auto platform = makePlatform(ctx, a->common);
-        auto keep = [](const std::filesystem::path& file, std::error_code& ec) {
-            return processBackups().ensureBackup(file, ec);
-        };
-        ctx.exitCode = applyGC3(argumentPath(a->pack), argumentPath(a->style), argumentPath(a->fxt),
-                                *platform, keep)
-                           ? kExitOk
-                           : kExitFailed;
+        const CarPackApplied applied =
+            applyCarPack(argumentPath(a->pack), {argumentPath(a->style), argumentPath(a->fxt)},
+                         *platform, processBackups());
+        if (applied.result == ApplyResult::Applied) {
+            std::string text = applied.message;
+            std::replace(text.begin(), text.end(), '\r', '\n');
+            ctx.out << text << '\n';
+        }
+        ctx.exitCode = applied.result == ApplyResult::Applied ? kExitOk : kExitFailed;
     });
 }
 

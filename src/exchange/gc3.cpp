@@ -3,7 +3,6 @@
 #include "base/atomic_file.h"
 #include "base/binary_file.h"
 #include "base/crc32.h"
-#include "base/file_lock.h"
 #include "platform/platform.h"
 #include "style/level_name.h"
 
@@ -108,12 +107,6 @@ ApplyFault rebuild(const std::vector<std::uint8_t>& original, const std::vector<
     return ApplyFault::None;
 }
 
-std::uint32_t crcOfFile(const fs::path& path, bool& ok) {
-    std::vector<std::uint8_t> bytes;
-    ok = ok && readWholeFile(path, bytes);
-    return crc32(bytes);
-}
-
 } // namespace
 
 bool rebuildFromRuns(const std::vector<std::uint8_t>& original, const std::vector<Gc3Record>& runs,
@@ -215,22 +208,41 @@ void diffFiles(BinaryFile& modified, BinaryFile& original, BinaryFile& pack, Pla
 
 bool writeGC3(const fs::path& modStyle, const fs::path& origStyle, const fs::path& modFxt,
               const fs::path& origFxt, const fs::path& pack, Platform& platform,
-              const Gc3Clock& clock) {
+              const Gc3Clock& clock, const Gc3ResultCheck& check) {
     BusyCursor busy(platform);
     std::error_code ec;
     for (const fs::path* input : {&modStyle, &origStyle, &modFxt, &origFxt}) {
         if (!fs::is_regular_file(*input, ec)) {
-            platform.message(kWriteError);
+            platform.message(std::string(kWriteError) + "\r" + input->string() +
+                             (fs::exists(*input, ec) ? " is not a file." : " does not exist."));
             return false;
         }
     }
-    if (fs::exists(pack, ec)) fs::remove(pack, ec);
+    // An existing pack stays as it is until the new one is complete: it is replaced in one
+    // rename at the end, never deleted first.
     const int level = levelOf(modStyle);
     if (level != levelOf(origStyle)) {
         platform.message(
             "Writing of GC3 cannot be accomplished on styles from two different levels.");
         return false;
     }
+
+    // The four files are read whole: the pack is checked against them before it is written.
+    std::vector<std::uint8_t> inputs[4];
+    const fs::path* paths[4] = {&modStyle, &origStyle, &modFxt, &origFxt};
+    for (int i = 0; i < 4; ++i) {
+        if (!readWholeFile(*paths[i], inputs[i])) {
+            platform.message(std::string(kWriteError) + "\r" + "Unable to read " +
+                             paths[i]->string() + ".");
+            return false;
+        }
+        if (!fitsInt32(static_cast<std::int64_t>(inputs[i].size()))) {
+            platform.message(std::string(kWriteError) + "\r" + paths[i]->string() +
+                             " is larger than a GC3 pack can describe (2 GB).");
+            return false;
+        }
+    }
+    auto& [modStyleBytes, origStyleBytes, modFxtBytes, origFxtBytes] = inputs;
 
     ErrorState errors;
     BinaryFile out(errors);
@@ -244,40 +256,71 @@ bool writeGC3(const fs::path& modStyle, const fs::path& origStyle, const fs::pat
     ProgressSink& progress = platform.progress();
     progress.open("Writing GC3 file", "Writing...", 100);
     bool sizesFit = true;
-    auto diffPair = [&](const fs::path& mod, const fs::path& orig, std::int32_t& position,
+    auto diffPair = [&](std::vector<std::uint8_t>& mod, std::vector<std::uint8_t>& orig,
+                        const fs::path& modName, const fs::path& origName, std::int32_t& position,
                         std::int32_t& positionEnd, std::int32_t& lof) {
         BinaryFile m(errors), o(errors);
-        if (!m.open(mod, BinaryFile::Mode::Read) || !o.open(orig, BinaryFile::Mode::Read)) return;
-        sizesFit = sizesFit && fitsInt32(m.length());
+        m.openBytes(mod, modName);
+        o.openBytes(orig, origName);
         lof = static_cast<std::int32_t>(m.length());
         position = static_cast<std::int32_t>(out.position());
         diffFiles(m, o, out, platform);
         sizesFit = sizesFit && fitsInt32(out.position() - 1);
         positionEnd = static_cast<std::int32_t>(out.position() - 1);
     };
-    diffPair(modStyle, origStyle, header.StyleDataPosition, header.StyleDataPositionEnd,
-             header.StyleDataLOF);
-    diffPair(modFxt, origFxt, header.FXTDataPosition, header.FXTDataPositionEnd, header.FXTDataLOF);
+    diffPair(modStyleBytes, origStyleBytes, modStyle, origStyle, header.StyleDataPosition,
+             header.StyleDataPositionEnd, header.StyleDataLOF);
+    diffPair(modFxtBytes, origFxtBytes, modFxt, origFxt, header.FXTDataPosition,
+             header.FXTDataPositionEnd, header.FXTDataLOF);
     out.seek(1);
     out.write(encodeGc3Header(header));
-    Gc3Trailer trailer;
-    bool read = true;
-    trailer.originalStyle = crcOfFile(origStyle, read);
-    trailer.originalFxt = crcOfFile(origFxt, read);
-    trailer.resultStyle = crcOfFile(modStyle, read);
-    trailer.resultFxt = crcOfFile(modFxt, read);
-    out.seek(out.length() + 1);
-    out.write(encodeGc3Trailer(trailer));
-    out.close();
     progress.close();
-    if (errors.hasPending() || !sizesFit || !read) {
-        platform.message(kWriteError);
+    out.close();
+    std::vector<std::uint8_t> bytes = out.takeBytes();
+    if (errors.hasPending() || !sizesFit) {
+        platform.message(std::string(kWriteError) + "\r" +
+                         (sizesFit ? "Run-time error " + std::to_string(errors.pending()) +
+                                         " while the pack was built."
+                                   : std::string("The pack would be larger than 2 GB.")));
         return false;
     }
-    const std::vector<std::uint8_t> bytes = out.takeBytes();
-    if (const ReplaceFailure failure = replaceFileAtomically(pack, bytes)) {
+
+    // Read back: the pack as any reader sees it, applied to the originals, must give the
+    // modified files, and they must pass the editor's own checks.
+    Gc3Pack parsed;
+    std::string why;
+    std::vector<std::uint8_t> styleResult, fxtResult;
+    if (!parseGc3(bytes, parsed, why) ||
+        !rebuildFromRuns(origStyleBytes, parsed.styleRecords, parsed.header.StyleDataLOF,
+                         styleResult, why) ||
+        !rebuildFromRuns(origFxtBytes, parsed.fxtRecords, parsed.header.FXTDataLOF, fxtResult,
+                         why) ||
+        styleResult != modStyleBytes || fxtResult != modFxtBytes) {
         platform.message(std::string(kWriteError) + "\r" +
-                         "The system said: " + describeCause(failure.cause) + ".");
+                         "The pack read back does not give the changed files" +
+                         (why.empty() ? std::string(".") : ": " + why + "."));
+        return false;
+    }
+    if (check) {
+        if (const std::string refused = check(styleResult, fxtResult); !refused.empty()) {
+            platform.message(std::string(kWriteError) + "\r" + refused);
+            return false;
+        }
+    }
+
+    const std::vector<std::uint8_t> originals =
+        encodeGc3Originals(parsed, origStyleBytes, origFxtBytes);
+    bytes.insert(bytes.end(), originals.begin(), originals.end());
+    Gc3Trailer trailer;
+    trailer.originalStyle = crc32(origStyleBytes);
+    trailer.originalFxt = crc32(origFxtBytes);
+    trailer.resultStyle = crc32(modStyleBytes);
+    trailer.resultFxt = crc32(modFxtBytes);
+    const std::vector<std::uint8_t> tail = encodeGc3Trailer(trailer);
+    bytes.insert(bytes.end(), tail.begin(), tail.end());
+    if (const ReplaceFailure failure = replaceFileAtomically(pack, bytes)) {
+        platform.message(std::string(kWriteError) + "\r" + pack.string() + ": " +
+                         describeCause(failure.cause) + ".");
         return false;
     }
     return true;
@@ -291,13 +334,37 @@ std::vector<std::uint8_t> encodeGc3Trailer(const Gc3Trailer& t) {
     return b;
 }
 
+namespace {
+
+// The 1-based position of the last byte of a pack's records (the header's end when it has none).
+std::int64_t recordsEnd(const Gc3Header& h) {
+    return std::max<std::int64_t>(
+        {std::int64_t{kGc3HeaderSize}, h.StyleDataPositionEnd, h.FXTDataPositionEnd});
+}
+
+// The unmodified bytes under one run: from its first position to its last or the file's end.
+std::size_t originalCount(const Gc3Record& r, std::int64_t originalLength) {
+    return static_cast<std::size_t>(std::clamp<std::int64_t>(
+        std::min<std::int64_t>(r.position, originalLength) - r.first() + 1, 0, r.length));
+}
+
+std::size_t tailCount(std::int64_t originalLength, std::int32_t resultLength) {
+    return static_cast<std::size_t>(std::max<std::int64_t>(0, originalLength - resultLength));
+}
+
+} // namespace
+
 std::optional<Gc3Trailer> findGc3Trailer(const std::vector<std::uint8_t>& bytes,
                                          const Gc3Header& h) {
-    // The trailer follows the last record directly and ends the pack.
-    const std::int64_t records = std::max<std::int64_t>(
-        {std::int64_t{kGc3HeaderSize}, h.StyleDataPositionEnd, h.FXTDataPositionEnd});
-    if (static_cast<std::int64_t>(bytes.size()) != records + kGc3TrailerSize) return std::nullopt;
-    const std::uint8_t* t = bytes.data() + records;
+    // The trailer ends the pack; the unmodified bytes, when kept, lie between it and the records.
+    const std::int64_t records = recordsEnd(h);
+    const auto size = static_cast<std::int64_t>(bytes.size());
+    if (size < records + kGc3TrailerSize) return std::nullopt;
+    if (size != records + kGc3TrailerSize &&
+        (size < records + 4 + kGc3TrailerSize ||
+         !std::equal(kGc3OriginalsMagic.begin(), kGc3OriginalsMagic.end(), bytes.data() + records)))
+        return std::nullopt;
+    const std::uint8_t* t = bytes.data() + size - kGc3TrailerSize;
     if (!std::equal(kGc3TrailerMagic.begin(), kGc3TrailerMagic.end(), t)) return std::nullopt;
     Gc3Trailer trailer;
     trailer.originalStyle = static_cast<std::uint32_t>(getI32(t + 4));
@@ -305,6 +372,63 @@ std::optional<Gc3Trailer> findGc3Trailer(const std::vector<std::uint8_t>& bytes,
     trailer.resultStyle = static_cast<std::uint32_t>(getI32(t + 12));
     trailer.resultFxt = static_cast<std::uint32_t>(getI32(t + 16));
     return trailer;
+}
+
+std::vector<std::uint8_t> encodeGc3Originals(const Gc3Pack& pack,
+                                             const std::vector<std::uint8_t>& style,
+                                             const std::vector<std::uint8_t>& fxt) {
+    std::vector<std::uint8_t> out(kGc3OriginalsMagic.begin(), kGc3OriginalsMagic.end());
+    out.resize(12);
+    putI32(&out[4], static_cast<std::int32_t>(style.size()));
+    putI32(&out[8], static_cast<std::int32_t>(fxt.size()));
+    auto add = [&out](const std::vector<Gc3Record>& runs, const std::vector<std::uint8_t>& file,
+                      std::int32_t resultLength) {
+        const auto length = static_cast<std::int64_t>(file.size());
+        for (const Gc3Record& r : runs) {
+            const auto begin = file.begin() + (r.first() - 1);
+            out.insert(out.end(), begin,
+                       begin + static_cast<std::ptrdiff_t>(originalCount(r, length)));
+        }
+        const std::size_t tail = tailCount(length, resultLength);
+        out.insert(out.end(), file.end() - static_cast<std::ptrdiff_t>(tail), file.end());
+    };
+    add(pack.styleRecords, style, pack.header.StyleDataLOF);
+    add(pack.fxtRecords, fxt, pack.header.FXTDataLOF);
+    return out;
+}
+
+std::optional<Gc3Originals> findGc3Originals(const std::vector<std::uint8_t>& bytes,
+                                             const Gc3Pack& pack) {
+    const std::int64_t at = recordsEnd(pack.header); // 0-based start of the block
+    const std::int64_t end = static_cast<std::int64_t>(bytes.size()) - kGc3TrailerSize;
+    if (end < at + 12 || !findGc3Trailer(bytes, pack.header) ||
+        !std::equal(kGc3OriginalsMagic.begin(), kGc3OriginalsMagic.end(), bytes.data() + at))
+        return std::nullopt;
+    Gc3Originals o;
+    o.styleLength = getI32(bytes.data() + at + 4);
+    o.fxtLength = getI32(bytes.data() + at + 8);
+    if (o.styleLength < 0 || o.fxtLength < 0) return std::nullopt;
+    std::int64_t next = at + 12;
+    bool fits = true;
+    auto take = [&](std::size_t count, std::vector<std::uint8_t>& into) {
+        if (!fits || next + static_cast<std::int64_t>(count) > end) {
+            fits = false;
+            return;
+        }
+        into.assign(bytes.begin() + next,
+                    bytes.begin() + next + static_cast<std::ptrdiff_t>(count));
+        next += static_cast<std::int64_t>(count);
+    };
+    auto read = [&](const std::vector<Gc3Record>& runs, std::int32_t length, std::int32_t result,
+                    std::vector<std::vector<std::uint8_t>>& perRun,
+                    std::vector<std::uint8_t>& tail) {
+        for (const Gc3Record& r : runs) take(originalCount(r, length), perRun.emplace_back());
+        take(tailCount(length, result), tail);
+    };
+    read(pack.styleRecords, o.styleLength, pack.header.StyleDataLOF, o.style, o.styleTail);
+    read(pack.fxtRecords, o.fxtLength, pack.header.FXTDataLOF, o.fxt, o.fxtTail);
+    if (!fits || next != end) return std::nullopt;
+    return o;
 }
 
 bool readGC3(const fs::path& pack, Gc3Header& header, Platform& platform) {
@@ -398,77 +522,133 @@ Gc3Applied checkGc3Fit(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
     return {Gc3Outcome::Applied, {}};
 }
 
-Gc3Applied applyGc3Pack(const fs::path& packPath, const fs::path& style, const fs::path& fxt,
-                        Platform& platform, const Gc3KeepBackup& keepBackup) {
-    BusyCursor busy(platform);
-    auto refused = [](Gc3Outcome outcome, std::string message) {
-        return Gc3Applied{outcome, std::move(message)};
-    };
-    std::vector<std::uint8_t> packBytes;
-    Gc3Pack pack;
-    std::string why;
-    std::error_code ec;
-    if (!fs::is_regular_file(packPath, ec) || !readWholeFile(packPath, packBytes) ||
-        !parseGc3(packBytes, pack, why)) {
-        if (!why.empty()) platform.detail("GC3 pack:" + why);
-        return refused(Gc3Outcome::Unreadable, kReadError);
-    }
-    const int level = levelOf(style);
-    if (pack.header.stylenum != level) {
-        return refused(Gc3Outcome::OtherLevel, "This GC3 car pack is for level " +
-                                                   std::to_string(pack.header.stylenum) + ", but " +
-                                                   style.filename().string() + " is level " +
-                                                   std::to_string(level) + ".");
-    }
+namespace {
 
-    // One writer of the style file at a time.
-    FileLock lock;
-    if (lock.acquire(style, lockProgramName()) == FileLock::Result::HeldByOther)
-        return refused(Gc3Outcome::Locked, lockHeldMessage(style, lock.holder()));
-
-    struct Target {
-        const fs::path& path;
-        std::vector<std::uint8_t> original, result;
-    };
-    Target targets[] = {{style, {}, {}}, {fxt, {}, {}}};
-    for (Target& t : targets) {
-        if (!fs::is_regular_file(t.path, ec) || !readWholeFile(t.path, t.original))
-            return refused(Gc3Outcome::Unreadable, "Unable to read " + t.path.string() + ".");
+void addConflict(std::vector<Gc3Conflict>& conflicts, bool fxt, std::int64_t position) {
+    if (!conflicts.empty() && conflicts.back().fxt == fxt && !conflicts.back().moved &&
+        conflicts.back().last + 1 >= position) {
+        conflicts.back().last = std::max(conflicts.back().last, position);
+        return;
     }
-    const std::optional<Gc3Trailer> trailer = findGc3Trailer(packBytes, pack.header);
-    const Gc3Applied fit =
-        checkGc3Fit(pack, trailer, {style, targets[0].original}, {fxt, targets[1].original},
-                    &targets[0].result, &targets[1].result);
-    if (fit.outcome != Gc3Outcome::Applied) return fit;
-
-    // Both originals are kept once as ".bak" before either is written.
-    for (Target& t : targets) {
-        std::error_code cause;
-        if (isWriteProtected(t.path, cause))
-            return refused(Gc3Outcome::WriteFailed, std::string(kWriteError) + "\r" +
-                                                        t.path.string() + ": " +
-                                                        describeCause(cause) + ".");
-        if (keepBackup && !keepBackup(t.path, cause))
-            return refused(Gc3Outcome::WriteFailed,
-                           std::string(kWriteError) + "\r" + "No backup of " + t.path.string() +
-                               " could be made: " + describeCause(cause) + ".");
-    }
-    // Both files are complete and on the disk before either original is replaced.
-    const FileContent files[] = {{style, targets[0].result}, {fxt, targets[1].result}};
-    if (const ReplaceFailure failure = replaceFilesAtomically(files))
-        return refused(Gc3Outcome::WriteFailed, std::string(kWriteError) + "\r" +
-                                                    failure.file.string() + ": " +
-                                                    describeCause(failure.cause) + ".");
-    platform.detail("GC3 style runs applied:" + std::to_string(pack.styleRecords.size()));
-    platform.detail("GC3 FXT runs applied:" + std::to_string(pack.fxtRecords.size()));
-    return {Gc3Outcome::Applied, {}};
+    conflicts.push_back({fxt, position, position, false});
 }
 
-bool applyGC3(const fs::path& packPath, const fs::path& style, const fs::path& fxt,
-              Platform& platform, const Gc3KeepBackup& keepBackup) {
-    const Gc3Applied applied = applyGc3Pack(packPath, style, fxt, platform, keepBackup);
-    if (applied.outcome != Gc3Outcome::Applied) platform.message(applied.message);
-    return applied.outcome == Gc3Outcome::Applied;
+// One file of a pack merged into a file edited since it was made (see mergeGc3Pack). False when
+// the pack's runs do not fit its own recorded length.
+bool mergeFile(bool fxt, const std::vector<Gc3Record>& runs, std::int32_t resultLength,
+               const std::vector<std::vector<std::uint8_t>>& originals, std::int32_t originalLength,
+               const std::vector<std::uint8_t>& tail, const std::vector<std::uint8_t>& current,
+               std::vector<std::uint8_t>& out, std::vector<Gc3Conflict>& conflicts) {
+    out = current;
+    if (runs.empty() && resultLength == originalLength) return true; // the pack leaves it alone
+    for (const Gc3Record& r : runs)
+        if (r.position > resultLength) return false;
+    const auto length = static_cast<std::int64_t>(current.size());
+    if (length != originalLength) {
+        // Sections grew or shrank since: the runs' positions no longer mean the same bytes.
+        conflicts.push_back({fxt, 1, length, true});
+        return true;
+    }
+    if (resultLength < originalLength) {
+        const auto cut = current.begin() + resultLength;
+        if (!std::equal(tail.begin(), tail.end(), cut, current.end()))
+            conflicts.push_back({fxt, resultLength + 1, length, false});
+    }
+    out.resize(static_cast<std::size_t>(resultLength), 0);
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        const Gc3Record& r = runs[i];
+        const std::vector<std::uint8_t>& before = originals[i];
+        for (std::int32_t k = 0; k < r.length; ++k) {
+            const std::int64_t p = r.first() + k; // 1-based
+            const std::uint8_t now = r.data[static_cast<std::size_t>(k)];
+            const auto at = static_cast<std::size_t>(p - 1);
+            if (static_cast<std::size_t>(k) >= before.size()) { // past the unmodified file's end
+                out[at] = now;
+                continue;
+            }
+            const std::uint8_t was = before[static_cast<std::size_t>(k)];
+            if (was == now) continue; // carried along by the run: the file's own byte stays
+            if (current[at] == was)
+                out[at] = now;
+            else if (current[at] != now)
+                addConflict(conflicts, fxt, p);
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& trailer,
+                       const std::optional<Gc3Originals>& originals, const Gc3FileBytes& style,
+                       const Gc3FileBytes& fxt) {
+    Gc3Merged m;
+    auto refused = [&m](Gc3Outcome outcome, std::string message) {
+        m.applied = {outcome, std::move(message)};
+        m.style.clear();
+        m.fxt.clear();
+        return m;
+    };
+    const std::string both =
+        style.path.filename().string() + " and " + fxt.path.filename().string();
+    const bool edited = trailer && (crc32(style.bytes) != trailer->originalStyle ||
+                                    crc32(fxt.bytes) != trailer->originalFxt);
+    if (!edited || !originals) {
+        const Gc3Applied fit = checkGc3Fit(pack, trailer, style, fxt, &m.style, &m.fxt);
+        if (fit.outcome != Gc3Outcome::Applied) return refused(fit.outcome, fit.message);
+    } else {
+        if (crc32(style.bytes) == trailer->resultStyle && crc32(fxt.bytes) == trailer->resultFxt)
+            return refused(Gc3Outcome::AlreadyApplied,
+                           "This GC3 car pack is already applied to " + style.path.string() +
+                               " and " + fxt.path.string() + ": nothing was written.");
+        struct File {
+            bool fxt;
+            const Gc3FileBytes& file;
+            const std::vector<Gc3Record>& runs;
+            std::int32_t resultLength, originalLength;
+            std::uint32_t originalCrc, resultCrc;
+            const std::vector<std::vector<std::uint8_t>>& before;
+            const std::vector<std::uint8_t>& tail;
+            std::vector<std::uint8_t>& out;
+        };
+        const File files[] = {{false, style, pack.styleRecords, pack.header.StyleDataLOF,
+                               originals->styleLength, trailer->originalStyle, trailer->resultStyle,
+                               originals->style, originals->styleTail, m.style},
+                              {true, fxt, pack.fxtRecords, pack.header.FXTDataLOF,
+                               originals->fxtLength, trailer->originalFxt, trailer->resultFxt,
+                               originals->fxt, originals->fxtTail, m.fxt}};
+        for (const File& f : files) {
+            std::string why;
+            const bool ok =
+                crc32(f.file.bytes) == f.originalCrc
+                    ? rebuildFromRuns(f.file.bytes, f.runs, f.resultLength, f.out, why) &&
+                          crc32(f.out) == f.resultCrc
+                    : mergeFile(f.fxt, f.runs, f.resultLength, f.before, f.originalLength, f.tail,
+                                f.file.bytes, f.out, m.conflicts);
+            if (!ok)
+                return refused(Gc3Outcome::Damaged,
+                               "This GC3 car pack is damaged: its runs do not fit the length it "
+                               "records for " +
+                                   f.file.path.filename().string() + ". Nothing was written.");
+        }
+        if (!m.conflicts.empty()) {
+            std::vector<Gc3Conflict> conflicts = std::move(m.conflicts);
+            refused(Gc3Outcome::Conflicts, "This GC3 car pack changes bytes of " + both +
+                                               " that were changed since it was made." + "\r" +
+                                               "Nothing was written.");
+            m.conflicts = std::move(conflicts);
+            return m;
+        }
+    }
+    m.styleChanged = m.style != style.bytes;
+    m.fxtChanged = m.fxt != fxt.bytes;
+    // A pack without a trailer cannot tell its own results: applied once, the files hold every
+    // byte of it, and a second time would overwrite whatever was edited since.
+    if (!m.styleChanged && !m.fxtChanged)
+        return refused(Gc3Outcome::AlreadyApplied, "This GC3 car pack is already applied: " + both +
+                                                       " already hold its changes." + "\r" +
+                                                       "Nothing was written.");
+    return m;
 }
 
 std::vector<std::string> gc3HeaderLines(const Gc3Header& h) {

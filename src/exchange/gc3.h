@@ -65,13 +65,19 @@ std::uint8_t gc3EncryptByte(double seconds);
 // boundaries.
 void diffFiles(BinaryFile& modified, BinaryFile& original, BinaryFile& pack, Platform& platform);
 
+// Checks a new style file and text file with the editor's own checks before they replace
+// anything: empty when they pass, else the cause in words.
+using Gc3ResultCheck = std::function<std::string(const std::vector<std::uint8_t>& style,
+                                                 const std::vector<std::uint8_t>& fxt)>;
+
 // Writes a pack from a modified and an original style file and text file. Reports its own errors
 // ("Error writing GC3 file.", the two-levels refusal) and returns false after one.
 [[nodiscard]] bool writeGC3(const std::filesystem::path& modStyle,
                             const std::filesystem::path& origStyle,
                             const std::filesystem::path& modFxt,
                             const std::filesystem::path& origFxt, const std::filesystem::path& pack,
-                            Platform& platform, const Gc3Clock& clock = secondsSinceMidnight);
+                            Platform& platform, const Gc3Clock& clock = secondsSinceMidnight,
+                            const Gc3ResultCheck& check = {});
 
 // Reads a pack's header; "Error reading GC3 file." when the pack is missing or shorter than its
 // header.
@@ -91,8 +97,9 @@ struct Gc3Pack {
 // The modified file rebuilt from the file a pack was made against and the pack's runs for it,
 // `length` bytes long. False, with `error` set, when a run lies past `length` or the file is too
 // short for the runs (bytes past its end that no run covers).
-bool rebuildFromRuns(const std::vector<std::uint8_t>& original, const std::vector<Gc3Record>& runs,
-                     std::int32_t length, std::vector<std::uint8_t>& out, std::string& error);
+[[nodiscard]] bool rebuildFromRuns(const std::vector<std::uint8_t>& original,
+                                   const std::vector<Gc3Record>& runs, std::int32_t length,
+                                   std::vector<std::uint8_t>& out, std::string& error);
 
 inline constexpr int kGc3TrailerSize = 20;
 inline constexpr std::array<std::uint8_t, 4> kGc3TrailerMagic{'T', 'Q', '3', '2'};
@@ -105,6 +112,24 @@ struct Gc3Trailer {
 [[nodiscard]] std::optional<Gc3Trailer> findGc3Trailer(const std::vector<std::uint8_t>& bytes,
                                                        const Gc3Header& header);
 
+// Packs written here keep, between the last record and the trailer, the bytes the unmodified
+// files held under each run: "TQOR", the two unmodified lengths (i32), then for every style run
+// and every text file run in order the unmodified bytes from the run's first position to its
+// last or the file's end, then each file's bytes cut off by a shorter result. With them a pack
+// can be applied to files edited since, when the bytes it changes are still as they were.
+inline constexpr std::array<std::uint8_t, 4> kGc3OriginalsMagic{'T', 'Q', 'O', 'R'};
+struct Gc3Originals {
+    std::int32_t styleLength = 0, fxtLength = 0;
+    std::vector<std::vector<std::uint8_t>> style, fxt; // per run
+    std::vector<std::uint8_t> styleTail, fxtTail;      // past a shorter result's end
+};
+[[nodiscard]] std::vector<std::uint8_t> encodeGc3Originals(const Gc3Pack& pack,
+                                                           const std::vector<std::uint8_t>& style,
+                                                           const std::vector<std::uint8_t>& fxt);
+// The unmodified bytes of a pack written here; nullopt for packs without them.
+[[nodiscard]] std::optional<Gc3Originals> findGc3Originals(const std::vector<std::uint8_t>& bytes,
+                                                           const Gc3Pack& pack);
+
 // How an apply ended; `message` says it in words for every outcome but Applied.
 enum class Gc3Outcome {
     Applied,        // both files are now the pack's modified files
@@ -112,6 +137,7 @@ enum class Gc3Outcome {
     Unreadable,     // the pack or a file could not be read, or the pack is not a GC3 pack
     OtherLevel,     // the pack is for another level than the style file's name
     FilesDiffer,    // the files are not the ones the pack was made against
+    Conflicts,      // bytes the pack changes were changed since in the files (see conflicts)
     Damaged,        // the pack's runs do not fit its own lengths or checksums
     Locked,         // another run of the program is saving the style file
     WriteFailed     // a file is read-only, its backup failed, or the write failed (with the cause)
@@ -127,32 +153,40 @@ struct Gc3FileBytes {
     const std::vector<std::uint8_t>& bytes;
 };
 // Whether a pack can be applied to these files, without touching the disk: Applied when it can
-// (with the two results when asked for), else the refusal applyGc3Pack gives: AlreadyApplied or
-// FilesDiffer by the trailer's checksums when the pack has one, FilesDiffer for a file too short
-// for the runs, Damaged for a run past the recorded length or results that miss the trailer.
-// The level is not checked here.
+// (with the two results when asked for), else the refusal: AlreadyApplied or FilesDiffer by the
+// trailer's checksums when the pack has one, FilesDiffer for a file too short for the runs,
+// Damaged for a run past the recorded length or results that miss the trailer. The level is not
+// checked here.
 [[nodiscard]] Gc3Applied checkGc3Fit(const Gc3Pack& pack, const std::optional<Gc3Trailer>& trailer,
                                      const Gc3FileBytes& style, const Gc3FileBytes& fxt,
                                      std::vector<std::uint8_t>* styleResult = nullptr,
                                      std::vector<std::uint8_t>* fxtResult = nullptr);
 
-// Keeps a file's original before it is first written (the run's ".bak" registry); true when the
-// backup exists afterwards.
-using Gc3KeepBackup = std::function<bool(const std::filesystem::path&, std::error_code&)>;
+// Bytes the pack changes that the files no longer hold as the pack's unmodified files held them:
+// positions first..last (1-based) of the file as it is now. `moved` when the file's length is
+// not the unmodified file's, so its sections no longer lie where the pack's runs put them.
+struct Gc3Conflict {
+    bool fxt = false;
+    std::int64_t first = 0, last = 0;
+    bool moved = false;
+};
 
-// Applies a pack to a style file and a text file: each becomes the pack's modified file, with
-// the recorded length. Refuses, writing nothing, a pack of another level than the style file's
-// name, files other than those the pack was made against (checked by the trailer when the pack
-// has one, else by the runs' fit), a file too short for a run, or a run past the recorded
-// length. Both new files are complete on the disk before either replaces its original; each
-// original is first kept by keepBackup. Shows no message.
-[[nodiscard]] Gc3Applied applyGc3Pack(const std::filesystem::path& pack,
-                                      const std::filesystem::path& style,
-                                      const std::filesystem::path& fxt, Platform& platform,
-                                      const Gc3KeepBackup& keepBackup = {});
-// applyGc3Pack that shows its refusal as a message; true when applied.
-[[nodiscard]] bool applyGC3(const std::filesystem::path& pack, const std::filesystem::path& style,
-                            const std::filesystem::path& fxt, Platform& platform,
-                            const Gc3KeepBackup& keepBackup = {});
+// The outcome of a pack applied in memory: the new content of each file (unchanged files keep
+// their bytes and are flagged as such), or the refusal and, for Conflicts, each conflict.
+struct Gc3Merged {
+    Gc3Applied applied;
+    std::vector<std::uint8_t> style, fxt;
+    bool styleChanged = false, fxtChanged = false;
+    std::vector<Gc3Conflict> conflicts;
+};
+// Applies a pack to the files' bytes. Files that are the pack's unmodified files (by the
+// trailer's checksums, or without a trailer by the runs' fit) become its modified files exactly.
+// Files edited since are merged byte by byte when the pack keeps its unmodified bytes: a byte
+// the pack changes is taken when the file still holds the unmodified byte, kept when it already
+// holds the new one, and a conflict otherwise; bytes a run only carries along (runs grow to
+// multiples of 8) keep the file's own. Nothing is refused for the level here.
+[[nodiscard]] Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& trailer,
+                                     const std::optional<Gc3Originals>& originals,
+                                     const Gc3FileBytes& style, const Gc3FileBytes& fxt);
 
 } // namespace torquil

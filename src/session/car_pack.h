@@ -1,7 +1,8 @@
 #pragma once
 // Car packs of the open level: where their files are, the originals a pack is built against, and
-// applying a pack with the refusals that keep a modder's files safe (another level, a damaged
-// pack, files that do not fit it, a pack already applied).
+// the one applier of a pack, used by the window and the command line alike: it refuses what
+// would lose a modder's work (another level, a damaged pack, bytes changed since the pack was
+// made, results the editor could not open) and replaces only the files the pack changes.
 
 #include "exchange/gc3.h"
 
@@ -25,29 +26,55 @@ CarPackFiles levelFiles(const StyleFileState& style);
 // The ".bak" copies of the level's files that the save keeps; an empty path where there is none.
 CarPackFiles levelBackups(const StyleFileState& style);
 
-// Reads and parses a pack, and its trailer when it has one; "Error reading GC3 file." (and the
-// reason in the details) when it is missing or damaged.
-bool readCarPack(const std::filesystem::path& pack, Gc3Pack& out, Platform& platform,
-                 std::optional<Gc3Trailer>* trailer = nullptr);
+// A pack as read from its file: its runs, and the trailer and unmodified bytes of packs written
+// here.
+struct CarPackFile {
+    Gc3Pack pack;
+    std::optional<Gc3Trailer> trailer;
+    std::optional<Gc3Originals> originals;
+};
+// Reads and parses a pack; "Error reading GC3 file." (and the reason on the next line) when it is
+// missing or damaged.
+[[nodiscard]] bool readCarPack(const std::filesystem::path& pack, CarPackFile& out,
+                               Platform& platform);
 
-// Why `pack` cannot be applied to the files `files` (whose bytes are given): empty when it can.
-// Another level is named with the levels' names; the files are then judged as the GC3 applier
-// judges them (by the trailer's checksums when the pack has one), and a pack without a trailer
-// whose changes the files already hold is refused as already applied.
-std::string carPackRefusal(const Gc3Pack& pack, const std::optional<Gc3Trailer>& trailer,
-                           const CarPackFiles& files, const std::vector<std::uint8_t>& style,
-                           const std::vector<std::uint8_t>& fxt);
+// Writes a pack (writeGC3) whose results have passed the editor's own open checks.
+[[nodiscard]] bool writeCarPack(const std::filesystem::path& modStyle,
+                                const std::filesystem::path& origStyle,
+                                const std::filesystem::path& modFxt,
+                                const std::filesystem::path& origFxt,
+                                const std::filesystem::path& pack, Platform& platform);
+
+// What applying a pack to the files would give, with nothing written: the files as they are and
+// as they would be, or the refusal (`refusal` non-empty, in words, each conflict on a line of
+// its own and also in `conflicts`).
+struct CarPackPlan {
+    std::vector<std::uint8_t> styleBefore, fxtBefore, styleAfter, fxtAfter;
+    bool styleChanged = false, fxtChanged = false;
+    Gc3Outcome outcome = Gc3Outcome::Applied;
+    std::string refusal;
+    std::vector<std::string> conflicts; // "Zed (ASN 19): Max Speed", "car name 3", ...
+    bool applies() const { return refusal.empty(); }
+};
+[[nodiscard]] CarPackPlan planCarPack(const CarPackFile& pack, const CarPackFiles& files);
 
 enum class ApplyResult {
     Applied,
     Refused, // the refusal was shown; nothing changed
     Failed   // reading or writing failed; the message was shown; nothing changed
 };
+struct CarPackApplied {
+    ApplyResult result = ApplyResult::Applied;
+    std::string message; // what was shown, or for Applied what was written and kept
+    std::vector<std::string> conflicts;
+};
 
-// Applies a pack to the files through the GC3 applier: refuses as carPackRefusal says, keeps the
-// ".bak" copies (made when there are none yet), then writes both results before either file is
-// replaced. Every refusal or failure, the applier's included, is shown as a message.
-ApplyResult applyCarPack(const std::filesystem::path& pack, const CarPackFiles& files,
-                         Platform& platform, BackupRegistry& backups);
+// Applies a pack to the files: holds the style file's and ENGLISH.FXT's locks, plans it as
+// planCarPack does, keeps the ".bak" copies of the files it changes (made when there are none
+// yet), then writes every changed file before any is replaced. A file the pack does not change
+// is neither written nor backed up. Every refusal or failure is shown as a message.
+[[nodiscard]] CarPackApplied applyCarPack(const std::filesystem::path& pack,
+                                          const CarPackFiles& files, Platform& platform,
+                                          BackupRegistry& backups);
 
 } // namespace torquil

@@ -1,8 +1,11 @@
 #include "session/car_pack_preview.h"
 
 #include "base/binary_file.h"
+#include "cars/car_fields.h"
+#include "cars/car_record.h"
 #include "cars/car_record_fields.h"
 #include "cars/fxt.h"
+#include "session/level_bytes_check.h"
 #include "session/style_session.h"
 #include "style/level_name.h"
 #include "style/rounding.h"
@@ -96,6 +99,49 @@ std::vector<std::int64_t> changedPositions(const std::vector<Gc3Record>& runs,
     return out;
 }
 
+// Splits changed positions into the changed and those that only moved. Only a file that grew or
+// shrank has moved bytes: after an insertion or a cut, the bytes that follow are the same bytes
+// a few places later or earlier. Walking the changed positions in order, a position is moved when
+// the byte `shift` places back in the file before is the same; where that stops, the shift that
+// makes the next 16 bytes the same (up to 64 places either way) is taken, if there is one.
+std::vector<std::int64_t> withoutMoved(const std::vector<std::int64_t>& positions,
+                                       const std::vector<std::uint8_t>& before,
+                                       const std::vector<std::uint8_t>& after,
+                                       std::vector<std::int64_t>& moved) {
+    if (before.size() == after.size()) return positions;
+    constexpr int kStretch = 16, kFarthest = 64;
+    const auto beforeSize = static_cast<std::int64_t>(before.size());
+    const auto afterSize = static_cast<std::int64_t>(after.size());
+    auto same = [&](std::int64_t p, std::int64_t shift) { // p 1-based in the file after
+        const std::int64_t was = p - shift;
+        return was >= 1 && was <= beforeSize && p <= afterSize &&
+               before[static_cast<std::size_t>(was - 1)] == after[static_cast<std::size_t>(p - 1)];
+    };
+    auto stretch = [&](std::int64_t p, std::int64_t shift) {
+        for (int k = 0; k < kStretch; ++k)
+            if (!same(p + k, shift)) return false;
+        return true;
+    };
+    std::vector<std::int64_t> changed;
+    std::int64_t shift = 0;
+    for (std::int64_t p : positions) {
+        if (shift == 0 || !same(p, shift)) {
+            for (std::int64_t d = 1; d <= kFarthest; ++d) {
+                if (stretch(p, d)) {
+                    shift = d;
+                    break;
+                }
+                if (stretch(p, -d)) {
+                    shift = -d;
+                    break;
+                }
+            }
+        }
+        (shift != 0 && same(p, shift) ? moved : changed).push_back(p);
+    }
+    return changed;
+}
+
 // The decoded entries of a text file that are not car names, in order. Lines too short for an
 // entry or without a key (the end marker, which every save writes anew) are no texts.
 std::vector<std::string> otherTextLines(const std::vector<std::uint8_t>& text) {
@@ -123,11 +169,82 @@ struct CarSpan {
     int asn = 0;
 };
 
+// The record of a car as the bytes at its place hold it (doors as many as the open level has).
+CarEntry recordAt(const std::vector<std::uint8_t>& bytes, const CarEntry& car) {
+    CarEntry out = car;
+    const auto at = static_cast<std::size_t>(car.fileSeek - 1);
+    if (car.fileSeek < 1 || at + CarInfo::kFixedSize > bytes.size()) return out;
+    CarFixedBytes fixed{};
+    std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), fixed.size(), fixed.begin());
+    out.info = decodeCarFixed(fixed);
+    for (std::size_t d = 0; d < out.doorList.size(); ++d) {
+        const std::size_t from = at + CarInfo::kFixedSize + d * CarInfo::kDoorSize;
+        if (from + CarInfo::kDoorSize > bytes.size()) break;
+        DoorBytes door{};
+        std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(from), door.size(), door.begin());
+        out.doorList[d] = decodeDoor(door);
+    }
+    return out;
+}
+
+// The values of some editor boxes joined with "/", at a remap or door.
+std::string boxValues(const CarEntry& car, std::initializer_list<int> boxes,
+                      const FieldCursor& at = {}) {
+    std::string out;
+    for (int box : boxes) out += (out.empty() ? "" : "/") + fieldText(car, box, at);
+    return out;
+}
+
+// A record field ("max_speed", "remap24[3]", "door 1", "value[2]") as the car editor names it.
+std::string fieldLabel(const std::string& field) {
+    const auto bracket = field.find('[');
+    const std::string base = field.substr(0, bracket);
+    const std::string element =
+        bracket == std::string::npos ? "" : field.substr(bracket + 1, field.size() - bracket - 2);
+    if (base == "remap24") return "Remap " + element + " Hue/Lightness/Saturation";
+    if (base == "remap8") return "Remap " + element + " Palette Index";
+    if (base == "value")
+        return "Value (crane " + std::to_string(std::atoi(element.c_str()) + 1) + ")";
+    if (field.rfind("door ", 0) == 0) return "Door " + field.substr(5) + " RPX/RPY/Object/Delta";
+    if (const CarField* box = carFieldByName(base)) return std::string(box->caption);
+    return field;
+}
+
+// A record field with its value before and after: "Max Speed: 26 -> 30".
+std::string fieldChange(const std::string& field, const CarEntry& before, const CarEntry& after) {
+    const auto bracket = field.find('[');
+    const std::string base = field.substr(0, bracket);
+    const int element = bracket == std::string::npos ? 0 : std::atoi(field.c_str() + bracket + 1);
+    std::string was, now;
+    if (base == "remap24" || base == "remap8") {
+        const FieldCursor at{element, 0};
+        const auto boxes = base == "remap8" ? std::initializer_list<int>{41}
+                                            : std::initializer_list<int>{38, 39, 40};
+        was = boxValues(before, boxes, at);
+        now = boxValues(after, boxes, at);
+    } else if (base == "value") {
+        const auto i = static_cast<std::size_t>(element) % 4;
+        was = std::to_string(before.info.value[i]);
+        now = std::to_string(after.info.value[i]);
+    } else if (field.rfind("door ", 0) == 0) {
+        const FieldCursor at{0, std::atoi(field.c_str() + 5) - 1};
+        was = boxValues(before, {43, 44, 45, 46}, at);
+        now = boxValues(after, {43, 44, 45, 46}, at);
+    } else if (const CarField* box = carFieldByName(base); box && box->index < kValueBox) {
+        was = fieldText(before, box->index);
+        now = fieldText(after, box->index);
+    } else {
+        return field + " changed";
+    }
+    return fieldLabel(field) + ": " + was + " -> " + now;
+}
+
 class StyleClassifier {
 public:
     StyleClassifier(const StyleSession& s, const std::vector<std::uint8_t>& after,
-                    const CarNames& names, CarPackPreview& out)
-        : s_(s), after_(after), names_(names), out_(out),
+                    const CarNames& names, CarPackPreview& out,
+                    const std::vector<std::uint8_t>* before = nullptr)
+        : s_(s), after_(after), before_(before), names_(names), out_(out),
           sections_(styleSections(s.style, static_cast<std::int64_t>(after.size()))) {
         for (int asn = 1; asn < static_cast<int>(s.cars.slots.size()); ++asn) {
             const CarEntry& car = s.cars.slots[static_cast<std::size_t>(asn)];
@@ -155,6 +272,12 @@ public:
         other(section->name, section->first);
     }
 
+    // The section of a position of the file after the pack, by name.
+    std::string sectionOf(std::int64_t p) const {
+        const Section* section = sectionAt(sections_, p);
+        return section ? section->name : kOutside;
+    }
+
     void finish() {
         for (const auto& [asn, fields] : carFields_) {
             CarPackPreview::Car car;
@@ -165,6 +288,11 @@ public:
             if (modelAt < after_.size()) car.model = after_[modelAt]; // the pack may change it
             car.name = names_.nameOf(car.model);
             car.fields = fields;
+            if (before_) {
+                const CarEntry was = recordAt(*before_, entry), now = recordAt(after_, entry);
+                for (const std::string& field : fields)
+                    car.changes.push_back(fieldChange(field, was, now));
+            }
             out_.cars.push_back(std::move(car));
         }
         for (const auto& [key, pixels] : pixels_) {
@@ -231,6 +359,7 @@ private:
 
     const StyleSession& s_;
     const std::vector<std::uint8_t>& after_;
+    const std::vector<std::uint8_t>* before_;
     const CarNames& names_;
     CarPackPreview& out_;
     std::vector<Section> sections_;
@@ -273,35 +402,27 @@ std::string levelText(int level) {
 
 } // namespace
 
-bool previewCarPack(const Gc3Pack& pack, const StyleSession& session,
-                    const std::vector<std::uint8_t>& styleBefore,
-                    const std::vector<std::uint8_t>& fxtBefore, CarPackPreview& out,
-                    std::string& error) {
-    out = CarPackPreview{};
+CarPackPreview previewCarPack(const Gc3Pack& pack, const StyleSession& session,
+                              const std::vector<std::uint8_t>& styleBefore,
+                              const std::vector<std::uint8_t>& fxtBefore,
+                              const std::vector<std::uint8_t>& styleAfter,
+                              const std::vector<std::uint8_t>& fxtAfter) {
+    CarPackPreview out;
     out.packLevel = pack.header.stylenum;
     out.openLevel = session.style.gMapNumber;
     out.styleName = session.style.gStyleFileName;
     out.styleRuns = pack.styleRecords.size();
     out.fxtRuns = pack.fxtRecords.size();
-
-    std::vector<std::uint8_t> styleAfter, fxtAfter;
-    std::string why;
-    if (!rebuildFromRuns(styleBefore, pack.styleRecords, pack.header.StyleDataLOF, styleAfter,
-                         why)) {
-        error = "style file: " + why;
-        return false;
-    }
-    if (!rebuildFromRuns(fxtBefore, pack.fxtRecords, pack.header.FXTDataLOF, fxtAfter, why)) {
-        error = "ENGLISH.FXT: " + why;
-        return false;
-    }
     out.styleLengthBefore = static_cast<std::int64_t>(styleBefore.size());
     out.styleLengthAfter = static_cast<std::int64_t>(styleAfter.size());
     out.fxtLengthBefore = static_cast<std::int64_t>(fxtBefore.size());
     out.fxtLengthAfter = static_cast<std::int64_t>(fxtAfter.size());
 
-    const auto fxtChanged = changedPositions(pack.fxtRecords, fxtBefore, fxtAfter);
+    std::vector<std::int64_t> fxtMoved, styleMoved;
+    const auto fxtChanged = withoutMoved(changedPositions(pack.fxtRecords, fxtBefore, fxtAfter),
+                                         fxtBefore, fxtAfter, fxtMoved);
     out.fxtBytesChanged = static_cast<std::int64_t>(fxtChanged.size());
+    out.fxtBytesMoved = static_cast<std::int64_t>(fxtMoved.size());
     // Cars are named as the text file names them after the pack, else as the open level does.
     CarNames namesAfter = session.names;
     if (!fxtChanged.empty() || fxtBefore.size() != fxtAfter.size()) {
@@ -310,12 +431,53 @@ bool previewCarPack(const Gc3Pack& pack, const StyleSession& session,
             if (!decoded.keys[m].empty()) namesAfter.names[m] = decoded.names[m];
     }
 
-    const auto styleChanged = changedPositions(pack.styleRecords, styleBefore, styleAfter);
+    const auto styleChanged =
+        withoutMoved(changedPositions(pack.styleRecords, styleBefore, styleAfter), styleBefore,
+                     styleAfter, styleMoved);
     out.styleBytesChanged = static_cast<std::int64_t>(styleChanged.size());
-    StyleClassifier classify(session, styleAfter, namesAfter, out);
+    out.styleBytesMoved = static_cast<std::int64_t>(styleMoved.size());
+    StyleClassifier classify(session, styleAfter, namesAfter, out, &styleBefore);
     for (std::int64_t p : styleChanged) classify.take(p);
     classify.finish();
-    return true;
+    for (std::int64_t p : styleMoved) {
+        const std::string section = classify.sectionOf(p);
+        if (out.movedSections.empty() || out.movedSections.back().section != section)
+            out.movedSections.push_back({section, 0});
+        ++out.movedSections.back().bytes;
+    }
+    return out;
+}
+
+std::vector<std::string> describeStylePositions(const std::filesystem::path& stylePath,
+                                                const std::vector<std::uint8_t>& style,
+                                                const std::vector<std::uint8_t>& fxt,
+                                                const std::vector<std::int64_t>& positions) {
+    std::string why;
+    const auto session = loadLevelBytes(stylePath, style, fxt, why);
+    std::vector<std::string> out;
+    if (!session) {
+        out.push_back(stylePath.filename().string() + ": " + std::to_string(positions.size()) +
+                      " bytes (the file does not open: " + why + ")");
+        return out;
+    }
+    CarPackPreview places;
+    StyleClassifier classify(*session, style, session->names, places);
+    for (std::int64_t p : positions) classify.take(p);
+    classify.finish();
+    for (const auto& car : places.cars) {
+        std::vector<std::string> labels;
+        for (const std::string& field : car.fields) labels.push_back(fieldLabel(field));
+        out.push_back(car.name + " (ASN " + std::to_string(car.asn) + "): " + joined(labels));
+    }
+    for (const auto& s : places.sprites)
+        out.push_back(s.asn > 0 ? "sprite " + std::to_string(s.asn) +
+                                      (s.car.empty() ? "" : " (" + s.car + ")") + " on page " +
+                                      std::to_string(s.page)
+                                : "pixels outside any sprite on page " + std::to_string(s.page));
+    for (const auto& c : places.cluts) out.push_back("CLUT " + std::to_string(c.clut));
+    if (places.deltaStore) out.push_back("the delta store");
+    for (const auto& section : places.otherSections) out.push_back("the " + section);
+    return out;
 }
 
 std::vector<std::string> carPackPreviewLines(const CarPackPreview& p) {
@@ -326,49 +488,79 @@ std::vector<std::string> carPackPreviewLines(const CarPackPreview& p) {
     lines.push_back("Style file: " + counted(p.styleRuns, "run", "runs") + ", " +
                     counted(static_cast<std::size_t>(p.styleBytesChanged), "byte", "bytes") +
                     " changed" +
+                    (p.styleBytesMoved > 0 ? ", " + std::to_string(p.styleBytesMoved) + " moved"
+                                           : std::string{}) +
                     (p.styleLengthAfter != p.styleLengthBefore
                          ? ", length " + std::to_string(p.styleLengthBefore) + " -> " +
                                std::to_string(p.styleLengthAfter)
                          : std::string{}));
     lines.push_back("ENGLISH.FXT: " + counted(p.fxtRuns, "run", "runs") + ", " +
                     counted(static_cast<std::size_t>(p.fxtBytesChanged), "byte", "bytes") +
-                    " changed");
+                    " changed" +
+                    (p.fxtBytesMoved > 0 ? ", " + std::to_string(p.fxtBytesMoved) +
+                                               " moved (texts after a name of another length)"
+                                         : std::string{}));
     if (p.changesNothing()) lines.push_back("Changes nothing in these files");
     if (!p.cars.empty()) {
         lines.push_back("Car records:");
-        for (const auto& car : p.cars)
-            lines.push_back("  " + car.name + " (ASN " + std::to_string(car.asn) +
-                            "): " + joined(car.fields));
+        // One line per car, then one per changed field as the car editor names it.
+        for (const auto& car : p.cars) {
+            lines.push_back("  " + car.name + " (model " + std::to_string(car.model) + ", ASN " +
+                            std::to_string(car.asn) + ")");
+            for (const std::string& change : car.changes) lines.push_back("    " + change);
+        }
     }
     if (!p.names.empty()) {
         lines.push_back("Car names:");
         for (const auto& n : p.names)
-            lines.push_back("  car " + std::to_string(n.model) + ": \"" + n.before + "\" -> \"" +
-                            n.after + "\"");
+            // A car is named by its name, as the modder knows it, with its model number.
+            lines.push_back("  " + (n.after.empty() ? n.before : n.after) + " (model " +
+                            std::to_string(n.model) + "): \"" + n.before + "\" -> \"" + n.after +
+                            "\"");
     }
     if (p.otherTexts) lines.push_back("Other texts of ENGLISH.FXT changed");
-    if (!p.sprites.empty()) {
-        lines.push_back("Sprite pixels:");
-        for (const auto& s : p.sprites) {
-            const std::string who = s.asn > 0 ? "ASN " + std::to_string(s.asn) +
-                                                    (s.car.empty() ? "" : " (" + s.car + ")")
-                                              : "outside any sprite";
-            lines.push_back("  page " + std::to_string(s.page) + ", " + who + ": " +
-                            counted(static_cast<std::size_t>(s.pixels), "pixel", "pixels"));
-        }
+    // Sprites: the pixels that change, and under each sprite the CLUTs it is drawn through
+    // that change (a CLUT shared by several sprites is listed under each).
+    std::map<int, std::vector<int>> clutsOf; // ASN -> changed CLUTs
+    for (const auto& c : p.cluts)
+        for (int asn : c.asns) clutsOf[asn].push_back(c.clut);
+    auto clutLine = [](const std::vector<int>& cluts) {
+        std::vector<std::string> numbers;
+        for (int clut : cluts) numbers.push_back(std::to_string(clut));
+        return std::string(cluts.size() == 1 ? "    colours changed: CLUT "
+                                             : "    colours changed: CLUTs ") +
+               joined(numbers);
+    };
+    if (!p.sprites.empty() || !clutsOf.empty()) lines.push_back("Sprites:");
+    std::set<int> told;
+    for (const auto& s : p.sprites) {
+        const std::string who =
+            s.asn > 0 ? "ASN " + std::to_string(s.asn) + (s.car.empty() ? "" : " (" + s.car + ")")
+                      : "outside any sprite";
+        lines.push_back("  page " + std::to_string(s.page) + ", " + who + ": " +
+                        counted(static_cast<std::size_t>(s.pixels), "pixel", "pixels"));
+        if (const auto it = clutsOf.find(s.asn); it != clutsOf.end() && told.insert(s.asn).second)
+            lines.push_back(clutLine(it->second));
     }
-    if (!p.cluts.empty()) {
-        lines.push_back("CLUTs:");
-        for (const auto& c : p.cluts) {
-            std::vector<std::string> asns;
-            for (int asn : c.asns) asns.push_back(std::to_string(asn));
-            lines.push_back("  CLUT " + std::to_string(c.clut) +
-                            (asns.empty() ? std::string(" (no sprite)")
-                                          : (asns.size() == 1 ? " (sprite " : " (sprites ") +
-                                                joined(asns) + ")"));
-        }
+    for (const auto& [asn, cluts] : clutsOf) {
+        if (told.count(asn)) continue;
+        lines.push_back("  ASN " + std::to_string(asn) + ": no pixel changed");
+        lines.push_back(clutLine(cluts));
     }
+    std::vector<std::string> unused;
+    for (const auto& c : p.cluts)
+        if (c.asns.empty()) unused.push_back(std::to_string(c.clut));
+    if (!unused.empty())
+        lines.push_back(std::string(unused.size() == 1 ? "CLUT " : "CLUTs ") + joined(unused) +
+                        " changed: drawn through by no sprite directly (a car's colour remap or a "
+                        "CLUT the level does not use)");
     if (p.deltaStore) lines.push_back("Delta store changed");
+    if (!p.movedSections.empty()) {
+        lines.push_back("Moved, unchanged (a section before them changed length):");
+        for (const auto& m : p.movedSections)
+            lines.push_back("  " + m.section + ": " +
+                            counted(static_cast<std::size_t>(m.bytes), "byte", "bytes"));
+    }
     if (!p.otherSections.empty())
         lines.push_back("Other sections changed: " + joined(p.otherSections));
     return lines;

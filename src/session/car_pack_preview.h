@@ -12,6 +12,7 @@
 #include "exchange/gc3.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -28,12 +29,21 @@ struct CarPackPreview {
     std::int64_t styleBytesChanged = 0, fxtBytesChanged = 0;
     std::int64_t styleLengthBefore = 0, styleLengthAfter = 0;
     std::int64_t fxtLengthBefore = 0, fxtLengthAfter = 0;
+    // Bytes that a section's new length only moved (the same bytes, as many places later or
+    // earlier as the file grew or shrank): counted apart, not as changes.
+    std::int64_t styleBytesMoved = 0, fxtBytesMoved = 0;
+    struct Moved {
+        std::string section;
+        std::int64_t bytes = 0;
+    };
+    std::vector<Moved> movedSections; // of the style file, in file order
 
     struct Car {
         int asn = 0; // absolute sprite number of the car
         int model = 0;
-        std::string name;                // after the pack
-        std::vector<std::string> fields; // record fields touched, in record order
+        std::string name;                 // after the pack
+        std::vector<std::string> fields;  // record fields touched, in record order
+        std::vector<std::string> changes; // each as the car editor names it: "Max Speed: 26 -> 30"
     };
     std::vector<Car> cars;
 
@@ -65,13 +75,22 @@ struct CarPackPreview {
     bool changesNothing() const { return styleBytesChanged == 0 && fxtBytesChanged == 0; }
 };
 
-// The preview of `pack` against the files as they are before it is applied (their bytes; `fxt`
-// empty when the level has no ENGLISH.FXT). False, with `error` set, when the pack's runs do not
-// fit those files.
-bool previewCarPack(const Gc3Pack& pack, const StyleSession& session,
-                    const std::vector<std::uint8_t>& styleBefore,
-                    const std::vector<std::uint8_t>& fxtBefore, CarPackPreview& out,
-                    std::string& error);
+// The preview of `pack` taking the files from `*Before` to `*After` (as planCarPack gives them;
+// `fxt*` empty when the level has no ENGLISH.FXT). Only bytes inside the pack's runs that differ
+// are counted and placed.
+[[nodiscard]] CarPackPreview previewCarPack(const Gc3Pack& pack, const StyleSession& session,
+                                            const std::vector<std::uint8_t>& styleBefore,
+                                            const std::vector<std::uint8_t>& fxtBefore,
+                                            const std::vector<std::uint8_t>& styleAfter,
+                                            const std::vector<std::uint8_t>& fxtAfter);
+
+// Where bytes of a style file lie, in a modder's words: one line per car record (its name, ASN
+// and the captions of its fields), sprite, CLUT or section. `positions` are 1-based in `style`,
+// the bytes of the file at `stylePath`, whose names come from `fxt`.
+[[nodiscard]] std::vector<std::string>
+describeStylePositions(const std::filesystem::path& stylePath,
+                       const std::vector<std::uint8_t>& style, const std::vector<std::uint8_t>& fxt,
+                       const std::vector<std::int64_t>& positions);
 
 // The preview as lines of text, as the command line prints it and the window lists it.
 std::vector<std::string> carPackPreviewLines(const CarPackPreview& preview);

@@ -119,6 +119,12 @@ LoadOutcome fail(StyleSession& s, Platform& platform, BinaryFile& file) {
 
 } // namespace
 
+namespace {
+// The load sequence from the header on, on a file opened by the caller.
+LoadOutcome loadOpenedStyle(StyleSession& s, BinaryFile& file, Platform& platform,
+                            const LoaderSet& loaders);
+} // namespace
+
 LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loaders) {
     BusyCursor busy(platform);
     platform.doEvents();
@@ -140,8 +146,26 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
     s.errors.clear();
     // A failed open leaves its pending error, which ends the load below.
     static_cast<void>(file.open(style.path, BinaryFile::Mode::Read));
-    style.fileLength = file.length();
     style.loadedStamp = stampOf(style.path);
+    return loadOpenedStyle(s, file, platform, loaders);
+}
+
+LoadOutcome initHeaderFromBytes(StyleSession& s, Platform& platform, const LoaderSet& loaders,
+                                std::vector<std::uint8_t>& bytes) {
+    BusyCursor busy(platform);
+    s.stepText = "Init Header";
+    BinaryFile file(s.errors);
+    s.errors.clear();
+    file.openBytes(bytes, s.style.path);
+    return loadOpenedStyle(s, file, platform, loaders);
+}
+
+namespace {
+
+LoadOutcome loadOpenedStyle(StyleSession& s, BinaryFile& file, Platform& platform,
+                            const LoaderSet& loaders) {
+    StyleFileState& style = s.style;
+    style.fileLength = file.length();
     style.header = readStyleHeader(file, style.gIs24Bit);
     appendHeaderDetails(s, platform);
 
@@ -190,5 +214,7 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
     file.close();
     return LoadOutcome::Loaded;
 }
+
+} // namespace
 
 } // namespace torquil

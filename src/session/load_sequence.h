@@ -2,8 +2,10 @@
 // Opening a style file: read the header, find the sections, run the loaders in the game's
 // order, read and paint the pages, and set the caption.
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace torquil {
 
@@ -25,6 +27,13 @@ void prepareStyle(StyleFileState& style, const std::filesystem::path& path, int 
 // run-time error escapes as RuntimeError.
 [[nodiscard]] LoadOutcome initHeader(StyleSession& session, Platform& platform,
                                      const LoaderSet& loaders);
+
+// The same load sequence on the bytes of a style file held in memory (`bytes` stands for the
+// file at the prepared path; the loaders read nothing else of it but ENGLISH.FXT beside it,
+// unless the loader set says otherwise). For checking a file before it is written.
+[[nodiscard]] LoadOutcome initHeaderFromBytes(StyleSession& session, Platform& platform,
+                                              const LoaderSet& loaders,
+                                              std::vector<std::uint8_t>& bytes);
 
 // The composite message of a failed load, lines joined with "\r".
 [[nodiscard]] std::string loadFailureMessage(const std::string& step,

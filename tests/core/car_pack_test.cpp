@@ -14,8 +14,8 @@
 #include "session/edits.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
-#include "session/session_io.h"
 #include "session/save_sequence.h"
+#include "session/session_io.h"
 #include "session/style_session.h"
 #include "sprites/sprite_info.h"
 #include "style_builder.h"
@@ -97,16 +97,18 @@ struct CarPackFixture : ::testing::Test {
     // had no reason to write it).
     void build() {
         const CarPackFiles bak = levelBackups(session->style);
-        ASSERT_TRUE(writeGC3(style, bak.style.empty() ? style : bak.style, fxt,
-                             bak.fxt.empty() ? fxt : bak.fxt, pack, platform));
+        ASSERT_TRUE(writeCarPack(style, bak.style.empty() ? style : bak.style, fxt,
+                                 bak.fxt.empty() ? fxt : bak.fxt, pack, platform))
+            << (messages().empty() ? "" : messages().back());
     }
     CarPackPreview preview() {
-        Gc3Pack parsed;
+        CarPackFile parsed;
         EXPECT_TRUE(readCarPack(pack, parsed, platform));
-        CarPackPreview out;
-        std::string why;
-        EXPECT_TRUE(previewCarPack(parsed, *session, originalStyle, originalFxt, out, why)) << why;
-        return out;
+        const Gc3Merged merged = mergeGc3Pack(parsed.pack, parsed.trailer, parsed.originals,
+                                              {style, originalStyle}, {fxt, originalFxt});
+        EXPECT_EQ(merged.applied.outcome, Gc3Outcome::Applied) << merged.applied.message;
+        return previewCarPack(parsed.pack, *session, originalStyle, originalFxt, merged.style,
+                              merged.fxt);
     }
     std::vector<std::string> messages() const { return platform.messageTexts(); }
 };
@@ -115,6 +117,9 @@ struct CarPackFixture : ::testing::Test {
 
 TEST_F(CarPackFixture, PreviewOfACarRecordNamesTheCarItsAsnAndTheFields) {
     const int asn = someCar();
+    const std::string maxSpeed =
+        fieldText(*session->cars.find(asn), carFieldByName("max_speed")->index);
+    const std::string grip = fieldText(*session->cars.find(asn), carFieldByName("grip")->index);
     editCarField(asn, "max_speed", "123");
     editCarField(asn, "grip", "7");
     save();
@@ -132,11 +137,17 @@ TEST_F(CarPackFixture, PreviewOfACarRecordNamesTheCarItsAsnAndTheFields) {
     EXPECT_FALSE(p.deltaStore);
     EXPECT_TRUE(p.otherSections.empty());
     EXPECT_EQ(p.fxtBytesChanged, 0);
+    EXPECT_EQ(p.cars[0].changes, (std::vector<std::string>{"Max Speed: " + maxSpeed + " -> 123",
+                                                           "Grip: " + grip + " -> 7"}));
+    // Each car by name and model, each field by its caption with the old and the new value.
     const auto lines = carPackPreviewLines(p);
-    EXPECT_NE(
-        std::find(lines.begin(), lines.end(),
-                  "  " + p.cars[0].name + " (ASN " + std::to_string(asn) + "): max_speed, grip"),
-        lines.end());
+    const auto at = std::find(lines.begin(), lines.end(),
+                              "  " + p.cars[0].name + " (model " + std::to_string(p.cars[0].model) +
+                                  ", ASN " + std::to_string(asn) + ")");
+    ASSERT_NE(at, lines.end());
+    ASSERT_LT(at + 2, lines.end());
+    EXPECT_EQ(*(at + 1), "    Max Speed: " + maxSpeed + " -> 123");
+    EXPECT_EQ(*(at + 2), "    Grip: " + grip + " -> 7");
 }
 
 TEST_F(CarPackFixture, PreviewOfARenamedCarGivesTheModelAndBothNames) {
@@ -151,8 +162,19 @@ TEST_F(CarPackFixture, PreviewOfARenamedCarGivesTheModelAndBothNames) {
     EXPECT_EQ(p.names[0].model, model);
     EXPECT_EQ(p.names[0].before, before);
     EXPECT_EQ(p.names[0].after, "Zipper");
+    // A renamed car is listed by its name, never as a bare model number.
+    const auto lines = carPackPreviewLines(p);
+    EXPECT_NE(std::find(lines.begin(), lines.end(),
+                        "  Zipper (model " + std::to_string(model) + "): \"" + before +
+                            "\" -> \"Zipper\""),
+              lines.end());
     EXPECT_FALSE(p.otherTexts);
     EXPECT_EQ(p.styleBytesChanged, 0);
+    // The texts after a name of another length only move.
+    ASSERT_NE(before.size(), std::string("Zipper").size());
+    EXPECT_GT(p.fxtBytesMoved, 0);
+    EXPECT_LE(p.fxtBytesChanged, 16);
+    EXPECT_GT(p.fxtBytesMoved, p.fxtBytesChanged);
     EXPECT_TRUE(p.cars.empty());
     EXPECT_TRUE(p.sprites.empty());
 }
@@ -189,6 +211,13 @@ TEST_F(CarPackFixture, PreviewOfAChangedClutGivesItsNumberAndTheSpritesDrawnThro
     EXPECT_EQ(p.styleBytesChanged, 1);
     EXPECT_TRUE(p.sprites.empty());
     EXPECT_TRUE(p.otherSections.empty());
+    // Told under the sprite drawn through it.
+    const auto lines = carPackPreviewLines(p);
+    const auto at = std::find(lines.begin(), lines.end(),
+                              "  ASN " + std::to_string(sprite.ASN) + ": no pixel changed");
+    ASSERT_NE(at, lines.end());
+    ASSERT_NE(at + 1, lines.end());
+    EXPECT_EQ(*(at + 1), "    colours changed: CLUT " + std::to_string(sprite.clut));
 }
 
 TEST_F(CarPackFixture, PreviewTellsTheDeltaStoreOtherSectionsAndAnotherLevel) {
@@ -269,17 +298,17 @@ TEST_F(CarPackFixture, EverySectionOfBothKindsIsNamedWhereTheBuilderPutIt) {
             tb::writeFile(dir / "mod" / level.file, changed);
             ASSERT_TRUE(writeGC3(dir / "mod" / level.file, file, fxt, fxt, pack, platform));
             Gc3Pack parsed;
-            ASSERT_TRUE(readCarPack(pack, parsed, platform));
-            CarPackPreview p;
             std::string why;
-            ASSERT_TRUE(previewCarPack(parsed, *session, before, originalFxt, p, why)) << why;
+            ASSERT_TRUE(parseGc3(tb::readFile(pack), parsed, why)) << why;
+            const CarPackPreview p =
+                previewCarPack(parsed, *session, before, originalFxt, changed, originalFxt);
             EXPECT_EQ(firstNamed(p), c.expected);
             EXPECT_EQ(p.styleBytesChanged, 1);
         }
     }
 }
 
-TEST_F(CarPackFixture, GrownDeltaStoreMovesTheFilesEndAndIsNamedWithTheHeaderAndSpriteNumbers) {
+TEST_F(CarPackFixture, GrownDeltaStoreIsNamedWithTheHeaderAndTheSpriteNumbersAsMoved) {
     RunLine* grown = nullptr;
     for (DeltaRec& d : session->deltas.myDeltas)
         for (RunLine& run : d.runLine)
@@ -295,8 +324,12 @@ TEST_F(CarPackFixture, GrownDeltaStoreMovesTheFilesEndAndIsNamedWithTheHeaderAnd
     EXPECT_TRUE(p.deltaStore);
     EXPECT_TRUE(p.cars.empty());
     EXPECT_TRUE(p.sprites.empty());
-    EXPECT_EQ(p.otherSections,
-              (std::vector<std::string>{"header", "sprite info", "sprite numbers"}));
+    EXPECT_EQ(p.otherSections, (std::vector<std::string>{"header", "sprite info"}));
+    // The sprite numbers after the store only moved: counted apart, not as changes.
+    ASSERT_FALSE(p.movedSections.empty());
+    EXPECT_EQ(p.movedSections.back().section, "sprite numbers");
+    EXPECT_GT(p.movedSections.back().bytes, 0);
+    EXPECT_GT(p.styleBytesMoved, p.styleBytesChanged);
 }
 
 // ---- Round trip and refusals -----------------------------------------------------------------
@@ -327,7 +360,7 @@ TEST_F(CarPackFixture, PackFromTheBakOriginalsTurnsThemIntoTheEditedFilesOnce) {
     tb::writeFile(fxt, tb::readFile(bak.fxt));
     BackupRegistry fresh;
     platform.shownMessages.clear();
-    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh),
+    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh).result,
               ApplyResult::Applied);
     EXPECT_EQ(tb::readFile(style), editedStyle);
     EXPECT_EQ(tb::readFile(fxt), editedFxt);
@@ -335,7 +368,7 @@ TEST_F(CarPackFixture, PackFromTheBakOriginalsTurnsThemIntoTheEditedFilesOnce) {
     EXPECT_EQ(tb::readFile(bak.fxt), originalFxt);
 
     // A second time is refused, and says why.
-    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh),
+    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh).result,
               ApplyResult::Refused);
     ASSERT_FALSE(messages().empty());
     EXPECT_NE(messages().back().find("already applied"), std::string::npos) << messages().back();
@@ -355,15 +388,15 @@ TEST_F(CarPackFixture, PackWithoutTrailerAppliesOnceAndIsThenRefusedByItsContent
     tb::writeFile(style, tb::readFile(style.string() + ".bak"));
 
     BackupRegistry fresh;
-    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh),
+    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh).result,
               ApplyResult::Applied);
     EXPECT_EQ(tb::readFile(style), editedStyle);
     platform.shownMessages.clear();
-    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh),
+    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh).result,
               ApplyResult::Refused);
     ASSERT_EQ(messages().size(), 1u);
     EXPECT_EQ(messages()[0], "This GC3 car pack is already applied: STYLE001.G24 and ENGLISH.FXT "
-                             "already hold its changes.\rNothing was changed.");
+                             "already hold its changes.\rNothing was written.");
 }
 
 TEST_F(CarPackFixture, PacksThatDoNotBelongAreRefusedWithNothingChanged) {
@@ -401,16 +434,7 @@ TEST_F(CarPackFixture, PacksThatDoNotBelongAreRefusedWithNothingChanged) {
              tb::writeFile(f.style, std::vector<std::uint8_t>(originalStyle.begin(),
                                                               originalStyle.begin() + 1000));
          },
-         ApplyResult::Refused, "made against other files than " + (dir / "short").string()},
-        {"a style file changed where the pack does not reach",
-         [&](CarPackFiles& f) {
-             f.style = dir / "other" / "STYLE001.G24";
-             fs::create_directories(f.style.parent_path());
-             auto bytes = originalStyle;
-             bytes[10] ^= 1;
-             tb::writeFile(f.style, bytes);
-         },
-         ApplyResult::Refused, "made against other files than " + (dir / "other").string()},
+         ApplyResult::Refused, "STYLE001.G24: its sections have moved since the pack was made"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -421,13 +445,105 @@ TEST_F(CarPackFixture, PacksThatDoNotBelongAreRefusedWithNothingChanged) {
         const auto fxtBefore = tb::readFile(files.fxt);
         platform.shownMessages.clear();
         BackupRegistry fresh;
-        EXPECT_EQ(applyCarPack(pack, files, platform, fresh), c.result);
+        EXPECT_EQ(applyCarPack(pack, files, platform, fresh).result, c.result);
         ASSERT_EQ(messages().size(), 1u);
         EXPECT_NE(messages()[0].find(c.message), std::string::npos) << messages()[0];
         EXPECT_EQ(tb::readFile(files.style), styleBefore);
         EXPECT_EQ(tb::readFile(files.fxt), fxtBefore);
         EXPECT_FALSE(fs::exists(files.style.string() + "~gc3"));
     }
+}
+
+TEST_F(CarPackFixture, ResultsTheEditorCannotOpenAreNeitherPackedNorApplied) {
+    // A changed style file whose header no longer adds up to its length.
+    auto broken = originalStyle;
+    broken.resize(broken.size() - 100);
+    fs::create_directories(dir / "mod");
+    tb::writeFile(dir / "mod" / "STYLE001.G24", broken);
+    const std::vector<std::uint8_t> old = {'o', 'l', 'd'};
+    tb::writeFile(pack, old);
+    EXPECT_FALSE(writeCarPack(dir / "mod" / "STYLE001.G24", style, fxt, fxt, pack, platform));
+    ASSERT_EQ(messages().size(), 1u);
+    EXPECT_EQ(messages()[0].rfind("Error writing GC3 file.\rThe changed files would not open in "
+                                  "the editor:\r",
+                                  0),
+              0u)
+        << messages()[0];
+    EXPECT_EQ(tb::readFile(pack), old);
+
+    // The same pack written without the check, and without the trailer as other programs write
+    // it: applying it runs the same checks on what it would give, and writes nothing.
+    ASSERT_TRUE(writeGC3(dir / "mod" / "STYLE001.G24", style, fxt, fxt, pack, platform));
+    Gc3Pack parsed;
+    std::string why;
+    auto bytes = tb::readFile(pack);
+    ASSERT_TRUE(parseGc3(bytes, parsed, why)) << why;
+    bytes.resize(static_cast<std::size_t>(std::max(
+        {kGc3HeaderSize, parsed.header.StyleDataPositionEnd, parsed.header.FXTDataPositionEnd})));
+    tb::writeFile(pack, bytes);
+    platform.shownMessages.clear();
+    BackupRegistry fresh;
+    const CarPackApplied applied = applyCarPack(pack, levelFiles(session->style), platform, fresh);
+    EXPECT_EQ(applied.result, ApplyResult::Refused);
+    EXPECT_NE(applied.message.find("would give files the editor cannot open"), std::string::npos)
+        << applied.message;
+    EXPECT_EQ(tb::readFile(style), originalStyle);
+    EXPECT_FALSE(fs::exists(style.string() + ".bak"));
+}
+
+// ---- Packs that stack ------------------------------------------------------------------------
+
+// Another car than the pack's, as it is in the sample level.
+int otherCar(const StyleSession& s, int not_) {
+    for (int asn = 1; asn < static_cast<int>(s.cars.slots.size()); ++asn)
+        if (asn != not_ && s.cars.slots[static_cast<std::size_t>(asn)].inUse) return asn;
+    return 0;
+}
+
+TEST_F(CarPackFixture, PackOntoALevelEditedElsewhereGivesBothEditsAndConflictsAreNamed) {
+    const int asn = someCar();
+    editCarField(asn, "max_speed", "66");
+    save();
+    build();
+    // The level as another modder has it: the originals, then an edit of another car.
+    tb::writeFile(style, originalStyle);
+    tb::writeFile(fxt, originalFxt);
+    fs::remove(style.string() + ".bak");
+    fs::remove(fxt.string() + ".bak");
+    load();
+    const int other = otherCar(*session, asn);
+    ASSERT_NE(other, 0);
+    editCarField(other, "grip", "9");
+    save();
+    const auto editedElsewhere = tb::readFile(style);
+
+    auto applied = tb::runCli({"gc3", "apply", pack.string(), style.string(), fxt.string(),
+                               "--workdir", (dir / "work").string()});
+    ASSERT_EQ(applied.status, 0) << applied.err;
+    EXPECT_EQ(applied.out, "GC3 car pack CARS.GC3 applied to:\n  " + style.string() +
+                               " (as it was: " + style.string() + ".bak)\n");
+    EXPECT_EQ(tb::readFile(fxt), originalFxt); // no name change: ENGLISH.FXT is not rewritten
+    EXPECT_FALSE(fs::exists(fxt.string() + ".bak"));
+    load();
+    EXPECT_EQ(fieldText(*session->cars.find(asn), carFieldByName("max_speed")->index), "66");
+    EXPECT_EQ(fieldText(*session->cars.find(other), carFieldByName("grip")->index), "9");
+
+    // The same car's field changed since: refused, the car and field named, nothing written.
+    tb::writeFile(style, editedElsewhere);
+    load();
+    editCarField(asn, "max_speed", "33");
+    save();
+    const auto conflicting = tb::readFile(style);
+    platform.shownMessages.clear();
+    BackupRegistry fresh;
+    const CarPackApplied refused = applyCarPack(pack, levelFiles(session->style), platform, fresh);
+    EXPECT_EQ(refused.result, ApplyResult::Refused);
+    EXPECT_EQ(refused.conflicts, std::vector<std::string>{session->cars.find(asn)->name + " (ASN " +
+                                                          std::to_string(asn) + "): Max Speed"});
+    ASSERT_EQ(messages().size(), 1u);
+    EXPECT_NE(messages()[0].find("changed since it was made"), std::string::npos) << messages()[0];
+    EXPECT_EQ(tb::readFile(style), conflicting);
+    EXPECT_EQ(tb::readFile(fxt), originalFxt);
 }
 
 TEST_F(CarPackFixture, CommandLineShowsThePreviewAsTextAndJson) {
@@ -442,8 +558,9 @@ TEST_F(CarPackFixture, CommandLineShowsThePreviewAsTextAndJson) {
     auto text = tb::runCli({"gc3", "show", pack.string(), bak, fxt.string(), "--workdir", work});
     ASSERT_EQ(text.status, 0) << text.err;
     EXPECT_EQ(text.out.substr(0, 37), "Car pack for level 1 (Port Alder)\nSty");
-    EXPECT_NE(text.out.find("Car records:\n  " + session->cars.find(asn)->name + " (ASN " +
-                            std::to_string(asn) + "): max_speed\n"),
+    EXPECT_NE(text.out.find("Car records:\n  " + session->cars.find(asn)->name + " (model " +
+                            std::to_string(session->cars.find(asn)->info.model) + ", ASN " +
+                            std::to_string(asn) + ")\n    Max Speed: "),
               std::string::npos)
         << text.out;
 
@@ -454,11 +571,19 @@ TEST_F(CarPackFixture, CommandLineShowsThePreviewAsTextAndJson) {
     EXPECT_EQ(j["level"], 1);
     EXPECT_EQ(j["car_records"][0]["asn"], asn);
     EXPECT_EQ(j["car_records"][0]["fields"][0], "max_speed");
+    EXPECT_EQ(j["car_records"][0]["changes"][0].get<std::string>().substr(0, 11), "Max Speed: ");
     EXPECT_TRUE(j["sprites"].empty());
 
-    auto misfit = tb::runCli(
-        {"gc3", "show", pack.string(), bak, (dir / "none.fxt").string(), "--workdir", work});
+    // Shown against files whose bytes it changes were changed since: refused as apply refuses.
+    load();
+    editCarField(asn, "max_speed", "44");
+    save();
+    auto misfit = tb::runCli({"gc3", "show", pack.string(), bak, fxt.string(), "--workdir", work});
     EXPECT_EQ(misfit.status, 1);
+    EXPECT_NE(misfit.err.find("message:   " + session->cars.find(asn)->name + " (ASN " +
+                              std::to_string(asn) + "): Max Speed"),
+              std::string::npos)
+        << misfit.err;
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "exchange/gc3.h"
 
+#include "base/atomic_file.h"
+
 #include "exchange_fixture.h"
 #include "fake_platform.h"
 #include "style_builder.h"
@@ -46,6 +48,17 @@ struct Gc3Fixture : ::testing::Test {
         return writeGC3(modStyle, origStyle, modFxt, origFxt, pack, platform,
                         [seconds] { return seconds; });
     }
+    // The pack applied in memory to two files as the applier applies it.
+    Gc3Merged apply(const std::filesystem::path& style, const std::filesystem::path& fxt) {
+        const auto bytes = tb::readFile(pack);
+        Gc3Pack p;
+        std::string why;
+        if (!parseGc3(bytes, p, why))
+            return {{Gc3Outcome::Unreadable, why}, {}, {}, false, false, {}};
+        const auto styleBytes = tb::readFile(style), fxtBytes = tb::readFile(fxt);
+        return mergeGc3Pack(p, findGc3Trailer(bytes, p.header), findGc3Originals(bytes, p),
+                            {style, styleBytes}, {fxt, fxtBytes});
+    }
     Gc3Pack parsed() {
         Gc3Pack p;
         std::string why;
@@ -61,7 +74,8 @@ TEST_F(Gc3Fixture, IdenticalFilesGiveAHeaderWithEmptyRecordRanges) {
     files(bytes, bytes);
     ASSERT_TRUE(write(3600.4));
     const auto file = tb::readFile(pack);
-    ASSERT_EQ(file.size(), 31u + kGc3TrailerSize); // the header, no records, the trailer
+    // The header, no records, the unmodified bytes (none but their head), the trailer.
+    ASSERT_EQ(file.size(), 31u + 12u + kGc3TrailerSize);
     EXPECT_EQ(std::string(file.begin(), file.begin() + 3), "GC3");
     EXPECT_EQ(tb::getI16(file, 3), 1);
     EXPECT_EQ(file[5], 3600 % 255);
@@ -134,14 +148,62 @@ TEST_F(Gc3Fixture, StylesOfTwoLevelsAreRefused) {
     ASSERT_EQ(platform.messageTexts().size(), 1u);
     EXPECT_EQ(platform.messageTexts()[0],
               "Writing of GC3 cannot be accomplished on styles from two different levels.");
-    EXPECT_FALSE(std::filesystem::exists(pack)); // the old pack went first
+    EXPECT_EQ(tb::readFile(pack), (std::vector<std::uint8_t>{9, 9, 9})); // the old pack stays
+}
+
+TEST_F(Gc3Fixture, AFailedOrRefusedWriteLeavesTheOldPack) {
+    const auto orig = randomBytes(5000, 11);
+    auto mod = orig;
+    mod[100] ^= 1;
+    files(mod, orig);
+    const std::vector<std::uint8_t> old = {'o', 'l', 'd'};
+    // Each system step of the replace fails in turn: the old pack is left, with the cause named.
+    int steps = 0;
+    setReplaceFaultHook([&steps](std::string_view, const std::filesystem::path&) {
+        ++steps;
+        return std::error_code{};
+    });
+    tb::writeFile(pack, old);
+    ASSERT_TRUE(write());
+    const auto written = tb::readFile(pack);
+    ASSERT_GT(steps, 2);
+    for (int failAt = 1; failAt <= steps; ++failAt) {
+        SCOPED_TRACE(failAt);
+        tb::writeFile(pack, old);
+        int seen = 0;
+        setReplaceFaultHook([&seen, failAt](std::string_view, const std::filesystem::path&) {
+            return ++seen == failAt ? std::make_error_code(std::errc::no_space_on_device)
+                                    : std::error_code{};
+        });
+        platform.shownMessages.clear();
+        EXPECT_FALSE(write());
+        EXPECT_EQ(tb::readFile(pack), old);
+        ASSERT_EQ(platform.messageTexts().size(), 1u);
+        EXPECT_EQ(platform.messageTexts()[0],
+                  "Error writing GC3 file.\r" + pack.string() + ": disk full.");
+    }
+    setReplaceFaultHook({});
+
+    // A result check that refuses leaves the old pack too, its cause beside the message.
+    tb::writeFile(pack, old);
+    platform.shownMessages.clear();
+    EXPECT_FALSE(writeGC3(
+        modStyle, origStyle, modFxt, origFxt, pack, platform, [] { return 0.0; },
+        [](const auto&, const auto&) { return std::string("not a style"); }));
+    EXPECT_EQ(platform.messageTexts(),
+              std::vector<std::string>{"Error writing GC3 file.\rnot a style"});
+    EXPECT_EQ(tb::readFile(pack), old);
+    ASSERT_TRUE(write(0));
+    EXPECT_EQ(tb::readFile(pack), written);
 }
 
 TEST_F(Gc3Fixture, MissingInputOrPackIsAnError) {
     files({1}, {1});
     std::filesystem::remove(origFxt);
     EXPECT_FALSE(write());
-    EXPECT_EQ(platform.messageTexts(), std::vector<std::string>{"Error writing GC3 file."});
+    EXPECT_EQ(platform.messageTexts(),
+              std::vector<std::string>{"Error writing GC3 file.\r" + origFxt.string() +
+                                       " does not exist."});
 
     Gc3Header h;
     EXPECT_FALSE(readGC3(dir / "none.gc3", h, platform));
@@ -177,11 +239,10 @@ TEST_F(Gc3Fixture, WriteThenApplyReproducesTheModifiedFiles) {
         std::filesystem::create_directories(target);
         tb::writeFile(target / "STYLE001.G24", orig);
         tb::writeFile(target / "ENGLISH.FXT", origText);
-        ASSERT_TRUE(applyGC3(pack, target / "STYLE001.G24", target / "ENGLISH.FXT", platform))
-            << c.name;
-        EXPECT_EQ(tb::readFile(target / "STYLE001.G24"), mod) << c.name;
-        EXPECT_EQ(tb::readFile(target / "ENGLISH.FXT"), modText) << c.name;
-        EXPECT_FALSE(std::filesystem::exists(target / "STYLE001.G24~gc3")) << c.name;
+        const Gc3Merged merged = apply(target / "STYLE001.G24", target / "ENGLISH.FXT");
+        ASSERT_EQ(merged.applied.outcome, Gc3Outcome::Applied) << c.name << merged.applied.message;
+        EXPECT_EQ(merged.style, mod) << c.name;
+        EXPECT_EQ(merged.fxt, modText) << c.name;
     }
 }
 
@@ -200,19 +261,17 @@ TEST_F(Gc3Fixture, ApplyRefusesAndWritesNothing) {
         std::function<void(std::vector<std::uint8_t>& pack, std::vector<std::uint8_t>& style)> edit;
         std::string message;
     };
-    const auto level2 = "This GC3 car pack is for level 1, but STYLE002.G24 is level 2.";
     const std::vector<Case> cases = {
-        {"another level", "STYLE002.G24", [](auto&, auto&) {}, level2},
         {"style file too short for the run", "STYLE001.G24",
-         [](auto&, auto& style) { style.resize(2000); }, "made against other files"},
+         [](auto&, auto& style) { style.resize(2000); }, "changed since it was made"},
         {"run past the recorded length", "STYLE001.G24",
          [](auto& p, auto&) { tb::putI32(p, 15, 3000); }, "run past the recorded length"},
         {"record running past the pack's end", "STYLE001.G24",
-         [](auto& p, auto&) { tb::putI32(p, 32 + 4, 5000); }, "Error reading GC3 file."},
+         [](auto& p, auto&) { tb::putI32(p, 32 + 4, 5000); }, "is damaged"},
         {"pack shorter than its header", "STYLE001.G24", [](auto& p, auto&) { p.resize(20); },
-         "Error reading GC3 file."},
+         "shorter than its header"},
         {"record range outside the pack", "STYLE001.G24",
-         [](auto& p, auto&) { tb::putI32(p, 11, 1 << 30); }, "Error reading GC3 file."},
+         [](auto& p, auto&) { tb::putI32(p, 11, 1 << 30); }, "lies outside the pack"},
     };
     for (const Case& c : cases) {
         auto packBytes = good;
@@ -224,16 +283,11 @@ TEST_F(Gc3Fixture, ApplyRefusesAndWritesNothing) {
         std::filesystem::create_directories(target);
         tb::writeFile(target / c.styleName, style);
         tb::writeFile(target / "ENGLISH.FXT", {1, 2, 3});
-        platform.shownMessages.clear();
-        EXPECT_FALSE(applyGC3(pack, target / c.styleName, target / "ENGLISH.FXT", platform))
-            << c.name;
-        ASSERT_EQ(platform.messageTexts().size(), 1u) << c.name;
-        EXPECT_NE(platform.messageTexts()[0].find(c.message), std::string::npos)
-            << c.name << ": " << platform.messageTexts()[0];
-        EXPECT_EQ(tb::readFile(target / c.styleName), style) << c.name;
-        EXPECT_EQ(tb::readFile(target / "ENGLISH.FXT"), (std::vector<std::uint8_t>{1, 2, 3}))
-            << c.name;
-        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(target), {}), 2) << c.name;
+        const Gc3Merged merged = apply(target / c.styleName, target / "ENGLISH.FXT");
+        EXPECT_NE(merged.applied.outcome, Gc3Outcome::Applied) << c.name;
+        EXPECT_NE(merged.applied.message.find(c.message), std::string::npos)
+            << c.name << ": " << merged.applied.message;
+        EXPECT_TRUE(merged.style.empty() && merged.fxt.empty()) << c.name;
     }
 }
 
@@ -241,15 +295,12 @@ TEST_F(Gc3Fixture, ApplyRefusesAndWritesNothing) {
 
 namespace {
 
-TEST_F(Gc3Fixture, CommandLineWritesReadsAndApplies) {
+TEST_F(Gc3Fixture, CommandLineReadsPacksAndRefusesToWriteFilesTheEditorCannotOpen) {
     const auto orig = randomBytes(6000, 9);
     auto mod = orig;
     mod[4000] ^= 3;
     files(mod, orig, {'n', 'e', 'w'}, {'o', 'l', 'd'});
-    auto written = tb::runCli({"gc3", "write", modStyle.string(), origStyle.string(),
-                               modFxt.string(), origFxt.string(), pack.string()});
-    ASSERT_EQ(written.status, 0) << written.err;
-
+    ASSERT_TRUE(write());
     auto read = tb::runCli({"gc3", "read", pack.string()});
     ASSERT_EQ(read.status, 0) << read.err;
     const std::string tail = "stylenum:1\nStyleDataPosition:32\nStyleDataPositionEnd:47\n"
@@ -258,11 +309,16 @@ TEST_F(Gc3Fixture, CommandLineWritesReadsAndApplies) {
     EXPECT_EQ(read.out.substr(0, 20), "File Type:GC3\nver:1\n");
     EXPECT_EQ(read.out.substr(read.out.size() - tail.size()), tail);
 
-    auto applied =
-        tb::runCli({"gc3", "apply", pack.string(), origStyle.string(), origFxt.string()});
-    ASSERT_EQ(applied.status, 0) << applied.err;
-    EXPECT_EQ(tb::readFile(origStyle), mod);
-    EXPECT_EQ(tb::readFile(origFxt), (std::vector<std::uint8_t>{'n', 'e', 'w'}));
+    // Random bytes are no style file: the command line's writer checks what the pack makes.
+    const auto before = tb::readFile(pack);
+    auto written = tb::runCli({"gc3", "write", modStyle.string(), origStyle.string(),
+                               modFxt.string(), origFxt.string(), pack.string()});
+    EXPECT_EQ(written.status, 1);
+    EXPECT_NE(written.err.find("message: Error writing GC3 file.\n"
+                               "message: The changed files would not open in the editor:"),
+              std::string::npos)
+        << written.err;
+    EXPECT_EQ(tb::readFile(pack), before);
 
     auto missing = tb::runCli({"gc3", "read", (dir / "none.gc3").string()});
     EXPECT_EQ(missing.status, 1);

@@ -11,6 +11,8 @@
 #include "exchange/gc3.h"
 #include "fake_platform.h"
 #include "sample_level.h"
+#include "session/car_pack.h"
+#include "session/file_backups.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
 #include "session/save_sequence.h"
@@ -452,9 +454,11 @@ TEST(SafeGc3, PackChecksTheFilesItWasMadeAgainstAndKnowsWhenItIsApplied) {
     auto otherFxt = tb::sampleFxtEntries();
     otherFxt[0] += "!";
     tb::writeFile(level.fxt, tb::encodeFxt(otherFxt));
-    Gc3Applied out = applyGc3Pack(pack, level.style, level.fxt, p);
-    EXPECT_EQ(out.outcome, Gc3Outcome::FilesDiffer) << out.message;
-    EXPECT_NE(out.message.find(level.fxt.string()), std::string::npos);
+    BackupRegistry backups;
+    CarPackApplied out = applyCarPack(pack, {level.style, level.fxt}, p, backups);
+    EXPECT_EQ(out.result, ApplyResult::Refused) << out.message;
+    EXPECT_NE(out.message.find("ENGLISH.FXT: its texts have moved"), std::string::npos)
+        << out.message;
     EXPECT_EQ(tb::readFile(level.style), level.styleBytes);
 
     level.reset();
@@ -463,11 +467,12 @@ TEST(SafeGc3, PackChecksTheFilesItWasMadeAgainstAndKnowsWhenItIsApplied) {
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(tb::readFile(level.style), tb::readFile(changed.style));
     EXPECT_EQ(tb::readFile(level.fxt), tb::readFile(changed.fxt));
-    EXPECT_EQ(tb::readFile(fs::path(level.style.string() + ".bak")), level.styleBytes);
+    // The pack renames a car: the style file is neither rewritten nor backed up.
+    EXPECT_FALSE(fs::exists(fs::path(level.style.string() + ".bak")));
     EXPECT_EQ(tb::readFile(fs::path(level.fxt.string() + ".bak")), level.fxtBytes);
 
-    out = applyGc3Pack(pack, level.style, level.fxt, p);
-    EXPECT_EQ(out.outcome, Gc3Outcome::AlreadyApplied);
+    out = applyCarPack(pack, {level.style, level.fxt}, p, backups);
+    EXPECT_EQ(out.result, ApplyResult::Refused);
     EXPECT_NE(out.message.find("already applied"), std::string::npos);
 
     // A pack's reader that follows the header never sees the trailer.
@@ -478,9 +483,9 @@ TEST(SafeGc3, PackChecksTheFilesItWasMadeAgainstAndKnowsWhenItIsApplied) {
 
     // Read-only files are refused.
     level.reset();
-    fs::permissions(level.style, fs::perms::owner_read);
-    out = applyGc3Pack(pack, level.style, level.fxt, p);
-    EXPECT_EQ(out.outcome, Gc3Outcome::WriteFailed);
+    fs::permissions(level.fxt, fs::perms::owner_read);
+    out = applyCarPack(pack, {level.style, level.fxt}, p, backups);
+    EXPECT_EQ(out.result, ApplyResult::Failed);
     EXPECT_NE(out.message.find("permission denied"), std::string::npos);
     EXPECT_EQ(tb::readFile(level.fxt), level.fxtBytes);
 }

@@ -15,6 +15,7 @@
 #include "app/page_board.h"
 #include "session/car_pack_preview.h"
 #include "session/edits.h"
+#include "session/style_session.h"
 #include "style_builder.h"
 
 #include <QAction>
@@ -140,27 +141,30 @@ void CarPackTest::editedLevelRoundTripsThroughBuildAndApply() {
     QVERIFY(editedStyle != originalStyle && editedFxt != originalFxt);
     QCOMPARE(h.previewHeadline, QStringLiteral("Car pack for level 1 (Port Alder)"));
     const QString asn = QString::number(r.ASN);
-    // The editor writes every box of the record back: width and whatever its texts round.
-    const QString carLine = "  Packed Car (ASN " + asn + "): width";
-    QVERIFY2(!h.previewLines.filter(QRegularExpression("^" + QRegularExpression::escape(carLine)))
-                  .isEmpty(),
+    // Each car by name and model, each field by its caption with the old and the new value.
+    const QString carLine = "  Packed Car (model " +
+                            QString::number(h.form->session().cars.find(r.ASN)->info.model) +
+                            ", ASN " + asn + ")";
+    QVERIFY2(h.previewLines.contains(carLine), qPrintable(h.previewLines.join('\n')));
+    QVERIFY2(!h.previewLines.filter(QRegularExpression("^    Width: \\d+ -> 31$")).isEmpty(),
              qPrintable(h.previewLines.join('\n')));
     QVERIFY(h.previewLines.contains("Car names:"));
     QVERIFY(h.previewLines.contains("  page " + QString::number(r.page) + ", ASN " + asn +
                                     " (Packed Car): 4 pixels"));
 
-    // Another modder's untouched level gets the pack.
+    // Another modder's untouched level gets the pack, and says what it wrote.
     torquil::testing::writeFile(h.style, readFile(h.style.string() + ".bak"));
     torquil::testing::writeFile(h.fxt, readFile(h.fxt.string() + ".bak"));
     h.openThroughDialog("STYLE001.G24");
     h.platform.shown.clear();
     h.applyThroughDialog(h.pack);
-    QVERIFY2(h.platform.shown.empty(),
-             h.platform.shown.empty() ? "" : h.platform.shown.front().text.c_str());
+    QCOMPARE(h.platform.texts(),
+             std::vector<std::string>{"GC3 car pack MINE.GC3 applied to:\r  " + h.style.string() +
+                                      " (as it was: " + h.style.string() + ".bak)\r  " +
+                                      h.fxt.string() + " (as it was: " + h.fxt.string() + ".bak)"});
     QCOMPARE(readFile(h.style), editedStyle);
     QCOMPARE(readFile(h.fxt), editedFxt);
-    QVERIFY(!h.previewLines.filter(QRegularExpression("^" + QRegularExpression::escape(carLine)))
-                 .isEmpty());
+    QVERIFY(h.previewLines.contains(carLine));
     // The level was read again: the window shows the car as the pack left it.
     QCOMPARE(h.form->session().cars.find(r.ASN)->info.width, std::int16_t{31});
     QCOMPARE(h.form->session().cars.find(r.ASN)->name, std::string("Packed Car"));
@@ -177,6 +181,40 @@ void CarPackTest::editedLevelRoundTripsThroughBuildAndApply() {
     QCOMPARE(readFile(h.style), editedStyle);
     QCOMPARE(readFile(h.fxt), editedFxt);
     QCOMPARE(readFile(h.style.string() + ".bak"), bakStyle);
+
+    // Packs stack: the originals with another car edited in the window take the pack too.
+    torquil::testing::writeFile(h.style, readFile(h.style.string() + ".bak"));
+    torquil::testing::writeFile(h.fxt, readFile(h.fxt.string() + ".bak"));
+    h.openThroughDialog("STYLE001.G24");
+    // The width of another car, through the car editor, saved.
+    StyleSession& level = h.form->session();
+    const SpriteRec* otherSprite = nullptr;
+    for (int page = 0; page <= level.pages.gNumBlockLoaded && !otherSprite; ++page)
+        for (int sib = 1; sib <= level.sprites.pageCount(page) && !otherSprite; ++sib) {
+            const SpriteRec& sprite = level.sprites.pageSprites[page][sib];
+            if (sprite.ASN != r.ASN && level.cars.find(sprite.ASN)) otherSprite = &sprite;
+        }
+    QVERIFY(otherSprite);
+    const int other = otherSprite->ASN;
+    h.click(*otherSprite);
+    h.form->runDialog = [](QDialog& dialog) {
+        auto* editor = qobject_cast<CarInfoForm*>(&dialog);
+        if (!editor) return int(QDialog::Rejected);
+        editor->box(0)->setText("77");
+        editor->done(QDialog::Accepted);
+        return int(QDialog::Accepted);
+    };
+    h.action("mnuEditCar")->trigger();
+    h.form->runKey("save");
+    QCOMPARE(h.form->session().cars.find(other)->info.width, std::int16_t{77});
+    h.platform.shown.clear();
+    h.applyThroughDialog(h.pack);
+    QVERIFY2(h.platform.texts().size() == 1 &&
+                 h.platform.texts()[0].rfind("GC3 car pack MINE.GC3 applied to:", 0) == 0,
+             h.platform.texts().empty() ? "" : h.platform.texts().back().c_str());
+    QCOMPARE(h.form->session().cars.find(r.ASN)->info.width, std::int16_t{31});
+    QCOMPARE(h.form->session().cars.find(r.ASN)->name, std::string("Packed Car"));
+    QCOMPARE(h.form->session().cars.find(other)->info.width, std::int16_t{77});
 }
 
 void CarPackTest::packsThatDoNotBelongAreRefused() {
@@ -204,7 +242,7 @@ void CarPackTest::packsThatDoNotBelongAreRefused() {
     h.openThroughDialog("STYLE001.G24");
     const auto style = readFile(h.style);
     h.applyThroughDialog(damaged);
-    QCOMPARE(h.platform.texts().back(), std::string("Error reading GC3 file."));
+    QCOMPARE(h.platform.texts().back().substr(0, 24), std::string("Error reading GC3 file.\r"));
 
     // Cancelled at the preview: nothing changes either.
     h.applyThroughDialog(h.pack, /*apply=*/false);
@@ -212,20 +250,19 @@ void CarPackTest::packsThatDoNotBelongAreRefused() {
     QCOMPARE(readFile(h.style), style);
     QVERIFY(!fs::exists(h.style.string() + ".bak"));
 
-    // The style file on the disk changed since the pack was made, in a byte the pack does not
-    // touch: its runs would still fit, but the trailer's checksum refuses it.
+    // The style file on the disk changed since the pack was made, in the byte the pack changes:
+    // refused before the preview, the conflict named.
     auto differs = style;
-    differs.back() ^= 1;
+    differs[100] ^= 2;
     torquil::testing::writeFile(h.style, differs);
     const auto fxt = readFile(h.fxt);
     h.previewLines.clear();
     h.platform.shown.clear();
     h.applyThroughDialog(h.pack);
     QCOMPARE(h.platform.texts(),
-             std::vector<std::string>{"This GC3 car pack was made against other files than " +
-                                      h.style.string() +
-                                      " (their contents differ from the files it was made "
-                                      "from).\rNothing was written."});
+             std::vector<std::string>{"This GC3 car pack changes what was changed since it was "
+                                      "made in STYLE001.G24 or ENGLISH.FXT:\r  the tiles\r"
+                                      "Nothing was changed."});
     QVERIFY(h.previewLines.isEmpty());
     QCOMPARE(readFile(h.style), differs);
     QCOMPARE(readFile(h.fxt), fxt);
