@@ -74,7 +74,7 @@ public:
     SideFile& operator=(const SideFile&) = delete;
     ~SideFile() { discard(); }
 
-    std::error_code write(const fs::path& target, std::span<const std::uint8_t> bytes);
+    std::error_code write(const fs::path& target, const FileContent& content);
     std::error_code replaceTarget();
     // Once complete and on the disk the side file takes its ".~done" name, so that a leftover
     // tells whether it is whole.
@@ -91,7 +91,7 @@ private:
 };
 
 #ifdef _WIN32
-std::error_code SideFile::write(const fs::path& target, std::span<const std::uint8_t> bytes) {
+std::error_code SideFile::write(const fs::path& target, const FileContent& content) {
     target_ = target;
     if (auto ec = injected("create", target)) return ec;
     const fs::path side = sideFileFor(target, kPendingMarker, newRunTag());
@@ -100,12 +100,17 @@ std::error_code SideFile::write(const fs::path& target, std::span<const std::uin
     if (h == INVALID_HANDLE_VALUE) return lastSystemError();
     path_ = side;
     std::error_code ec = injected("write", target);
-    for (std::size_t done = 0; !ec && done < bytes.size();) {
-        const DWORD want = static_cast<DWORD>(std::min<std::size_t>(bytes.size() - done, 1u << 30));
-        DWORD put = 0;
-        if (!WriteFile(h, bytes.data() + done, want, &put, nullptr)) ec = lastSystemError();
-        done += put;
-    }
+    const ContentWriter put = [h](std::span<const std::uint8_t> bytes) {
+        for (std::size_t done = 0; done < bytes.size();) {
+            const DWORD want =
+                static_cast<DWORD>(std::min<std::size_t>(bytes.size() - done, 1u << 30));
+            DWORD wrote = 0;
+            if (!WriteFile(h, bytes.data() + done, want, &wrote, nullptr)) return lastSystemError();
+            done += wrote;
+        }
+        return std::error_code{};
+    };
+    if (!ec) ec = content.source ? content.source(put) : put(content.bytes);
     if (!ec) ec = injected("flush", target);
     if (!ec && !FlushFileBuffers(h)) ec = lastSystemError();
     if (!CloseHandle(h) && !ec) ec = lastSystemError();
@@ -121,7 +126,7 @@ std::error_code SideFile::replaceTarget() {
     return {};
 }
 #else
-std::error_code SideFile::write(const fs::path& target, std::span<const std::uint8_t> bytes) {
+std::error_code SideFile::write(const fs::path& target, const FileContent& content) {
     target_ = target;
     if (auto ec = injected("create", target)) return ec;
     const fs::path side = sideFileFor(target, kPendingMarker, newRunTag());
@@ -129,16 +134,19 @@ std::error_code SideFile::write(const fs::path& target, std::span<const std::uin
     if (fd < 0) return lastSystemError();
     path_ = side;
     std::error_code ec = injected("write", target);
-    // One write for the whole file when the system takes it; a short write goes on from there.
-    for (std::size_t done = 0; !ec && done < bytes.size();) {
-        const ssize_t put = ::write(fd, bytes.data() + done, bytes.size() - done);
-        if (put < 0 && errno == EINTR) continue;
-        if (put <= 0) {
-            ec = put < 0 ? lastSystemError() : std::make_error_code(std::errc::no_space_on_device);
-            break;
+    // One write for each piece when the system takes it; a short write goes on from there.
+    const ContentWriter put = [fd](std::span<const std::uint8_t> bytes) {
+        for (std::size_t done = 0; done < bytes.size();) {
+            const ssize_t wrote = ::write(fd, bytes.data() + done, bytes.size() - done);
+            if (wrote < 0 && errno == EINTR) continue;
+            if (wrote <= 0)
+                return wrote < 0 ? lastSystemError()
+                                 : std::make_error_code(std::errc::no_space_on_device);
+            done += static_cast<std::size_t>(wrote);
         }
-        done += static_cast<std::size_t>(put);
-    }
+        return std::error_code{};
+    };
+    if (!ec) ec = content.source ? content.source(put) : put(content.bytes);
     struct stat old {};
     if (!ec && ::stat(target.c_str(), &old) == 0 && ::fchmod(fd, old.st_mode & 07777) != 0)
         ec = lastSystemError();
@@ -206,7 +214,7 @@ static bool isStream(const fs::path& target) {
     return !ec && fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
 }
 
-static std::error_code writeStream(const fs::path& target, std::span<const std::uint8_t> bytes) {
+static std::error_code writeStream(const fs::path& target, const FileContent& content) {
     std::FILE* out = nullptr;
 #ifdef _WIN32
     out = _wfopen(target.c_str(), L"wb");
@@ -214,8 +222,11 @@ static std::error_code writeStream(const fs::path& target, std::span<const std::
     out = std::fopen(target.c_str(), "wb");
 #endif
     if (!out) return lastSystemError();
-    const bool ok = std::fwrite(bytes.data(), 1, bytes.size(), out) == bytes.size();
-    std::error_code ec = ok ? std::error_code{} : lastSystemError();
+    const ContentWriter put = [out](std::span<const std::uint8_t> bytes) {
+        return std::fwrite(bytes.data(), 1, bytes.size(), out) == bytes.size() ? std::error_code{}
+                                                                               : lastSystemError();
+    };
+    std::error_code ec = content.source ? content.source(put) : put(content.bytes);
     if (std::fclose(out) != 0 && !ec) ec = lastSystemError();
     return ec;
 }
@@ -225,7 +236,7 @@ ReplaceFailure replaceFilesAtomically(std::span<const FileContent> files) {
         if (isStream(f.target)) {
             if (files.size() != 1)
                 return {f.target, std::make_error_code(std::errc::invalid_argument)};
-            return {f.target, writeStream(f.target, f.bytes)};
+            return {f.target, writeStream(f.target, f)};
         }
     std::vector<SideFile> sides(files.size());
     for (std::size_t i = 0; i < files.size(); ++i) {
@@ -233,7 +244,7 @@ ReplaceFailure replaceFilesAtomically(std::span<const FileContent> files) {
         if (isWriteProtected(files[i].target, ec)) return {files[i].target, ec};
     }
     for (std::size_t i = 0; i < files.size(); ++i)
-        if (auto ec = sides[i].write(files[i].target, files[i].bytes)) return {files[i].target, ec};
+        if (auto ec = sides[i].write(files[i].target, files[i])) return {files[i].target, ec};
     for (std::size_t i = 0; i < files.size(); ++i)
         if (auto ec = sides[i].replaceTarget()) return {files[i].target, ec, i};
     return {};
@@ -278,13 +289,36 @@ std::string describeCause(const std::error_code& cause) {
 }
 
 ReplaceFailure copyFileAtomically(const fs::path& source, const fs::path& target) {
-    std::vector<std::uint8_t> bytes;
     std::error_code ec;
-    if (!readWholeFile(source, bytes))
+    std::FILE* in = nullptr;
+#ifdef _WIN32
+    in = _wfopen(source.c_str(), L"rb");
+#else
+    in = std::fopen(source.c_str(), "rb");
+#endif
+    if (!in)
         return {source, fs::exists(source, ec)
                             ? std::make_error_code(std::errc::io_error)
                             : std::make_error_code(std::errc::no_such_file_or_directory)};
-    return replaceFileAtomically(target, bytes);
+    // Copied a piece at a time: a file of any size costs one piece of memory.
+    bool readFailed = false;
+    FileContent copy{target, {}};
+    copy.source = [&](const ContentWriter& write) -> std::error_code {
+        std::vector<std::uint8_t> piece(1u << 20);
+        for (;;) {
+            const std::size_t n = std::fread(piece.data(), 1, piece.size(), in);
+            if (n > 0)
+                if (auto failed = write(std::span<const std::uint8_t>(piece.data(), n)))
+                    return failed;
+            if (n < piece.size()) break;
+        }
+        readFailed = std::ferror(in) != 0;
+        return readFailed ? std::make_error_code(std::errc::io_error) : std::error_code{};
+    };
+    ReplaceFailure failure = replaceFilesAtomically(std::span<const FileContent>(&copy, 1));
+    std::fclose(in);
+    if (readFailed) failure.file = source;
+    return failure;
 }
 
 std::vector<fs::path> findInterruptedSaves(const fs::path& target) {

@@ -4,12 +4,65 @@
 
 #include "base/utf8_path.h"
 
+#include "session/sound_edits.h"
 #include "sound/sound_preview.h"
 
 #include <limits>
 #include <ostream>
 
 namespace torquil::cli {
+
+namespace {
+
+void registerSoundImportCommand(CLI::App& app, Context& ctx) {
+    struct Args {
+        CommonOptions common;
+        std::string style, file;
+        int number = 0;
+    };
+    auto args = std::make_shared<Args>();
+    CLI::App* cmd = app.add_subcommand(
+        "sound-import",
+        "Replace sound N of the level's bank (audio/LEVEL00n.SDT and .RAW beside STYLE) with the\n"
+        "recording FILE (WAV, FLAC or Ogg, read by libsndfile): mixed to mono, converted to the\n"
+        "bank's unsigned 8-bit samples, at the recording's own rate (the record keeps it). The\n"
+        "samples are added at the end of the RAW file and the record points at them; every\n"
+        "other sound stays where it was. Both files are kept once as .bak, then written\n"
+        "together (both or neither). N runs from 1 to the bank's record count (0 is the table's\n"
+        "empty record). Exit status: 0 replaced, 1 no bank, out of range or refused, 2 usage.");
+    args->common.addTo(*cmd);
+    cmd->add_option("STYLE", args->style, "The style file (its name gives the level)")->required();
+    cmd->add_option("N", args->number, "Sound number")->required();
+    cmd->add_option("FILE", args->file, "The recording")->required();
+    cmd->callback([args, &ctx] {
+        const auto style = std::filesystem::absolute(argumentPath(args->style));
+        if (!std::filesystem::is_regular_file(style))
+            throw CLI::ValidationError("STYLE", "File does not exist: " + args->style);
+        auto platform = makePlatform(ctx, args->common);
+        if (!soundFilesSupported()) {
+            platform->message(soundFilesOffReason());
+            ctx.exitCode = kExitFailed;
+            return;
+        }
+        AppOptions options = makeAppOptions(ctx, args->common);
+        StyleSession session(options);
+        prepareStyle(session.style, style, kLoadSprites);
+        const auto file = std::filesystem::absolute(argumentPath(args->file));
+        const SoundImportOutcome outcome = importSound(session, *platform, args->number, file);
+        if (outcome == SoundImportOutcome::NoBank)
+            ctx.err << "sound-import: no sound bank: " << utf8Of(sdtFilePath(session)) << " or "
+                    << utf8Of(rawFilePath(session)) << " is missing\n";
+        if (outcome == SoundImportOutcome::Done) {
+            const SoundReplacement& done = session.soundHistory.steps.back();
+            ctx.out << "sound " << args->number << " replaced: " << done.after.length
+                    << " samples at " << done.after.rate << " per second from " << utf8Of(file)
+                    << "\n";
+        }
+        ctx.exitCode = outcome == SoundImportOutcome::Done ? kExitOk : kExitFailed;
+    });
+}
+
+} // namespace
 
 void registerSoundCommand(CLI::App& app, Context& ctx) {
     struct Args {
@@ -19,6 +72,7 @@ void registerSoundCommand(CLI::App& app, Context& ctx) {
         double rate = 1.0;
         int repeat = 1;
         bool play = false;
+        bool exact = false;
     };
     auto args = std::make_shared<Args>();
     CLI::App* cmd = app.add_subcommand(
@@ -28,6 +82,10 @@ void registerSoundCommand(CLI::App& app, Context& ctx) {
         "bank's record count - 1; the bank's last record cannot be played. Limits: --repeat 1 to\n"
         "100, --rate 0.01 to 100, the WAV's rate 1 to 1000000 samples per second and its sound\n"
         "at most 64 MB; the record must lie inside the RAW file. Nothing is written otherwise.\n"
+        "The play buttons' copy starts one byte before the record (so the bank's first record,\n"
+        "at offset 0, cannot be played); --exact writes the record's own bytes, as the game\n"
+        "reads them, the bank's last record included. The RAW file is read a piece at a time,\n"
+        "whatever its size.\n"
         "Exit status: 0 done, 1 no bank, out of range or failed, 2 usage error.");
     args->common.addTo(*cmd);
     constexpr int kMax16 = std::numeric_limits<std::int16_t>::max();
@@ -43,6 +101,9 @@ void registerSoundCommand(CLI::App& app, Context& ctx) {
         ->check(CLI::Range(1, kMaxRepeatCount));
     cmd->add_option("-o,--output", args->output, "Write the WAV here");
     cmd->add_flag("--play", args->play, "Play it through the system's sound player");
+    cmd->add_flag("--exact", args->exact,
+                  "With -o: the record's own bytes as the game reads them, not the play "
+                  "buttons' copy that starts one byte early");
     cmd->callback([args, &ctx] {
         if (args->output.empty() && !args->play)
             throw CLI::ValidationError("sound", "give -o WAV, --play, or both");
@@ -61,7 +122,8 @@ void registerSoundCommand(CLI::App& app, Context& ctx) {
         SoundOutcome outcome = SoundOutcome::Done;
         if (!args->output.empty())
             outcome = writeSoundWav(session, *platform, number, args->rate, repeat,
-                                    std::filesystem::absolute(argumentPath(args->output)));
+                                    std::filesystem::absolute(argumentPath(args->output)),
+                                    args->exact ? SoundReading::AsStored : SoundReading::Preview);
         if (outcome == SoundOutcome::Done && args->play)
             outcome = playSound(session, *platform, number, args->rate, repeat);
         if (outcome == SoundOutcome::Done && args->play && !platform->playbackError().empty()) {
@@ -73,6 +135,7 @@ void registerSoundCommand(CLI::App& app, Context& ctx) {
                     << utf8Of(rawFilePath(session)) << " is missing\n";
         ctx.exitCode = outcome == SoundOutcome::Done ? kExitOk : kExitFailed;
     });
+    registerSoundImportCommand(app, ctx);
 }
 
 } // namespace torquil::cli
