@@ -22,6 +22,7 @@ class QScrollBar;
 class QTabWidget;
 class QTimer;
 class QGroupBox;
+class QTreeWidget;
 
 namespace torquil {
 
@@ -69,6 +70,11 @@ public:
     QLabel* soundStateLabel() const { return soundState_; }
     // Asks where Save as WAV writes (a file dialog unless replaced); empty: cancelled.
     std::function<QString(const QString& suggested)> askWavPath;
+    // Asks for the recording that replaces a sound (a file dialog unless replaced); empty:
+    // cancelled.
+    std::function<QString()> askRecordingPath;
+    // The sound page's list of the bank: one row per sound, its number in column 0.
+    QTreeWidget* soundList() const { return soundList_; }
 
     // The line under the pages that describes the focused box and reports its clamps and
     // refusals (the limits' reports are shown here, never in a message box).
@@ -121,6 +127,13 @@ private:
     int soundNumberOfBox(int index) const;
     void refreshSoundState();
 
+    // The sound page's list of the bank and sound replacement (car_info_form_sound.cpp).
+    QWidget* buildSoundBankBox(QWidget* parent);
+    void refreshSoundList();
+    int listedSound() const; // the sound selected in the list, -1 when none
+    void replaceSound(int sound);
+    void undoOrRedoSoundReplace(bool undo);
+
     // The door page (car_info_form_doors.cpp).
     void showDoor(int door);
     void doorMovedTo(int rpx, int rpy);
@@ -149,6 +162,9 @@ private:
 
     QTabWidget* tabs_ = nullptr;
     QLabel* soundState_ = nullptr;
+    QTreeWidget* soundList_ = nullptr;
+    QPushButton* cmdUndoSound_ = nullptr;
+    QPushButton* cmdRedoSound_ = nullptr;
     std::array<QLineEdit*, kCarFieldCount> boxes_{};
     std::array<QLabel*, kCarFieldCount> labels_{};
     std::array<QPushButton*, PageCount> helpButtons_{};

@@ -252,11 +252,19 @@ QWidget* CarInfoForm::buildSoundPage() {
             connect(save, &QPushButton::clicked, this,
                     [this, index, repeat] { saveSoundOfBox(index, repeat); });
             grid->addWidget(save, row, 3);
+            auto* replace = new QPushButton("Replace...", widget);
+            replace->setObjectName(QString("cmdReplaceSound_%1").arg(button - 1));
+            replace->setAutoDefault(false);
+            replace->setToolTip("Replaces the sound number in the box with a recording (WAV, "
+                                "FLAC, Ogg) and saves the level's sound bank");
+            connect(replace, &QPushButton::clicked, this,
+                    [this, index] { replaceSound(soundNumberOfBox(index)); });
+            grid->addWidget(replace, row, 4);
         }
     }
-    grid->setColumnStretch(4, 1);
-    grid->setRowStretch(5, 1);
-    layout->addLayout(grid, 1);
+    grid->setColumnStretch(5, 1);
+    layout->addLayout(grid);
+    layout->addWidget(buildSoundBankBox(widget), 1);
     soundState_ = new QLabel(widget);
     soundState_->setObjectName("lblSoundState");
     soundState_->setWordWrap(true);

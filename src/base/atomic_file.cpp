@@ -75,10 +75,11 @@ public:
     SideFile& operator=(const SideFile&) = delete;
     ~SideFile() { discard(); }
 
-    // Writes the side file of `target` (already resolved) named by `tag`; it takes the mode,
-    // owner and group of `like` when that file exists. `step` names the step that failed.
-    std::error_code write(const fs::path& target, std::span<const std::uint8_t> bytes,
-                          const std::string& tag, const fs::path& like, std::string_view& step);
+    // Writes the side file of `target` (already resolved) named by `tag`, from the content's
+    // bytes or piece by piece from its source; it takes the mode, owner and group of `like` when
+    // that file exists. `step` names the step that failed.
+    std::error_code write(const fs::path& target, const FileContent& content, const std::string& tag,
+                          const fs::path& like, std::string_view& step);
     std::error_code replaceTarget();
     // Once complete and on the disk the side file takes its ".~done" name, so that a leftover
     // tells whether it is whole.
@@ -98,7 +99,7 @@ private:
 };
 
 #ifdef _WIN32
-std::error_code SideFile::write(const fs::path& target, std::span<const std::uint8_t> bytes,
+std::error_code SideFile::write(const fs::path& target, const FileContent& content,
                                 const std::string& tag, const fs::path&, std::string_view& step) {
     target_ = target;
     step = "create";
@@ -110,12 +111,17 @@ std::error_code SideFile::write(const fs::path& target, std::span<const std::uin
     path_ = side;
     step = "write";
     std::error_code ec = injected("write", target);
-    for (std::size_t done = 0; !ec && done < bytes.size();) {
-        const DWORD want = static_cast<DWORD>(std::min<std::size_t>(bytes.size() - done, 1u << 30));
-        DWORD put = 0;
-        if (!WriteFile(h, bytes.data() + done, want, &put, nullptr)) ec = lastSystemError();
-        done += put;
-    }
+    const ContentWriter put = [h](std::span<const std::uint8_t> bytes) {
+        for (std::size_t done = 0; done < bytes.size();) {
+            const DWORD want =
+                static_cast<DWORD>(std::min<std::size_t>(bytes.size() - done, 1u << 30));
+            DWORD wrote = 0;
+            if (!WriteFile(h, bytes.data() + done, want, &wrote, nullptr)) return lastSystemError();
+            done += wrote;
+        }
+        return std::error_code{};
+    };
+    if (!ec) ec = content.source ? content.source(put) : put(content.bytes);
     if (!ec) {
         step = "flush";
         ec = injected("flush", target);
@@ -151,7 +157,7 @@ std::error_code keepOwnerAndMode(int fd, const fs::path& like, std::string_view&
     return {};
 }
 
-std::error_code SideFile::write(const fs::path& target, std::span<const std::uint8_t> bytes,
+std::error_code SideFile::write(const fs::path& target, const FileContent& content,
                                 const std::string& tag, const fs::path& like,
                                 std::string_view& step) {
     target_ = target;
@@ -163,16 +169,19 @@ std::error_code SideFile::write(const fs::path& target, std::span<const std::uin
     path_ = side;
     step = "write";
     std::error_code ec = injected("write", target);
-    // One write for the whole file when the system takes it; a short write goes on from there.
-    for (std::size_t done = 0; !ec && done < bytes.size();) {
-        const ssize_t put = ::write(fd, bytes.data() + done, bytes.size() - done);
-        if (put < 0 && errno == EINTR) continue;
-        if (put <= 0) {
-            ec = put < 0 ? lastSystemError() : std::make_error_code(std::errc::no_space_on_device);
-            break;
+    // One write for each piece when the system takes it; a short write goes on from there.
+    const ContentWriter put = [fd](std::span<const std::uint8_t> bytes) {
+        for (std::size_t done = 0; done < bytes.size();) {
+            const ssize_t wrote = ::write(fd, bytes.data() + done, bytes.size() - done);
+            if (wrote < 0 && errno == EINTR) continue;
+            if (wrote <= 0)
+                return wrote < 0 ? lastSystemError()
+                                 : std::make_error_code(std::errc::no_space_on_device);
+            done += static_cast<std::size_t>(wrote);
         }
-        done += static_cast<std::size_t>(put);
-    }
+        return std::error_code{};
+    };
+    if (!ec) ec = content.source ? content.source(put) : put(content.bytes);
     if (!ec) ec = keepOwnerAndMode(fd, like, step);
     if (!ec) {
         step = "flush";
@@ -334,7 +343,7 @@ static bool isStream(const fs::path& target) {
     return !ec && fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
 }
 
-static std::error_code writeStream(const fs::path& target, std::span<const std::uint8_t> bytes) {
+static std::error_code writeStream(const fs::path& target, const FileContent& content) {
     std::FILE* out = nullptr;
 #ifdef _WIN32
     out = _wfopen(target.c_str(), L"wb");
@@ -342,8 +351,11 @@ static std::error_code writeStream(const fs::path& target, std::span<const std::
     out = std::fopen(target.c_str(), "wb");
 #endif
     if (!out) return lastSystemError();
-    const bool ok = std::fwrite(bytes.data(), 1, bytes.size(), out) == bytes.size();
-    std::error_code ec = ok ? std::error_code{} : lastSystemError();
+    const ContentWriter put = [out](std::span<const std::uint8_t> bytes) {
+        return std::fwrite(bytes.data(), 1, bytes.size(), out) == bytes.size() ? std::error_code{}
+                                                                               : lastSystemError();
+    };
+    std::error_code ec = content.source ? content.source(put) : put(content.bytes);
     if (std::fclose(out) != 0 && !ec) ec = lastSystemError();
     return ec;
 }
@@ -422,7 +434,7 @@ ReplaceFailure writeSides(std::span<const FileContent> files, const std::vector<
                           const std::string& tag) {
     for (std::size_t i = 0; i < files.size(); ++i) {
         std::string_view step;
-        if (auto ec = sides[i].write(targets[i], files[i].bytes, tag, like[i], step))
+        if (auto ec = sides[i].write(targets[i], files[i], tag, like[i], step))
             return {files[i].target, ec, 0, step};
     }
     return {};
@@ -435,7 +447,7 @@ ReplaceFailure replaceFilesAtomically(std::span<const FileContent> files) {
         if (isStream(f.target)) {
             if (files.size() != 1)
                 return {f.target, std::make_error_code(std::errc::invalid_argument)};
-            return {f.target, writeStream(f.target, f.bytes)};
+            return {f.target, writeStream(f.target, f)};
         }
     std::vector<fs::path> targets;
     for (const FileContent& f : files) targets.push_back(replacedFileOf(f.target));
@@ -491,25 +503,55 @@ std::string describeCause(const std::error_code& cause) {
 }
 
 ReplaceFailure copyFileAtomically(const fs::path& source, const fs::path& target) {
-    std::vector<std::uint8_t> bytes;
     std::error_code ec;
-    if (!readWholeFile(source, bytes))
+    std::FILE* in = nullptr;
+#ifdef _WIN32
+    in = _wfopen(source.c_str(), L"rb");
+#else
+    in = std::fopen(source.c_str(), "rb");
+#endif
+    if (!in)
         return {source, fs::exists(source, ec)
                             ? std::make_error_code(std::errc::io_error)
                             : std::make_error_code(std::errc::no_such_file_or_directory)};
-    if (isStream(target)) return {target, writeStream(target, bytes)};
-    const FileContent one{target, bytes};
+    if (isStream(target)) {
+        std::vector<std::uint8_t> bytes;
+        std::fclose(in);
+        if (!readWholeFile(source, bytes)) return {source, std::make_error_code(std::errc::io_error)};
+        const FileContent whole{target, bytes};
+        return {target, writeStream(target, whole)};
+    }
     const std::vector<fs::path> targets{replacedFileOf(target)};
-    if (isWriteProtected(targets[0], ec)) return {target, ec, 0, "create"};
+    if (isWriteProtected(targets[0], ec)) {
+        std::fclose(in);
+        return {target, ec, 0, "create"};
+    }
+    // Copied a piece at a time: a file of any size costs one piece of memory.
+    bool readFailed = false;
+    FileContent copy{target, {}};
+    copy.source = [&](const ContentWriter& write) -> std::error_code {
+        std::vector<std::uint8_t> piece(1u << 20);
+        for (;;) {
+            const std::size_t n = std::fread(piece.data(), 1, piece.size(), in);
+            if (n > 0)
+                if (auto failed = write(std::span<const std::uint8_t>(piece.data(), n)))
+                    return failed;
+            if (n < piece.size()) break;
+        }
+        readFailed = std::ferror(in) != 0;
+        return readFailed ? std::make_error_code(std::errc::io_error) : std::error_code{};
+    };
     // A new copy (a .bak) takes the mode and owner of its source; a copy over a file keeps the
     // file's own.
     const std::vector<fs::path> like{fs::exists(targets[0], ec) ? targets[0] : source};
     std::vector<SideFile> sides(1);
-    if (ReplaceFailure failure =
-            writeSides(std::span<const FileContent>(&one, 1), targets, like, sides, newRunTag()))
-        return failure;
-    if (auto e = sides[0].replaceTarget()) return {target, e, 0, "rename"};
-    return {};
+    ReplaceFailure failure =
+        writeSides(std::span<const FileContent>(&copy, 1), targets, like, sides, newRunTag());
+    if (!failure)
+        if (auto e = sides[0].replaceTarget()) failure = {target, e, 0, "rename"};
+    std::fclose(in);
+    if (readFailed) failure.file = source;
+    return failure;
 }
 
 namespace {

@@ -19,10 +19,18 @@ namespace torquil {
 // This process's id: it names the side files and temporaries of one run.
 [[nodiscard]] std::uint64_t processId();
 
-// One file of a replace: where it goes and its complete new content.
+// Hands one piece of a new file's content to the replace; a failed write's cause comes back.
+using ContentWriter = std::function<std::error_code(std::span<const std::uint8_t>)>;
+// Produces a new file's content piece by piece (a file too large to hold in memory): calls the
+// writer with each piece in order and returns the first error, its own or the writer's.
+using ContentSource = std::function<std::error_code(const ContentWriter&)>;
+
+// One file of a replace: where it goes and its complete new content, given whole (`bytes`) or,
+// when `source` is set, piece by piece.
 struct FileContent {
     std::filesystem::path target;
     std::span<const std::uint8_t> bytes;
+    ContentSource source = {};
 };
 
 // What a failed replace tells the user: which file, and the cause the system gave.

@@ -4,12 +4,65 @@
 
 #include "base/utf8_path.h"
 
+#include "session/sound_edits.h"
 #include "sound/sound_preview.h"
 
 #include <limits>
 #include <ostream>
 
 namespace torquil::cli {
+
+namespace {
+
+void registerSoundImportCommand(Command& app, Context& ctx) {
+    struct Args {
+        CommonOptions common;
+        std::string style, file;
+        int number = 0;
+    };
+    auto args = std::make_shared<Args>();
+    Command* cmd = app.addSubcommand(
+        "sound-import",
+        "Replace sound N of the level's bank (audio/LEVEL00n.SDT and .RAW beside STYLE) with the\n"
+        "recording FILE (WAV, FLAC or Ogg, read by libsndfile): mixed to mono, converted to the\n"
+        "bank's unsigned 8-bit samples, at the recording's own rate (the record keeps it). The\n"
+        "samples are added at the end of the RAW file and the record points at them; every\n"
+        "other sound stays where it was. Both files are kept once as .bak, then written\n"
+        "together (both or neither). N runs from 1 to the bank's record count (0 is the table's\n"
+        "empty record). Exit status: 0 replaced, 1 no bank, out of range or refused, 2 usage.");
+    args->common.addTo(*cmd);
+    cmd->addOption("STYLE", args->style, "The style file (its name gives the level)")->path()->required();
+    cmd->addOption("N", args->number, "Sound number")->required();
+    cmd->addOption("FILE", args->file, "The recording")->path()->required();
+    cmd->action([args, &ctx] {
+        const auto style = std::filesystem::absolute(argumentPath(args->style));
+        if (!std::filesystem::is_regular_file(style))
+            throw UsageError("STYLE", "File does not exist: " + args->style);
+        auto platform = makePlatform(ctx, args->common);
+        if (!soundFilesSupported()) {
+            platform->message(soundFilesOffReason());
+            ctx.exitCode = kExitFailed;
+            return;
+        }
+        AppOptions options = makeAppOptions(ctx, args->common);
+        StyleSession session(options);
+        prepareStyle(session.style, style, kLoadSprites);
+        const auto file = std::filesystem::absolute(argumentPath(args->file));
+        const SoundImportOutcome outcome = importSound(session, *platform, args->number, file);
+        if (outcome == SoundImportOutcome::NoBank)
+            ctx.err << "sound-import: no sound bank: " << utf8Of(sdtFilePath(session)) << " or "
+                    << utf8Of(rawFilePath(session)) << " is missing\n";
+        if (outcome == SoundImportOutcome::Done) {
+            const SoundReplacement& done = session.soundHistory.steps.back();
+            ctx.out << "sound " << args->number << " replaced: " << done.after.length
+                    << " samples at " << done.after.rate << " per second from " << utf8Of(file)
+                    << "\n";
+        }
+        ctx.exitCode = outcome == SoundImportOutcome::Done ? kExitOk : kExitFailed;
+    });
+}
+
+} // namespace
 
 void registerSoundCommand(Command& app, Context& ctx) {
     struct Args {
@@ -19,6 +72,7 @@ void registerSoundCommand(Command& app, Context& ctx) {
         double rate = 1.0;
         int repeat = 1;
         bool play = false;
+        bool exact = false;
     };
     auto args = std::make_shared<Args>();
     Command* cmd = app.addSubcommand(
@@ -28,20 +82,28 @@ void registerSoundCommand(Command& app, Context& ctx) {
         "bank's record count - 1; the bank's last record cannot be played. Limits: --repeat 1 to\n"
         "100, --rate 0.01 to 100, the WAV's rate 1 to 1000000 samples per second and its sound\n"
         "at most 64 MB; the record must lie inside the RAW file. Nothing is written otherwise.\n"
+        "The play buttons' copy starts one byte before the record (so the bank's first record,\n"
+        "at offset 0, cannot be played); --exact writes the record's own bytes, as the game\n"
+        "reads them, the bank's last record included. The RAW file is read a piece at a time,\n"
+        "whatever its size.\n"
         "Exit status: 0 done, 1 no bank, out of range or failed, 2 usage error.");
     args->common.addTo(*cmd);
     constexpr int kMax16 = std::numeric_limits<std::int16_t>::max();
-    cmd->addOption("STYLE", args->style, "The style file (its name gives the level)")
-        ->path()
-        ->required();
-    cmd->addOption("N", args->number, "Sound number")->required()->inRange(-kMax16 - 1, kMax16);
-    cmd->addOption("--rate", args->rate, "Multiplier of the sample's rate, 0.01 to 100 (default 1)")
+    cmd->addOption("STYLE", args->style, "The style file (its name gives the level)")->path()->required();
+    cmd->addOption("N", args->number, "Sound number")
+        ->required()
+        ->inRange(-kMax16 - 1, kMax16);
+    cmd->addOption("--rate", args->rate,
+                    "Multiplier of the sample's rate, 0.01 to 100 (default 1)")
         ->inRange(kMinRateMultiplier, kMaxRateMultiplier);
     cmd->addOption("--repeat", args->repeat,
-                   "How many times the sample plays, 1 to 100 (default 1)")
+                    "How many times the sample plays, 1 to 100 (default 1)")
         ->inRange(1, kMaxRepeatCount);
     cmd->addOption("-o,--output", args->output, "Write the WAV here")->path();
     cmd->addFlag("--play", args->play, "Play it through the system's sound player");
+    cmd->addFlag("--exact", args->exact,
+                  "With -o: the record's own bytes as the game reads them, not the play "
+                  "buttons' copy that starts one byte early");
     cmd->action([args, &ctx] {
         if (args->output.empty() && !args->play)
             throw UsageError("sound", "give -o WAV, --play, or both");
@@ -61,7 +123,8 @@ void registerSoundCommand(Command& app, Context& ctx) {
         if (!args->output.empty() && refuseOutput(ctx, "sound", output, levelFiles(style))) return;
         SoundOutcome outcome = SoundOutcome::Done;
         if (!args->output.empty())
-            outcome = writeSoundWav(session, *platform, number, args->rate, repeat, output);
+            outcome = writeSoundWav(session, *platform, number, args->rate, repeat, output,
+                                    args->exact ? SoundReading::AsStored : SoundReading::Preview);
         if (outcome == SoundOutcome::Done && args->play)
             outcome = playSound(session, *platform, number, args->rate, repeat);
         if (outcome == SoundOutcome::Done && args->play && !platform->playbackError().empty()) {
@@ -73,6 +136,7 @@ void registerSoundCommand(Command& app, Context& ctx) {
                     << utf8Of(rawFilePath(session)) << " is missing\n";
         ctx.exitCode = outcome == SoundOutcome::Done ? kExitOk : kExitFailed;
     });
+    registerSoundImportCommand(app, ctx);
 }
 
 } // namespace torquil::cli

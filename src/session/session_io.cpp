@@ -192,9 +192,9 @@ bool loadSDT(const StyleSession& s, SoundTable& table) {
 
 SoundOutcome writeSoundWav(StyleSession& s, Platform& platform, std::int16_t soundNumber,
                            double rateMultiplier, std::int16_t repeatCount,
-                           const std::filesystem::path& wav) {
+                           const std::filesystem::path& wav, SoundReading reading) {
     FormatContext ctx = formatContext(s, platform);
-    return writeSoundWav(s.style, ctx, soundNumber, rateMultiplier, repeatCount, wav);
+    return writeSoundWav(s.style, ctx, soundNumber, rateMultiplier, repeatCount, wav, reading);
 }
 
 SoundOutcome playSound(StyleSession& s, Platform& platform, std::int16_t soundNumber,

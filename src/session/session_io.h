@@ -112,7 +112,8 @@ std::filesystem::path exportSprite(StyleSession& session, Platform& platform);
 [[nodiscard]] bool loadSDT(const StyleSession& session, SoundTable& table);
 SoundOutcome writeSoundWav(StyleSession& session, Platform& platform, std::int16_t soundNumber,
                            double rateMultiplier, std::int16_t repeatCount,
-                           const std::filesystem::path& wav);
+                           const std::filesystem::path& wav,
+                           SoundReading reading = SoundReading::Preview);
 SoundOutcome playSound(StyleSession& session, Platform& platform, std::int16_t soundNumber,
                        double rateMultiplier, std::int16_t repeatCount);
 

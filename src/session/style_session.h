@@ -7,6 +7,7 @@
 #include "cars/car_info.h"
 #include "cars/car_names.h"
 #include "session/edit_history.h"
+#include "session/sound_history.h"
 #include "sprites/colour_tables.h"
 #include "sprites/delta_table.h"
 #include "sprites/selection.h"
@@ -40,6 +41,9 @@ public:
     std::string stepText; // the step in progress, quoted by the failure messages
     std::string caption;  // the window caption after a successful load
     EditHistory history;  // undo and redo of this file's edits
+
+    // Sounds of the level's bank replaced in this session, for the sound page's undo and redo.
+    SoundHistory soundHistory;
 
     // The currently selected sprite record, or nullptr.
     const SpriteRec* selectedSprite() const;

@@ -4,6 +4,9 @@
 #include "base/work_dir.h"
 #include "style/style_file.h"
 
+#include <algorithm>
+
+#include <fstream>
 #include <string>
 
 namespace torquil {
@@ -12,7 +15,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int kSdtRecordSize = 12;
 
 fs::path bankFile(const StyleFileState& style, const char* extension) {
     const fs::path audio = findFileNoCase(style.dataFolder(), "audio");
@@ -27,6 +29,24 @@ fs::path sdtFilePath(const StyleFileState& style) {
 }
 fs::path rawFilePath(const StyleFileState& style) {
     return bankFile(style, ".RAW");
+}
+
+std::error_code copyRawRange(const fs::path& raw, std::int64_t start, std::int64_t length,
+                             const ContentWriter& write) {
+    std::ifstream in(raw, std::ios::binary);
+    if (!in) return std::make_error_code(std::errc::no_such_file_or_directory);
+    in.seekg(static_cast<std::streamoff>(start));
+    std::vector<std::uint8_t> piece(static_cast<std::size_t>(
+        std::min<std::int64_t>(length, static_cast<std::int64_t>(kRawPiece))));
+    for (std::int64_t left = length; left > 0;) {
+        const auto n = static_cast<std::size_t>(std::min<std::int64_t>(left, kRawPiece));
+        in.read(reinterpret_cast<char*>(piece.data()), static_cast<std::streamsize>(n));
+        if (static_cast<std::size_t>(in.gcount()) != n)
+            return std::make_error_code(std::errc::io_error);
+        if (auto ec = write(std::span<const std::uint8_t>(piece.data(), n))) return ec;
+        left -= static_cast<std::int64_t>(n);
+    }
+    return {};
 }
 
 bool loadSDT(const StyleFileState& style, SoundTable& table) {

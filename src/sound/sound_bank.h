@@ -3,11 +3,17 @@
 // no header), and LEVEL00n.RAW with the unsigned 8-bit mono samples it points into. Both lie in
 // "audio" beside the style file.
 
+#include "base/atomic_file.h"
+
 #include <cstdint>
 #include <filesystem>
+#include <system_error>
 #include <vector>
 
 namespace torquil {
+
+// An SDT record: offset, length and rate, three 32-bit numbers.
+inline constexpr int kSdtRecordSize = 12;
 
 struct StyleFileState;
 
@@ -27,6 +33,15 @@ struct SoundTable {
 // The bank's files for a style (found ignoring case); the names as they would be when missing.
 [[nodiscard]] std::filesystem::path sdtFilePath(const StyleFileState& style);
 [[nodiscard]] std::filesystem::path rawFilePath(const StyleFileState& style);
+
+// Size in bytes of the pieces in which a RAW file is read and written: a bank of any size costs
+// one piece of memory.
+inline constexpr std::size_t kRawPiece = 1u << 20;
+
+// Hands `length` bytes of the RAW file from the 0-based byte `start` to `write`, one piece at a
+// time. The range must lie inside the file (an input/output error otherwise).
+[[nodiscard]] std::error_code copyRawRange(const std::filesystem::path& raw, std::int64_t start,
+                                           std::int64_t length, const ContentWriter& write);
 
 // Reads the table afresh. False, silently, when the SDT or the RAW file is missing (the table
 // then holds only its zero record).

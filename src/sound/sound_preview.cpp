@@ -30,10 +30,11 @@ void putTag(std::uint8_t* p, const char* tag) {
 }
 
 SoundOutcome checkNumber(const StyleFileState& style, Platform& platform, std::int16_t soundNumber,
-                         SoundTable& table) {
+                         SoundTable& table, SoundReading reading) {
     if (!loadSDT(style, table)) return SoundOutcome::NoBank;
-    // The table's last record can never be played.
-    if (soundNumber < 0 || soundNumber > table.lastIndex() - 1) {
+    // The preview can never play the table's last record; the game reads it.
+    const int last = reading == SoundReading::Preview ? table.lastIndex() - 1 : table.lastIndex();
+    if (soundNumber < 0 || soundNumber > last) {
         platform.message("Sound is out of range.");
         return SoundOutcome::OutOfRange;
     }
@@ -61,24 +62,24 @@ std::string previewLimitProblem(const SdtRecord& record, double rateMultiplier, 
 
 enum class WavWrite { Written, Refused, Failed };
 
-// Expects no pending error (the callers start a fresh scope).
+// Expects no pending error (the callers start a fresh scope). On Failed, `cause` says why in the
+// user's words.
 WavWrite writeWavFile(ErrorState& errors, Platform& platform, const SoundTable& table,
                       std::int16_t soundNumber, double rateMultiplier, std::int16_t repeatCount,
-                      const fs::path& path) {
+                      const fs::path& path, SoundReading reading, std::string& cause) {
     const SdtRecord& record = table.SDT[static_cast<std::size_t>(soundNumber)];
-    std::vector<std::uint8_t> raw;
-    if (!readWholeFile(table.rawPath, raw)) {
+    std::error_code sized;
+    const auto rawSize = static_cast<std::int64_t>(fs::file_size(table.rawPath, sized));
+    if (sized) {
         errors.raise(err::PathFileAccess, table.rawPath.string());
+        cause = table.rawPath.string() + " could not be read: " + describeCause(sized) + ".";
         return WavWrite::Failed;
     }
     const auto header = wavHeader(errors, record, rateMultiplier, repeatCount);
     if (errors.hasPending()) return WavWrite::Failed;
-    // With the one-byte shift the first byte copied is at 0-based offset - 1 and the last at
-    // offset + length - 2, so an offset of 0 is a bad record number.
-    if (record.offset < 1 || record.length < 0 ||
-        std::int64_t{record.offset} + record.length - 1 > static_cast<std::int64_t>(raw.size())) {
-        errors.raise(err::BadRecordNumber, "sound " + std::to_string(soundNumber) +
-                                               " lies outside " + table.rawPath.string());
+    cause = recordProblem(table, soundNumber, rawSize, reading);
+    if (!cause.empty()) {
+        errors.raise(err::BadRecordNumber, cause);
         return WavWrite::Failed;
     }
     const std::string problem =
@@ -88,13 +89,16 @@ WavWrite writeWavFile(ErrorState& errors, Platform& platform, const SoundTable& 
         return WavWrite::Refused;
     }
 
-    // The sample is read from the 1-based position `offset`: the bank's records are read that
-    // way by the preview.
-    std::vector<std::uint8_t> wav(header.begin(), header.end());
-    wav.reserve(wav.size() + static_cast<std::size_t>(record.length) * repeatCount);
-    const auto first = raw.begin() + (record.offset - 1);
-    for (int i = 0; i < repeatCount; ++i) wav.insert(wav.end(), first, first + record.length);
-    if (const ReplaceFailure failure = replaceFileAtomically(path, wav)) {
+    // The preview copies from the 1-based position `offset`, one byte before the record.
+    const std::int64_t first = reading == SoundReading::Preview ? record.offset - 1 : record.offset;
+    FileContent wav{path, {}};
+    wav.source = [&](const ContentWriter& write) -> std::error_code {
+        if (auto ec = write(header)) return ec;
+        for (int i = 0; i < repeatCount; ++i)
+            if (auto ec = copyRawRange(table.rawPath, first, record.length, write)) return ec;
+        return {};
+    };
+    if (const ReplaceFailure failure = replaceFilesAtomically(std::span(&wav, 1))) {
         platform.message("The sound could not be written to " + path.string() + ": " +
                          describeCause(failure.cause) + ".");
         return WavWrite::Refused;
@@ -102,9 +106,12 @@ WavWrite writeWavFile(ErrorState& errors, Platform& platform, const SoundTable& 
     return WavWrite::Written;
 }
 
-void reportGeneralError(const ErrorState& errors, Platform& platform) {
-    platform.message("Run-time error '" + std::to_string(errors.pending()) + "':\r" +
-                     errorDescription(errors.pending()));
+// The specified text, then the cause on a line of its own.
+void reportGeneralError(const ErrorState& errors, Platform& platform, const std::string& cause) {
+    std::string text = "Run-time error '" + std::to_string(errors.pending()) + "':\r" +
+                       errorDescription(errors.pending());
+    if (!cause.empty()) text += "\r" + cause;
+    platform.message(text);
 }
 
 // Removes the temporary WAV on every way out, an exception included.
@@ -151,17 +158,46 @@ std::array<std::uint8_t, kWavHeaderSize> wavHeader(ErrorState& errors, const Sdt
     return h;
 }
 
+std::string recordProblem(const SoundTable& table, int soundNumber, std::int64_t rawSize,
+                          SoundReading reading) {
+    const SdtRecord& record = table.SDT.at(static_cast<std::size_t>(soundNumber));
+    const std::string sound = "Sound " + std::to_string(soundNumber);
+    const std::string raw = table.rawPath.filename().string();
+    if (soundNumber == 0)
+        return "Sound 0 is the table's empty record, placed before the first record of " +
+               table.sdtPath.filename().string() +
+               ": it holds no sound. The bank's sounds are numbered from 1.";
+    if (record.offset < 0 || record.length < 0)
+        return sound + " has a negative offset (" + std::to_string(record.offset) +
+               ") or length (" + std::to_string(record.length) + ") in " +
+               table.sdtPath.filename().string() + ".";
+    // The preview's one-byte shift: it starts one byte before the record, so a record at the
+    // file's first byte has no byte to start from.
+    const std::int64_t first = reading == SoundReading::Preview ? record.offset - 1 : record.offset;
+    if (first < 0)
+        return sound + " starts at the first byte of " + raw +
+               ": the preview reads a sound from one byte before its recorded start, and there "
+               "is no byte before the file's first. The game plays it; torquil-cli sound with "
+               "--exact writes it as the game reads it.";
+    if (first + record.length > rawSize)
+        return sound + " (offset " + std::to_string(record.offset) + ", length " +
+               std::to_string(record.length) + ") reaches past the end of " + raw + " (" +
+               std::to_string(rawSize) + " bytes): the bank's two files do not belong together.";
+    return {};
+}
+
 SoundOutcome writeSoundWav(const StyleFileState& style, FormatContext& ctx,
                            std::int16_t soundNumber, double rateMultiplier,
-                           std::int16_t repeatCount, const fs::path& wav) {
+                           std::int16_t repeatCount, const fs::path& wav, SoundReading reading) {
     Platform& platform = ctx.platform;
     BusyCursor busy(platform);
     SoundTable table;
-    const SoundOutcome checked = checkNumber(style, platform, soundNumber, table);
+    const SoundOutcome checked = checkNumber(style, platform, soundNumber, table, reading);
     if (checked != SoundOutcome::Done) return checked;
     const PendingErrorScope fresh(ctx.errors);
-    switch (
-        writeWavFile(ctx.errors, platform, table, soundNumber, rateMultiplier, repeatCount, wav)) {
+    std::string cause;
+    switch (writeWavFile(ctx.errors, platform, table, soundNumber, rateMultiplier, repeatCount, wav,
+                         reading, cause)) {
     case WavWrite::Written:
         return SoundOutcome::Done;
     case WavWrite::Refused:
@@ -169,7 +205,7 @@ SoundOutcome writeSoundWav(const StyleFileState& style, FormatContext& ctx,
     case WavWrite::Failed:
         break;
     }
-    reportGeneralError(ctx.errors, platform);
+    reportGeneralError(ctx.errors, platform, cause);
     return SoundOutcome::Failed;
 }
 
@@ -178,7 +214,8 @@ SoundOutcome playSound(const StyleFileState& style, FormatContext& ctx, std::int
     Platform& platform = ctx.platform;
     BusyCursor busy(platform);
     SoundTable table;
-    const SoundOutcome checked = checkNumber(style, platform, soundNumber, table);
+    const SoundOutcome checked =
+        checkNumber(style, platform, soundNumber, table, SoundReading::Preview);
     if (checked != SoundOutcome::Done) return checked;
     // A folder of this run's own, so two runs playing the same sound never share the file.
     const fs::path folder = ctx.options.workPath("~run" + std::to_string(processId()));
@@ -187,14 +224,15 @@ SoundOutcome playSound(const StyleFileState& style, FormatContext& ctx, std::int
     const fs::path wav = folder / ("~tmp" + std::to_string(soundNumber) + ".wav");
     TemporaryFile cleanupFolder(folder), cleanup(wav); // the file goes first, then its folder
     const PendingErrorScope fresh(ctx.errors);
-    switch (
-        writeWavFile(ctx.errors, platform, table, soundNumber, rateMultiplier, repeatCount, wav)) {
+    std::string cause;
+    switch (writeWavFile(ctx.errors, platform, table, soundNumber, rateMultiplier, repeatCount, wav,
+                         SoundReading::Preview, cause)) {
     case WavWrite::Written:
         break;
     case WavWrite::Refused:
         return SoundOutcome::Failed;
     case WavWrite::Failed:
-        reportGeneralError(ctx.errors, platform);
+        reportGeneralError(ctx.errors, platform, cause);
         return SoundOutcome::Failed;
     }
     platform.sound().playWavSync(wav);

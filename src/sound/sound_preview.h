@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <string>
 
 namespace torquil {
 
@@ -24,6 +25,10 @@ inline constexpr double kMinRateMultiplier = 0.01, kMaxRateMultiplier = 100.0;
 inline constexpr std::int64_t kMinWavRate = 1, kMaxWavRate = 1'000'000;
 inline constexpr std::int64_t kMaxWavData = 64LL * 1024 * 1024;
 
+// How a record's bytes are cut out of the RAW file. The preview starts one byte before the
+// recorded offset (a record at offset 0 cannot be previewed); the game reads the record itself.
+enum class SoundReading { Preview, AsStored };
+
 enum class SoundOutcome {
     NoBank,     // the SDT or RAW file is missing: nothing happens, nothing is said
     OutOfRange, // "Sound is out of range."
@@ -36,12 +41,20 @@ enum class SoundOutcome {
 std::array<std::uint8_t, kWavHeaderSize> wavHeader(ErrorState& errors, const SdtRecord& record,
                                                    double rateMultiplier, int repeatCount);
 
-// Writes the WAV that playSound plays for `soundNumber` to `wav`, without playing it. The record
-// is checked against the RAW file and the limits first; the WAV is built in memory and written
-// whole in one replace, so a failed WAV never stays on the disk.
+// Writes the WAV that playSound plays for `soundNumber` to `wav`, without playing it (AsStored:
+// the record's own bytes, as the game reads them). The record is checked against the RAW file's
+// length and the limits before anything is written; the sample is then read from the RAW a piece
+// at a time into one replace, so a bank of any size costs little memory and a failed WAV never
+// stays on the disk.
 SoundOutcome writeSoundWav(const StyleFileState& style, FormatContext& ctx,
                            std::int16_t soundNumber, double rateMultiplier,
-                           std::int16_t repeatCount, const std::filesystem::path& wav);
+                           std::int16_t repeatCount, const std::filesystem::path& wav,
+                           SoundReading reading = SoundReading::Preview);
+
+// Why record `soundNumber` cannot be cut out of a RAW file of `rawSize` bytes (the run-time error
+// "Bad record number" then), in words for the user; empty when it can.
+std::string recordProblem(const SoundTable& table, int soundNumber, std::int64_t rawSize,
+                          SoundReading reading);
 
 // Plays sound `soundNumber` of the bank: the table is read afresh, the WAV goes to
 // "~tmp" + number + ".wav" in a folder of the run's own in the work directory, is played to its end

@@ -3,8 +3,8 @@
 
 #include "base/binary_file.h"
 #include "cli_runner.h"
-#include "platform/console_platform.h"
 #include "fake_platform.h"
+#include "platform/console_platform.h"
 #include "session/load_sequence.h"
 #include "session/session_io.h"
 #include "style_builder.h"
@@ -116,10 +116,44 @@ TEST_F(SoundFixture, NumbersUpToTheLastIndexMinusOneAreInRange) {
         EXPECT_EQ(messages(), std::vector<std::string>{"Sound is out of range."}) << n;
     }
     // Number 0 is in range but is the empty record at offset 0: positioning at 0 is a bad
-    // record number, reported as the general error.
+    // record number, reported as the general error with what the record is beside it.
     platform.shownMessages.clear();
     EXPECT_EQ(writeSoundWav(*session, platform, 0, 1.0, 1, wav), SoundOutcome::Failed);
-    EXPECT_EQ(messages(), std::vector<std::string>{"Run-time error '63':\rBad record number"});
+    ASSERT_EQ(messages().size(), 1u);
+    EXPECT_EQ(messages()[0],
+              "Run-time error '63':\rBad record number\rSound 0 is the table's empty record, "
+              "placed before the first record of Level001.sdt: it holds no sound. The bank's "
+              "sounds are numbered from 1.");
+}
+
+// As the game's banks are laid out: the file's first record (sound 1) starts at byte 0, which
+// the preview's one-byte shift cannot read; the game reads it, and so does --exact.
+TEST_F(SoundFixture, TheFirstRecordAtOffsetZeroSaysWhyOnlyThePreviewCannotPlayIt) {
+    bank({{0, 4, 22050}, {4, 3, 11025}, {7, 2, 22050}});
+    const auto wav = dir / "first.wav";
+    EXPECT_EQ(writeSoundWav(*session, platform, 1, 1.0, 1, wav), SoundOutcome::Failed);
+    ASSERT_EQ(messages().size(), 1u);
+    EXPECT_EQ(messages()[0].rfind("Run-time error '63':\rBad record number\rSound 1 starts at the "
+                                  "first byte of LEVEL001.raw: the preview reads a sound from one "
+                                  "byte before its recorded start",
+                                  0),
+              0u)
+        << messages()[0];
+    EXPECT_FALSE(std::filesystem::exists(wav));
+
+    EXPECT_EQ(writeSoundWav(*session, platform, 1, 1.0, 1, wav, SoundReading::AsStored),
+              SoundOutcome::Done);
+    const auto f = tb::readFile(wav);
+    EXPECT_EQ(std::vector<std::uint8_t>(f.begin() + 44, f.end()),
+              (std::vector<std::uint8_t>{100, 101, 102, 103}));
+    // The command line says the same, the cause on the line after the specified text.
+    tb::writeFile(dir / "STYLE001.G24", {0});
+    const auto run = tb::runCli(
+        {"sound", (dir / "STYLE001.G24").string(), "1", "-o", (dir / "cli.wav").string()});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(
+        tb::contains(run.err, "Bad record number\nmessage: Sound 1 starts at the first byte"))
+        << run.err;
 }
 
 TEST_F(SoundFixture, PlayingUsesATemporaryWavThatIsDeletedAfterwards) {
@@ -149,9 +183,16 @@ TEST_F(SoundFixture, RecordsOutsideTheRawFileFailCleanly) {
         std::string message;
     };
     const std::vector<Case> cases = {
-        {{18, 5, 11025}, "Run-time error '63':\rBad record number"},
-        {{-7, 2, 11025}, "Run-time error '63':\rBad record number"},
-        {{1, -4, 11025}, "Run-time error '63':\rBad record number"},
+        {{18, 5, 11025},
+         "Run-time error '63':\rBad record number\rSound 2 (offset 18, length 5) "
+         "reaches past the end of LEVEL001.raw (20 bytes): the bank's two files "
+         "do not belong together."},
+        {{-7, 2, 11025},
+         "Run-time error '63':\rBad record number\rSound 2 has a negative offset "
+         "(-7) or length (2) in Level001.sdt."},
+        {{1, -4, 11025},
+         "Run-time error '63':\rBad record number\rSound 2 has a negative offset "
+         "(1) or length (-4) in Level001.sdt."},
         {{1, 4, 2000000000}, "Run-time error '6':\rOverflow"}, // x 1.5 does not fit
     };
     for (const Case& c : cases) {
@@ -205,7 +246,10 @@ TEST_F(SoundFixture, WrappingRecordIsRefusedBeforeAnythingIsWritten) {
     const auto wav = dir / "wrap.wav";
     tb::writeFile(wav, {7, 7}); // an earlier WAV stays as it was
     EXPECT_EQ(writeSoundWav(*session, platform, 2, 1.0, 1, wav), SoundOutcome::Failed);
-    EXPECT_EQ(messages(), std::vector<std::string>{"Run-time error '63':\rBad record number"});
+    ASSERT_EQ(messages().size(), 1u);
+    EXPECT_EQ(
+        messages()[0].rfind("Run-time error '63':\rBad record number\rSound 2 has a negative", 0),
+        0u);
     EXPECT_EQ(tb::readFile(wav), (std::vector<std::uint8_t>{7, 7}));
 }
 

@@ -1,0 +1,59 @@
+#include "session/sound_edits.h"
+
+#include "base/atomic_file.h"
+#include "session/file_backups.h"
+#include "session/style_session.h"
+
+namespace torquil {
+
+namespace {
+
+std::string keepBackup(const std::filesystem::path& file) {
+    std::error_code ec;
+    return processBackups().ensureBackup(file, ec) ? std::string{} : describeCause(ec);
+}
+
+} // namespace
+
+std::string SoundHistory::undoName() const {
+    return canUndo() ? "Replace Sound " + std::to_string(steps[cursor - 1].number) : std::string{};
+}
+
+std::string SoundHistory::redoName() const {
+    return canRedo() ? "Replace Sound " + std::to_string(steps[cursor].number) : std::string{};
+}
+
+SoundImportOutcome importSound(StyleSession& session, Platform& platform, int number,
+                               const std::filesystem::path& file) {
+    SoundReplacement change;
+    const SoundImportOutcome outcome =
+        importSoundFile(session.style, platform, number, file, keepBackup, change);
+    if (outcome == SoundImportOutcome::Done) {
+        SoundHistory& history = session.soundHistory;
+        history.steps.resize(history.cursor);
+        history.steps.push_back(change);
+        history.cursor = history.steps.size();
+    }
+    return outcome;
+}
+
+bool undoSoundImport(StyleSession& session, Platform& platform) {
+    SoundHistory& history = session.soundHistory;
+    if (!history.canUndo()) return false;
+    if (!setSoundRecord(session.style, platform, history.steps[history.cursor - 1], true,
+                        keepBackup))
+        return false;
+    --history.cursor;
+    return true;
+}
+
+bool redoSoundImport(StyleSession& session, Platform& platform) {
+    SoundHistory& history = session.soundHistory;
+    if (!history.canRedo()) return false;
+    if (!setSoundRecord(session.style, platform, history.steps[history.cursor], false, keepBackup))
+        return false;
+    ++history.cursor;
+    return true;
+}
+
+} // namespace torquil
