@@ -16,6 +16,7 @@ void registerImportSpriteCommand(CLI::App& app, Context& ctx) {
     struct Args {
         CommonOptions common;
         bool tiles = false;
+        bool resize = false, dropDeltas = false;
         std::string style, bmp;
         int asn = 0;
     };
@@ -28,10 +29,13 @@ void registerImportSpriteCommand(CLI::App& app, Context& ctx) {
         "says ok (or yes); the default answer cancels the import.\n"
         "Standard error: the messages and answers (\"message: \", \"answer: \").\n"
         "Standard output: \"imported: \" and the BMP's path, \"clut changed\" when the colours\n"
-        "were overwritten.\n"
+        "were overwritten, \"resized: \" with the new size and place after a resize.\n"
         "Exit status: 0 imported and saved, 1 refused, cancelled or failed, 2 usage error.");
     args->common.addTo(*cmd);
     cmd->add_flag("--tiles", args->tiles, "Open the tile pages and import into a tile");
+    cmd->add_flag("--resize", args->resize, "Give the sprite the picture's size");
+    cmd->add_flag("--drop-deltas", args->dropDeltas,
+                  "With --resize: remove the deltas that do not fit the new size");
     cmd->add_option("STYLE", args->style, "The style file (.G24 or .GRY)")->required();
     cmd->add_option("ASN", args->asn, "Absolute sprite number (tile number with --tiles)")
         ->required();
@@ -43,7 +47,8 @@ void registerImportSpriteCommand(CLI::App& app, Context& ctx) {
                                  args->tiles ? kLoadTiles : kLoadSprites);
         if (!session || !pickSprite(ctx, *session, *platform, args->asn, "import-sprite")) return;
         const auto bmp = std::filesystem::absolute(argumentPath(args->bmp));
-        if (!importSpriteFrom(*session, *platform, bmp)) {
+        const SpriteRec before = *session->selectedSprite();
+        if (!importSpriteResizing(*session, *platform, bmp, {args->resize, args->dropDeltas})) {
             ctx.exitCode = kExitFailed;
             return;
         }
@@ -54,6 +59,15 @@ void registerImportSpriteCommand(CLI::App& app, Context& ctx) {
         }
         ctx.out << "imported: " << utf8Of(bmp) << '\n';
         if (clutChanged) ctx.out << "clut changed\n";
+        if (const SpriteRec* now = session->selectedSprite();
+            now && (now->W != before.W || now->H != before.H)) {
+            ctx.out << "resized: " << int{now->W} << " x " << int{now->H} << " on page "
+                    << now->page << " at (" << int{now->xo} << "," << int{now->yo} << ")";
+            if (now->delta_count != before.delta_count)
+                ctx.out << ", deltas " << int{before.delta_count} << " -> "
+                        << int{now->delta_count};
+            ctx.out << '\n';
+        }
         ctx.exitCode = kExitOk;
     });
 }
