@@ -9,6 +9,7 @@
 
 namespace torquil {
 
+class Platform;
 class StyleSession;
 
 inline constexpr int kMaxSpriteDeltas = 255;
@@ -35,5 +36,17 @@ void addSpriteDeltas(StyleSession& session, int asn, int count);
 
 // Carries the plan out (removeSpriteDeltas or addSpriteDeltas).
 void applyDeltaCount(StyleSession& session, int asn, const DeltaCountPlan& plan);
+
+// The delta view's edits (session/delta_set_resize.cpp), each one step of the undo history like
+// the edits of session/edits.h.
+//
+// Adds one delta at the end of the selected sprite's deltas: an empty one, whose frame shows the
+// car as it is, to draw on (then export the delta set, draw, import). Sets gDeltasChanged and
+// gLayoutChanged. Recorded as "Add Delta N". False with a message past 255 deltas.
+[[nodiscard]] bool addDelta(StyleSession& session, Platform& platform);
+// Removes delta `index` (0-based) of the selected sprite; later deltas move down and the car's
+// doors follow. A delta that a door shows is named and kept unless `dropUsed` (the door then
+// shows the sprite's last remaining delta). Recorded as "Remove Delta N".
+[[nodiscard]] bool removeDelta(StyleSession& session, Platform& platform, int index, bool dropUsed);
 
 } // namespace torquil

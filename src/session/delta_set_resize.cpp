@@ -79,3 +79,43 @@ DeltaSetImport importDeltaSetResizing(StyleSession& session, Platform& platform,
 }
 
 } // namespace torquil
+
+namespace torquil {
+
+bool addDelta(StyleSession& session, Platform& platform) {
+    const SpriteRec* sprite = session.selectedSprite();
+    if (!sprite) return false;
+    const int asn = sprite->ASN;
+    const DeltaCountPlan plan = planDeltaCount(session, asn, sprite->delta_count + 1);
+    if (!plan.possible) {
+        platform.message(describeDeltaCount(plan, asn) + "\rNothing was changed.", Buttons::Ok,
+                         Icon::Warning, "Add Delta");
+        return false;
+    }
+    EditScope scope(session, kTouchAll, stepName("Add Delta", asn));
+    applyDeltaCount(session, asn, plan);
+    return true;
+}
+
+bool removeDelta(StyleSession& session, Platform& platform, int index, bool dropUsed) {
+    const SpriteRec* sprite = session.selectedSprite();
+    if (!sprite || index < 0 || index >= sprite->delta_count) return false;
+    const int asn = sprite->ASN;
+    std::vector<int> doors;
+    if (const CarEntry* car = session.cars.find(asn))
+        for (std::size_t i = 0; i < car->doorList.size(); ++i)
+            if (car->doorList[i].delta == index) doors.push_back(static_cast<int>(i) + 1);
+    if (!doors.empty() && !dropUsed) {
+        std::string list;
+        for (int d : doors) list += (list.empty() ? "" : ", ") + std::to_string(d);
+        platform.message("Delta " + std::to_string(index) + " of sprite " + std::to_string(asn) +
+                             " is shown by door " + list + ".\rNothing was changed.",
+                         Buttons::Ok, Icon::Warning, "Remove Delta");
+        return false;
+    }
+    EditScope scope(session, kTouchAll, stepName("Remove Delta", asn));
+    removeSpriteDeltas(session, asn, {index});
+    return true;
+}
+
+} // namespace torquil

@@ -156,3 +156,50 @@ TEST_F(DeltaCountFixture, CountsPastTheFormatAreRefusedAndRefusedFramesChangeNot
     EXPECT_EQ(deltasBySprite(), before);
     EXPECT_FALSE(session->style.gLayoutChanged);
 }
+
+TEST_F(DeltaCountFixture, AddAndRemoveDeltaAreOneUndoableStepEachAndSaveAsTheyShow) {
+    open(tb::fullSizeSpec24());
+    int asn = 0;
+    for (int i = 1; i <= session->cars.highest && asn == 0; ++i)
+        if (const CarEntry* car = session->cars.find(i); car && !car->doorList.empty()) {
+            select(i);
+            if (selected().delta_count >= 2) asn = i;
+        }
+    ASSERT_GT(asn, 0);
+    select(asn);
+    const int n = selected().delta_count;
+    const auto before = deltasBySprite();
+    const auto doors = session->cars.find(asn)->doorList;
+    const int shown = doors.front().delta;
+
+    ASSERT_TRUE(addDelta(*session, platform));
+    EXPECT_EQ(selected().delta_count, n + 1);
+    EXPECT_EQ(session->history.undoName(), "Add Delta " + std::to_string(asn));
+    // A door's delta is refused unless allowed.
+    EXPECT_FALSE(removeDelta(*session, platform, shown, false));
+    ASSERT_TRUE(removeDelta(*session, platform, shown, true));
+    EXPECT_EQ(selected().delta_count, n);
+
+    ASSERT_NE(session->history.undo(*session), nullptr);
+    ASSERT_NE(session->history.undo(*session), nullptr);
+    EXPECT_EQ(selected().delta_count, n);
+    EXPECT_EQ(deltasBySprite(), before);
+    EXPECT_EQ(session->cars.find(asn)->doorList, doors);
+    EXPECT_FALSE(session->style.anyChange());
+
+    ASSERT_NE(session->history.redo(*session), nullptr);
+    ASSERT_NE(session->history.redo(*session), nullptr);
+    saveAndCheckAFullSaveKeepsTheBytes();
+    select(asn);
+    ASSERT_EQ(selected().delta_count, n);
+    auto now = deltasBySprite();
+    auto expected = before.at(asn);
+    expected.erase(expected.begin() + shown);
+    expected.push_back({}); // the added delta, empty: a save writes no run for it
+    now[asn].back().clear();
+    EXPECT_EQ(now[asn], expected);
+    for (const auto& [sprite, runs] : before)
+        if (sprite != asn) {
+            EXPECT_EQ(now[sprite], runs) << sprite;
+        }
+}
