@@ -203,3 +203,24 @@ TEST_F(DeltaCountFixture, AddAndRemoveDeltaAreOneUndoableStepEachAndSaveAsTheySh
             EXPECT_EQ(now[sprite], runs) << sprite;
         }
 }
+
+TEST_F(DeltaCountFixture, TheCommandLineSetsTheDeltaCountOnlyWhenAsked) {
+    open(tb::fullSizeSpec24());
+    int asn = session->sprites.firstCarSprite();
+    for (select(asn); selected().delta_count == 0; select(++asn)) {
+    }
+    const int n = selected().delta_count;
+    const fs::path file = write(withFrames(dirtySet(), n, n + 1, 3, 1), n + 1);
+    const std::string work = dir.path().string();
+    const std::string number = std::to_string(asn);
+    auto r =
+        tb::runCli({"import-deltas", "--workdir", work, stylePath.string(), number, file.string()});
+    EXPECT_EQ(r.status, 1);
+    r = tb::runCli({"import-deltas", "--workdir", work, "--resize", stylePath.string(), number,
+                    file.string()});
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_TRUE(tb::contains(r.out, "deltas: " + std::to_string(n + 1))) << r.out;
+    reopen();
+    select(asn);
+    EXPECT_EQ(selected().delta_count, n + 1);
+}
