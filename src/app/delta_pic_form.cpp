@@ -79,7 +79,7 @@ DeltaPicForm::DeltaPicForm(const std::vector<QImage>& frames, const QString& tit
     connect(playButton_, &QPushButton::toggled, this, [this](bool on) { setPlaying(on); });
     connect(timer_, &QTimer::timeout, this, [this] { stepForward(); });
 
-    auto* buttons = new QHBoxLayout;
+    auto* buttons = buttons_ = new QHBoxLayout;
     buttons->addWidget(back);
     buttons->addWidget(frameLabel_, 1, Qt::AlignCenter);
     buttons->addWidget(next);
@@ -92,6 +92,20 @@ DeltaPicForm::DeltaPicForm(const std::vector<QImage>& frames, const QString& tit
     layout->addLayout(buttons);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     showFrame(0);
+}
+
+void DeltaPicForm::offerDeltaEdits(std::function<void()> add, std::function<void(int)> remove) {
+    if (!buttons_) return;
+    auto* addButton = new QPushButton(tr("&Add Delta"), this);
+    addButton->setObjectName("addDelta");
+    addButton->setToolTip(tr("A new delta at the end: a copy of the car to draw on"));
+    auto* removeButton = new QPushButton(tr("&Remove Delta"), this);
+    removeButton->setObjectName("removeDelta");
+    removeButton->setToolTip(tr("Removes the delta shown"));
+    connect(addButton, &QPushButton::clicked, this, [add] { add(); });
+    connect(removeButton, &QPushButton::clicked, this, [this, remove] { remove(current_); });
+    buttons_->addWidget(addButton);
+    buttons_->addWidget(removeButton);
 }
 
 void DeltaPicForm::setPicture(const QImage& picture) {

@@ -8,8 +8,10 @@
 #include <QImage>
 #include <QString>
 
+#include <functional>
 #include <vector>
 
+class QHBoxLayout;
 class QLabel;
 class QPushButton;
 class QTimer;
@@ -44,6 +46,8 @@ public:
     const QImage& strip() const { return strip_; }
     // Where frame i lies in the strip.
     QRect stripFrameRect(int index) const;
+    // The delta view's "Add Delta" and "Remove Delta" buttons; remove is given the frame shown.
+    void offerDeltaEdits(std::function<void()> add, std::function<void(int frame)> remove);
 
 private:
     void buildStrip();
@@ -53,6 +57,7 @@ private:
     QLabel* frameLabel_ = nullptr;
     QPushButton* playButton_ = nullptr;
     QTimer* timer_ = nullptr;
+    QHBoxLayout* buttons_ = nullptr;
     QImage framed_;
     QImage strip_;
     std::vector<QImage> frames_;

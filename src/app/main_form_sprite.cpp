@@ -9,8 +9,11 @@
 #include "exchange/sprite_exchange.h"
 #include "exchange/transparency.h"
 #include "platform/qt/qt_platform.h"
+#include "session/delta_count.h"
 #include "session/delta_sets.h"
 #include "session/edits.h"
+#include "session/session_io.h"
+#include "session/sprite_resize.h"
 #include "sprites/sprite_info.h"
 
 #include <QDir>
@@ -43,9 +46,30 @@ void MainForm::mnuExportSprite_Click() {
 }
 
 void MainForm::mnuImportSprite_Click() {
+    const SpriteRec* sprite = session_->selectedSprite();
+    if (!sprite) return;
+    const std::filesystem::path file = session_->workPath(bmpFileName(*session_, *sprite));
+    // A picture of another size: say what a resize would do (new place, deltas that no longer
+    // fit) and ask before anything changes.
+    ResizeChoice choice;
+    if (const auto size = pictureSize(file);
+        size && (size->width != sprite->W || size->height != sprite->H) && sprite->kind.empty()) {
+        const ResizePlan plan = planSpriteResize(*session_, *sprite, size->width, size->height);
+        if (!plan.possible) {
+            platform_.message(describeResize(plan, sprite->ASN) + "\rThe sprite was not resized.",
+                              Buttons::Ok, Icon::Warning, "Resize Sprite");
+            return;
+        }
+        if (platform_.message(describeResize(plan, sprite->ASN) + "\rResize the sprite?",
+                              Buttons::YesNo, Icon::Question, "Resize Sprite") != Answer::Yes)
+            return;
+        choice = {true, true};
+    }
     // A refused import may still have overwritten the CLUT: the dirty flags tell.
-    (void)importSprite(*session_, platform_);
+    (void)importSpriteResizing(*session_, platform_, file, choice);
     markChanged();
+    updateStatusForSelection();
+    board_->refresh();
 }
 
 void MainForm::mnuExportSpriteAs_Click() {
@@ -116,8 +140,22 @@ void MainForm::mnuImportDeltas_Click() {
                               "No: each delta is drawn over the sprite.",
                           Buttons::YesNoCancel, Icon::Question, "Import Delta Set");
     if (kind == Answer::Cancel) return;
-    const DeltaSetImport result = importDeltaSet(
-        *session_, platform_, std::filesystem::path(chosen.toStdString()), kind == Answer::Yes);
+    const std::filesystem::path file(chosen.toStdString());
+    // A picture with another number of frames sets the delta count: asked first.
+    DeltaCountChoice choice;
+    if (const auto size = pictureSize(file); size && sprite->W > 0 && size->height == sprite->H &&
+                                             size->width % sprite->W == 0 &&
+                                             size->width / sprite->W != sprite->delta_count) {
+        const DeltaCountPlan plan = planDeltaCount(*session_, sprite->ASN, size->width / sprite->W);
+        if (platform_.message(describeDeltaCount(plan, sprite->ASN) +
+                                  (plan.possible ? "\rChange the number of deltas?" : ""),
+                              plan.possible ? Buttons::YesNo : Buttons::Ok, Icon::Question,
+                              "Import Delta Set") != Answer::Yes)
+            return;
+        choice = {true, true};
+    }
+    const DeltaSetImport result =
+        importDeltaSetResizing(*session_, platform_, file, kind == Answer::Yes, choice);
     markChanged(); // a refused import may still have overwritten the CLUT
     if (!result.imported) return;
     statusBar()->showMessage(
@@ -142,6 +180,30 @@ void MainForm::mnuViewDeltas_Click(int index) {
     const QString title = (index == 1 ? tr("Deltas (with car)") : tr("Deltas (plain)")) +
                           tr(" - sprite %1").arg(sprite->ASN);
     auto* form = new DeltaPicForm(frames, title, this);
+    // Adding or removing a delta is one edit; the view opens again with the new frames.
+    const auto reopen = [this, form, index] {
+        markChanged();
+        form->close();
+        mnuViewDeltas_Click(index);
+    };
+    form->offerDeltaEdits(
+        [this, reopen] {
+            if (addDelta(*session_, platform_)) reopen();
+        },
+        [this, reopen](int frame) {
+            const SpriteRec* shown = session_->selectedSprite();
+            if (!shown) return;
+            bool used = false;
+            if (const CarEntry* car = session_->cars.find(shown->ASN))
+                for (const DoorRec& door : car->doorList) used = used || door.delta == frame;
+            if (used &&
+                platform_.message("Delta " + std::to_string(frame) +
+                                      " is shown by a door of the car. Remove it anyway?"
+                                      "\rThe door then shows the last delta left.",
+                                  Buttons::YesNo, Icon::Question, "Remove Delta") != Answer::Yes)
+                return;
+            if (removeDelta(*session_, platform_, frame, used)) reopen();
+        });
     form->show();
 }
 

@@ -70,6 +70,7 @@ struct DeltaArgs {
     std::string style, file, output;
     int asn = 0;
     bool json = false, clean = false;
+    bool resize = false, dropDeltas = false;
 };
 
 Command* addStyleAndAsn(Command& cmd, DeltaArgs& args) {
@@ -145,22 +146,28 @@ void registerDeltaCommands(Command& app, Context& ctx) {
         "clean set's colour-0 delta pixels look like the background and are kept).\n"
         "A palette that differs from the sprite's CLUT is only written over it when --answer\n"
         "says ok (or yes); the default answer cancels the import.\n"
+        "A picture with another number of frames (its width is the sprite's width times the\n"
+        "frames) is refused unless --resize is given: the sprite's delta count then becomes the\n"
+        "number of frames (at most 255); new deltas are added at the end, removed ones taken from\n"
+        "the end, and removing a delta that a door of the car shows needs --drop-deltas.\n"
         "Standard output: \"imported: \" and the picture's path, then \"changed deltas: \" and\n"
-        "their number.\n"
+        "their number, and with --resize \"deltas: \" with the sprite's delta count.\n"
         "Exit status: 0 imported and saved, 1 refused, cancelled or failed, 2 usage error.");
     addStyleAndAsn(*importCmd, *imp);
     imp->common.addBreakLinksOption(*importCmd);
-    importCmd->addOption("FILE", imp->file, "The delta set picture (.bmp or .png)")
-        ->path()
-        ->required();
+    importCmd->addOption("FILE", imp->file, "The delta set picture (.bmp or .png)")->path()->required();
     importCmd->addFlag("--clean", imp->clean, "The picture is a clean set (deltas on colour 0)");
+    importCmd->addFlag("--resize", imp->resize, "Let the picture's frames set the delta count");
+    importCmd->addFlag("--drop-deltas", imp->dropDeltas,
+                        "With --resize: allow removing deltas that a door shows");
     importCmd->action([imp, &ctx] {
         AppOptions options = makeAppOptions(ctx, imp->common);
         auto platform = makePlatform(ctx, imp->common);
         auto session = loadStyle(ctx, *platform, options, imp->style, kLoadSprites);
         if (!session || !pickSprite(ctx, *session, *platform, imp->asn, "import-deltas")) return;
         const auto file = std::filesystem::absolute(imp->file);
-        const DeltaSetImport result = importDeltaSet(*session, *platform, file, imp->clean);
+        const DeltaSetImport result = importDeltaSetResizing(*session, *platform, file, imp->clean,
+                                                             {imp->resize, imp->dropDeltas});
         if (!result.imported) {
             ctx.exitCode = kExitFailed;
             return;
@@ -171,6 +178,8 @@ void registerDeltaCommands(Command& app, Context& ctx) {
         }
         ctx.out << "imported: " << file.string() << '\n';
         ctx.out << "changed deltas: " << result.changed << '\n';
+        if (const SpriteRec* sprite = session->selectedSprite(); sprite && imp->resize)
+            ctx.out << "deltas: " << int{sprite->delta_count} << '\n';
         ctx.exitCode = kExitOk;
     });
 }

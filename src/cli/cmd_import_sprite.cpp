@@ -16,6 +16,7 @@ void registerImportSpriteCommand(Command& app, Context& ctx) {
     struct Args {
         CommonOptions common;
         bool tiles = false;
+        bool resize = false, dropDeltas = false;
         std::string style, bmp;
         int asn = 0;
     };
@@ -26,13 +27,20 @@ void registerImportSpriteCommand(Command& app, Context& ctx) {
         "editor's checks and palette questions, and save the style file.\n"
         "A palette that differs from the sprite's CLUT is only written over it when --answer\n"
         "says ok (or yes); the default answer cancels the import.\n"
+        "A picture of another size is refused unless --resize is given: the sprite then takes\n"
+        "the picture's size and a place on the pages (its own when it fits, else free space, else\n"
+        "a new page; 26 pages at most). Deltas that no longer fit are named, and removed only\n"
+        "with --drop-deltas. The car record's collision size is left as it is.\n"
         "Standard error: the messages and answers (\"message: \", \"answer: \").\n"
         "Standard output: \"imported: \" and the BMP's path, \"clut changed\" when the colours\n"
-        "were overwritten.\n"
+        "were overwritten, \"resized: \" with the new size and place after a resize.\n"
         "Exit status: 0 imported and saved, 1 refused, cancelled or failed, 2 usage error.");
     args->common.addTo(*cmd);
     args->common.addBreakLinksOption(*cmd);
     cmd->addFlag("--tiles", args->tiles, "Open the tile pages and import into a tile");
+    cmd->addFlag("--resize", args->resize, "Give the sprite the picture's size");
+    cmd->addFlag("--drop-deltas", args->dropDeltas,
+                  "With --resize: remove the deltas that do not fit the new size");
     cmd->addOption("STYLE", args->style, "The style file (.G24 or .GRY)")->path()->required();
     cmd->addOption("ASN", args->asn, "Absolute sprite number (tile number with --tiles)")
         ->required();
@@ -44,7 +52,8 @@ void registerImportSpriteCommand(Command& app, Context& ctx) {
                                  args->tiles ? kLoadTiles : kLoadSprites);
         if (!session || !pickSprite(ctx, *session, *platform, args->asn, "import-sprite")) return;
         const auto bmp = std::filesystem::absolute(argumentPath(args->bmp));
-        if (!importSpriteFrom(*session, *platform, bmp)) {
+        const SpriteRec before = *session->selectedSprite();
+        if (!importSpriteResizing(*session, *platform, bmp, {args->resize, args->dropDeltas})) {
             ctx.exitCode = kExitFailed;
             return;
         }
@@ -55,6 +64,15 @@ void registerImportSpriteCommand(Command& app, Context& ctx) {
         }
         ctx.out << "imported: " << utf8Of(bmp) << '\n';
         if (clutChanged) ctx.out << "clut changed\n";
+        if (const SpriteRec* now = session->selectedSprite();
+            now && (now->W != before.W || now->H != before.H)) {
+            ctx.out << "resized: " << int{now->W} << " x " << int{now->H} << " on page "
+                    << now->page << " at (" << int{now->xo} << "," << int{now->yo} << ")";
+            if (now->delta_count != before.delta_count)
+                ctx.out << ", deltas " << int{before.delta_count} << " -> "
+                        << int{now->delta_count};
+            ctx.out << '\n';
+        }
         ctx.exitCode = kExitOk;
     });
 }

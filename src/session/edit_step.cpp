@@ -3,6 +3,7 @@
 #include "cars/car_names.h"
 #include "session/loaders.h"
 #include "session/session_io.h"
+#include "session/sprite_layout.h"
 #include "session/style_session.h"
 #include "style/page_io.h"
 
@@ -75,6 +76,7 @@ DirtyMarks DirtyMarks::of(const StyleFileState& style) {
     m.clut = style.gClutChanged;
     m.deltas = style.gDeltasChanged;
     m.names = style.gCarNamesChanged;
+    m.layout = style.gLayoutChanged;
     for (std::size_t i = 1; i < style.gSaveCarInfo.size(); ++i)
         addCar(m.cars, style.gSaveCarInfo[i]);
     return m;
@@ -85,6 +87,7 @@ void DirtyMarks::applyTo(StyleFileState& style) const {
     style.gClutChanged = clut;
     style.gDeltasChanged = deltas;
     style.gCarNamesChanged = names;
+    style.gLayoutChanged = layout;
     style.gSaveCarInfo.assign(1, 0);
     style.gSaveCarInfo.insert(style.gSaveCarInfo.end(), cars.begin(), cars.end());
 }
@@ -94,6 +97,7 @@ void DirtyMarks::add(const DirtyMarks& other) {
     clut = clut || other.clut;
     deltas = deltas || other.deltas;
     names = names || other.names;
+    layout = layout || other.layout;
     for (std::int16_t asn : other.cars) addCar(cars, asn);
 }
 
@@ -101,7 +105,7 @@ bool EditStep::empty() const {
     return pages_.empty() && cluts_.empty() && cars_.empty() && names_.empty() && deltas_.empty() &&
            clutEntriesBefore_ == clutEntriesAfter_ && carSlotsBefore_ == carSlotsAfter_ &&
            deltaEntriesBefore_ == deltaEntriesAfter_ && deltaCountBefore_ == deltaCountAfter_ &&
-           flagsBefore_ == flagsAfter_;
+           !layoutBefore_ && flagsBefore_ == flagsAfter_;
 }
 
 std::size_t EditStep::bytes() const {
@@ -113,6 +117,10 @@ std::size_t EditStep::bytes() const {
         n += sizeof(p) + p.keyBefore.size() + p.keyAfter.size() + p.nameBefore.size() +
              p.nameAfter.size();
     for (const DeltaPatch& d : deltas_) n += sizeof(d) + deltaBytes(d.before) + deltaBytes(d.after);
+    for (const auto& layout : {layoutBefore_, layoutAfter_})
+        if (layout)
+            for (const auto& list : layout->pageSprites)
+                for (const SpriteRec& r : list) n += sizeof(r) + r.deltas.size() * 2;
     return n;
 }
 
@@ -158,6 +166,27 @@ void EditStep::apply(StyleSession& s, bool after) const {
     }
     s.deltas.deltaCount = after ? deltaCountAfter_ : deltaCountBefore_;
 
+    if (const auto& layout = after ? layoutAfter_ : layoutBefore_) {
+        const int selectedAsn = s.selectedSprite() ? s.selectedSprite()->ASN : 0;
+        for (int page = 0; page < kMaxPages; ++page) {
+            auto& list = s.sprites.pageSprites[static_cast<std::size_t>(page)];
+            const auto& want = layout->pageSprites[static_cast<std::size_t>(page)];
+            if (list == want) continue;
+            list = want;
+            rebuildMouseOver(s.sprites, page);
+        }
+        s.pages.gNumLinesLoaded = layout->linesLoaded;
+        s.pages.gNumBlockLoaded = layout->blockLoaded;
+        s.pages.highestPage = layout->highestPage;
+        // The selection follows its sprite to its page and place in the list.
+        if (selectedAsn != 0) {
+            if (const auto at = findSprite(s.sprites, s.pages.highestPage, selectedAsn)) {
+                s.selection.page = at->first;
+                s.selection.sib = at->second;
+            }
+        }
+    }
+
     if (!repaint_.empty()) {
         const auto painter = makePagePainter(s);
         for (const PageArea& r : repaint_) repaintRect(s, *painter, r.page, r.x, r.y, r.w, r.h);
@@ -172,7 +201,26 @@ struct EditRecorder::Snapshot {
     CarNames names;
     std::vector<DeltaRec> deltas;
     std::int32_t deltaCount = 0;
+    std::shared_ptr<const SpriteLayout> layout;
 };
+
+namespace {
+
+std::shared_ptr<const SpriteLayout> layoutOf(const StyleSession& s) {
+    auto layout = std::make_shared<SpriteLayout>();
+    layout->pageSprites.assign(s.sprites.pageSprites.begin(), s.sprites.pageSprites.end());
+    layout->linesLoaded = s.pages.gNumLinesLoaded;
+    layout->blockLoaded = s.pages.gNumBlockLoaded;
+    layout->highestPage = s.pages.highestPage;
+    return layout;
+}
+
+bool sameLayout(const SpriteLayout& a, const SpriteLayout& b) {
+    return a.pageSprites == b.pageSprites && a.linesLoaded == b.linesLoaded &&
+           a.blockLoaded == b.blockLoaded && a.highestPage == b.highestPage;
+}
+
+} // namespace
 
 EditRecorder::EditRecorder(const StyleSession& s, unsigned touches)
     : touches_(touches), before_(std::make_unique<Snapshot>()) {
@@ -185,6 +233,7 @@ EditRecorder::EditRecorder(const StyleSession& s, unsigned touches)
         before_->deltas = s.deltas.myDeltas;
         before_->deltaCount = s.deltas.deltaCount;
     }
+    if (touches_ & kTouchSprites) before_->layout = layoutOf(s);
 }
 
 EditRecorder::~EditRecorder() = default;
@@ -274,12 +323,21 @@ EditStep EditRecorder::finish(const StyleSession& s, std::string name) {
         }
     }
 
+    if (touches_ & kTouchSprites) {
+        auto now = layoutOf(s);
+        if (!sameLayout(*was.layout, *now)) {
+            step.layoutBefore_ = was.layout;
+            step.layoutAfter_ = std::move(now);
+        }
+    }
+
     // What is left to save: the tables that changed, and whatever flag the edit set.
     const DirtyMarks& fb = step.flagsBefore_;
     const DirtyMarks& fa = step.flagsAfter_;
     step.marks_.pages = !step.pages_.empty() || (fa.pages && !fb.pages);
     step.marks_.clut = !step.cluts_.empty() || (fa.clut && !fb.clut);
     step.marks_.names = !step.names_.empty() || (fa.names && !fb.names);
+    step.marks_.layout = step.layoutBefore_ != nullptr || (fa.layout && !fb.layout);
     step.marks_.deltas = !step.deltas_.empty() || step.deltaCountBefore_ != step.deltaCountAfter_ ||
                          (fa.deltas && !fb.deltas);
     for (std::int16_t asn : fa.cars)

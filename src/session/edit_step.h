@@ -13,6 +13,7 @@
 
 #include "cars/car_info.h"
 #include "sprites/delta_table.h"
+#include "sprites/sprite_tables.h"
 #include "style/pages.h" // PageArea
 
 namespace torquil {
@@ -28,25 +29,35 @@ enum EditTouches : unsigned {
     kTouchCars = 4,
     kTouchNames = 8,
     kTouchDeltas = 16,
-    kTouchAll = 31
+    kTouchSprites = 32, // the sprite records (place, size, delta entries) and the page count
+    kTouchAll = 63
 };
 
 // The dirty state that the save sequence reads: the four flags and the cars queued for writing.
 struct DirtyMarks {
     bool pages = false, clut = false, deltas = false, names = false;
+    bool layout = false;            // the sprite info section is written whole (gLayoutChanged)
     std::vector<std::int16_t> cars; // absolute sprite numbers, each once, entry 0 not included
 
     static DirtyMarks of(const StyleFileState& style);
     // Sets the style's flags and gSaveCarInfo to exactly these marks.
     void applyTo(StyleFileState& style) const;
     void add(const DirtyMarks& other);
-    bool empty() const { return !pages && !clut && !deltas && !names && cars.empty(); }
+    bool empty() const { return !pages && !clut && !deltas && !names && !layout && cars.empty(); }
     bool operator==(const DirtyMarks&) const = default;
 };
 
 // The sprite's rectangle on its page (clipped to the page): where the edits of a sprite paint, and
 // so where undo repaints a CLUT change.
 PageArea spriteArea(const SpriteRec& sprite);
+
+// The sprite records of every page and the page count, as an edit that moves or resizes a sprite
+// or changes its delta count leaves them.
+struct SpriteLayout {
+    std::vector<std::vector<SpriteRec>> pageSprites;
+    std::int32_t linesLoaded = 0, highestPage = 0;
+    std::int16_t blockLoaded = -1;
+};
 
 class EditStep {
 public:
@@ -105,6 +116,8 @@ private:
     std::vector<DeltaPatch> deltas_;
     std::size_t deltaEntriesBefore_ = 0, deltaEntriesAfter_ = 0;
     std::int32_t deltaCountBefore_ = 0, deltaCountAfter_ = 0;
+    // The sprite records and the page count, whole, when an edit moved or resized a sprite.
+    std::shared_ptr<const SpriteLayout> layoutBefore_, layoutAfter_;
 };
 
 // Snapshot of the tables before an edit; finish() turns it into the step of what changed.

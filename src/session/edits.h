@@ -60,6 +60,23 @@ struct CarEdit {
 [[nodiscard]] bool importSpriteNamedBy(StyleSession& session, Platform& platform,
                                        const std::filesystem::path& file);
 
+// Whether an import may change the sprite's size, and remove the deltas that no longer fit.
+struct ResizeChoice {
+    bool resize = false;
+    bool dropDeltas = false;
+};
+
+// The sprite import of a picture of any size (session/sprite_resize.cpp): a picture of the
+// sprite's size, or any picture without `choice.resize`, is importSpriteFrom. Another size gives
+// the sprite that size and a place on the pages (its old place when it fits there, else free
+// space, else a new page; 26 pages at most), keeping its top-left corner; its deltas that no
+// longer fit are named and removed only with `choice.dropDeltas`, the car's doors renumbered.
+// The car record's collision size is left as it is. Refusals show a message and change nothing.
+// Recorded as "Resize Sprite N".
+[[nodiscard]] bool importSpriteResizing(StyleSession& session, Platform& platform,
+                                        const std::filesystem::path& file,
+                                        const ResizeChoice& choice);
+
 struct DeltaSetImport {
     bool imported = false;
     int changed = 0; // deltas whose run lines were replaced
@@ -75,6 +92,22 @@ struct DeltaSetImport {
 // sequence rewrites the delta store. Recorded as "Import Delta Set N".
 [[nodiscard]] DeltaSetImport importDeltaSet(StyleSession& session, Platform& platform,
                                             const std::filesystem::path& file, bool clean);
+
+// Whether a delta set picture with another number of frames may set the sprite's delta count,
+// and whether deltas that the car's doors show may be removed with it.
+struct DeltaCountChoice {
+    bool setCount = false;
+    bool dropUsed = false;
+};
+
+// The delta set import of a picture whose width holds another number of frames
+// (session/delta_set_resize.cpp): with `choice.setCount` the sprite's delta count becomes the
+// number of frames (deltas added at the end are drawn by their frames; removed ones are taken
+// from the end, refused when a door shows one unless `choice.dropUsed`), then the frames are
+// imported as importDeltaSet does, all as one step. Any other picture is importDeltaSet's.
+[[nodiscard]] DeltaSetImport importDeltaSetResizing(StyleSession& session, Platform& platform,
+                                                    const std::filesystem::path& file, bool clean,
+                                                    const DeltaCountChoice& choice);
 
 // Transparency fix of the selected sprite: finds its background index from its corners and
 // exchanges it with index 0 in the sprite's pixels and CLUT (through comparePalette), so the

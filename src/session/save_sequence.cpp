@@ -8,6 +8,7 @@
 #include "base/work_dir.h"
 #include "cars/car_names_io.h"
 #include "platform/platform.h"
+#include "session/sprite_layout.h"
 #include "session/style_session.h"
 #include "style/section_total.h"
 
@@ -60,7 +61,7 @@ namespace {
 
 bool writesStyleFile(const StyleFileState& style) {
     return style.gSaveCarInfo.size() > 1 || style.gPagesChanged || style.gClutChanged ||
-           style.gDeltasChanged;
+           style.gDeltasChanged || style.gLayoutChanged;
 }
 
 // Length, last write time or the file itself differ from what the load saw.
@@ -122,10 +123,12 @@ private:
     fs::path fxtPath_;
     bool writeNames_ = false;
     std::string pairLine_; // after a failed write of both files: that neither was written
+    SpriteInfoRewrite layout_; // the section positions to put back when the save fails
 };
 
 SaveOutcome SaveRun::fail(int error) {
     file_.close();
+    layout_.restore(s_);
     out_.result = SaveResult::Failed;
     out_.failedStep = s_.stepText;
     out_.errorNumber = error;
@@ -345,6 +348,16 @@ SaveOutcome SaveRun::run() {
     }
     checkpoint("File Open");
 
+    // A sprite moved or resized: the sprite info section first, as the places of the pages and the
+    // delta store behind it follow from its length.
+    if (style.gLayoutChanged &&
+        !runSaver("Save Sprite Info", [this](StyleSession& s, BinaryFile& f, Platform&) {
+            return layout_.apply(s, f);
+        }))
+        return fail(error_);
+    // Each delta's entry lies where the sprite records put it (edits that change delta counts and
+    // their undo leave the loaded positions behind).
+    if (style.gDeltasChanged) placeDeltaEntries(s_);
     if (style.gSaveCarInfo.size() > 1 && !runSaver("Save Car Info", savers.carInfo))
         return fail(error_);
     if (style.gPagesChanged && !runSaver("Save Pages", savers.pages)) return fail(error_);

@@ -25,6 +25,7 @@ struct SpriteRec {
     std::string kind;         // "sideTile", "lidTile", "auxTile"; empty for sprites
     std::int16_t page = 0;    // the page it lies on (kept for convenience)
     std::int16_t rawClut = 0; // the head's clut field before the palette index (.G24)
+    bool operator==(const SpriteRec&) const = default;
 };
 
 inline constexpr int kSpriteTypes = 21;

@@ -35,16 +35,19 @@ struct StyleFileState {
 
     bool gPagesChanged = false, gClutChanged = false, gDeltasChanged = false,
          gCarNamesChanged = false;
+    // A sprite's place, size or delta count changed: the save writes the sprite info section
+    // whole and moves the sections behind it.
+    bool gLayoutChanged = false;
     // Absolute sprite numbers of cars changed in the editor; entry 0 is never used.
     std::vector<std::int16_t> gSaveCarInfo{0};
 
     void clearDirtyFlags() {
-        gPagesChanged = gClutChanged = gDeltasChanged = gCarNamesChanged = false;
+        gPagesChanged = gClutChanged = gDeltasChanged = gCarNamesChanged = gLayoutChanged = false;
         gSaveCarInfo.assign(1, 0);
     }
     bool anyChange() const {
         return gPagesChanged || gClutChanged || gDeltasChanged || gCarNamesChanged ||
-               gSaveCarInfo.size() > 1;
+               gLayoutChanged || gSaveCarInfo.size() > 1;
     }
     // The folder of the style file (where ENGLISH.FXT and audio/ are looked for).
     std::filesystem::path dataFolder() const { return path.parent_path(); }
