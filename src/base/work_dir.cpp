@@ -76,8 +76,15 @@ static std::string lower(std::string s) {
 fs::path findFileNoCase(const fs::path& folder, const std::string& name) {
     std::error_code ec;
     fs::path exact = folder / name;
-    if (fs::exists(exact, ec)) return exact;
     const std::string wanted = lower(name);
+#ifdef _WIN32
+    // The folder's own spelling of the name, as on a case-sensitive system: messages name the
+    // file as the user sees it.
+    if (fs::exists(exact, ec))
+        for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec))
+            if (lower(it->path().filename().string()) == wanted) return it->path();
+#endif
+    if (fs::exists(exact, ec)) return exact;
     for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
         if (lower(it->path().filename().string()) == wanted) return it->path();
     }
