@@ -18,6 +18,7 @@
 
 #include <QFileInfo>
 #include <QMenuBar>
+#include <QStatusBar>
 #include <QToolBar>
 
 #include <filesystem>
@@ -123,6 +124,10 @@ void MainForm::mnuSaveBlock_Click() {
     // The history remembers where the file was saved (a failed step leaves its flags set).
     if (outcome.result != SaveResult::Declined) session_->history.markSaved(session_->style);
     if (outcome.disableSaveCommand()) setCommandGroup(2, false);
+    if (outcome.nothingChanged)
+        statusBar()->showMessage(tr("Nothing changed: the files already hold these values, "
+                                    "nothing was written."),
+                                 8000);
     board_->refresh();
 }
 

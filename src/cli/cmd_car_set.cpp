@@ -114,7 +114,8 @@ void registerCarSetCommand(CLI::App& app, Context& ctx) {
         "remap24[i].H|L|S, remap8[i], door[i].rpx|rpy|object|delta, name.\n"
         "Values outside the editor's limits are set to the limit, reported on standard error\n"
         "(\"txtbox valve set to L val\" / \"... H val\"). 16.16 fields take decimals (1.5).\n"
-        "Standard output: \"field: old -> new\" for every changed value.\n"
+        "Standard output: \"field: old -> new\" for every changed value, or \"nothing changed\"\n"
+        "when the car already has these values (nothing is written).\n"
         "Exit status: 0 saved (or nothing to change), 1 no car there, load or save failed,\n"
         "2 usage error, unknown field or a value that is not a number (nothing written).");
     args->common.addTo(*cmd);
@@ -169,15 +170,10 @@ void registerCarSetCommand(CLI::App& app, Context& ctx) {
                 return;
             }
         }
-        if (!recordChanged && !nameChanged) {
-            ctx.out << "no change\n";
-            ctx.exitCode = kExitOk;
-            return;
-        }
-
         const CarEntry before = *car;
         CarEdit edit;
-        if (recordChanged) {
+        // Values already stored go through the save too, which finds nothing changed.
+        if (recordChanged || !nameChanged) {
             edit.info = edited.info;
             edit.doors = edited.doorList;
         }
@@ -187,11 +183,15 @@ void registerCarSetCommand(CLI::App& app, Context& ctx) {
 
         // The editor's "Save Changes": backups first, then the record in place and the names.
         const SaveOutcome outcome = saveChanges(*session, *platform);
-        if (outcome.result != SaveResult::Saved || (nameChanged && !outcome.namesSaved)) {
+        if (outcome.result != SaveResult::Saved ||
+            (nameChanged && !outcome.namesSaved && !outcome.nothingChanged)) {
             ctx.exitCode = kExitFailed;
             return;
         }
-        printChanges(ctx.out, before, *car);
+        if (outcome.nothingChanged)
+            ctx.out << kNothingChanged << '\n';
+        else
+            printChanges(ctx.out, before, *car);
         ctx.exitCode = kExitOk;
     });
 }

@@ -141,7 +141,8 @@ void registerDeltaCommands(CLI::App& app, Context& ctx) {
         "A palette that differs from the sprite's CLUT is only written over it when --answer\n"
         "says ok (or yes); the default answer cancels the import.\n"
         "Standard output: \"imported: \" and the picture's path, then \"changed deltas: \" and\n"
-        "their number.\n"
+        "their number, or \"nothing changed\" when the style file already held the set (nothing\n"
+        "is written).\n"
         "Exit status: 0 imported and saved, 1 refused, cancelled or failed, 2 usage error.");
     addStyleAndAsn(*importCmd, *imp);
     importCmd->add_option("FILE", imp->file, "The delta set picture (.bmp or .png)")->required();
@@ -157,12 +158,16 @@ void registerDeltaCommands(CLI::App& app, Context& ctx) {
             ctx.exitCode = kExitFailed;
             return;
         }
-        if (saveChanges(*session, *platform).result != SaveResult::Saved) {
+        const SaveOutcome saved = saveChanges(*session, *platform);
+        if (saved.result != SaveResult::Saved) {
             ctx.exitCode = kExitFailed;
             return;
         }
         ctx.out << "imported: " << file.string() << '\n';
-        ctx.out << "changed deltas: " << result.changed << '\n';
+        if (saved.nothingChanged)
+            ctx.out << kNothingChanged << '\n';
+        else
+            ctx.out << "changed deltas: " << result.changed << '\n';
         ctx.exitCode = kExitOk;
     });
 }

@@ -28,7 +28,8 @@ void registerImportSpriteCommand(CLI::App& app, Context& ctx) {
         "says ok (or yes); the default answer cancels the import.\n"
         "Standard error: the messages and answers (\"message: \", \"answer: \").\n"
         "Standard output: \"imported: \" and the BMP's path, \"clut changed\" when the colours\n"
-        "were overwritten.\n"
+        "were overwritten, or \"nothing changed\" when the style file already held the picture\n"
+        "(nothing is written).\n"
         "Exit status: 0 imported and saved, 1 refused, cancelled or failed, 2 usage error.");
     args->common.addTo(*cmd);
     cmd->add_flag("--tiles", args->tiles, "Open the tile pages and import into a tile");
@@ -48,12 +49,16 @@ void registerImportSpriteCommand(CLI::App& app, Context& ctx) {
             return;
         }
         const bool clutChanged = session->style.gClutChanged;
-        if (saveChanges(*session, *platform).result != SaveResult::Saved) {
+        const SaveOutcome saved = saveChanges(*session, *platform);
+        if (saved.result != SaveResult::Saved) {
             ctx.exitCode = kExitFailed;
             return;
         }
         ctx.out << "imported: " << utf8Of(bmp) << '\n';
-        if (clutChanged) ctx.out << "clut changed\n";
+        if (saved.nothingChanged)
+            ctx.out << kNothingChanged << '\n';
+        else if (clutChanged)
+            ctx.out << "clut changed\n";
         ctx.exitCode = kExitOk;
     });
 }

@@ -88,6 +88,7 @@ void clearUnpaintedRows(PageImage& image, const RowRecordingPainter& painter) {
 
 LoadOutcome fail(StyleSession& s, Platform& platform, BinaryFile& file) {
     file.close();
+    s.style.content.clear();
     std::string text = loadFailureMessage(s.stepText, s.style.path);
     if (!headerFitsFile(s.style.header, s.style.fileLength))
         text += "\r" + notStyleFileLine(s.style.path);
@@ -115,10 +116,15 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
     BinaryFile file(s.errors);
     // A load fills a fresh session: no error of an earlier command belongs to it.
     s.errors.clear();
-    // A failed open leaves its pending error, which ends the load below.
-    static_cast<void>(file.open(style.path, BinaryFile::Mode::Read));
-    style.fileLength = file.length();
+    // The stamp first: a change made while the file is read then shows at the save.
     style.loadedStamp = stampOf(style.path);
+    // The whole file in one read; the loaders read it from memory and the save starts from it.
+    std::vector<std::uint8_t> content;
+    if (readWholeFile(style.path, content))
+        file.openInMemory(style.path, std::move(content));
+    else // a failed open leaves its pending error, which ends the load below
+        static_cast<void>(file.open(style.path, BinaryFile::Mode::Read));
+    style.fileLength = file.length();
     style.header = readStyleHeader(file, style.gIs24Bit);
     appendHeaderDetails(s, platform);
 
@@ -165,6 +171,7 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
     s.caption =
         windowCaption(style.gStyleFileName, style.gMapNumber, style.gIs24Bit, style.loadOption);
     file.close();
+    style.content = file.takeBytes();
     // Side files of a save that was cut short are named to the user, never used silently.
     reportInterruptedSaves(style.path, platform);
     return LoadOutcome::Loaded;

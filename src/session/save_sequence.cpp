@@ -48,6 +48,8 @@ std::string changedOnDiskQuestion(const fs::path& path) {
 
 namespace {
 
+constexpr std::size_t kGrowthRoom = 64 * 1024;
+
 bool writesStyleFile(const StyleFileState& style) {
     return style.gSaveCarInfo.size() > 1 || style.gPagesChanged || style.gClutChanged ||
            style.gDeltasChanged;
@@ -61,10 +63,19 @@ bool changedOnDisk(const StyleFileState& style) {
 }
 
 // What the file looks like after our own save, so the next save does not take it for a change
-// made behind our back.
-void rememberFileState(StyleFileState& style) {
+// made behind our back, and starts from the bytes just written.
+void rememberFileState(StyleFileState& style, std::vector<std::uint8_t>& written) {
     style.loadedStamp = stampOf(style.path);
     if (style.loadedStamp.exists) style.fileLength = style.loadedStamp.length;
+    style.content = std::move(written);
+}
+
+// The bytes the load (or the last save) kept still are the file on disk.
+bool heldContentIsCurrent(const StyleFileState& style) {
+    if (style.content.empty() || !style.loadedStamp.exists ||
+        style.loadedStamp.length != static_cast<std::int64_t>(style.content.size()))
+        return false;
+    return stampOf(style.path) == style.loadedStamp;
 }
 
 class SaveRun {
@@ -92,8 +103,10 @@ private:
     bool runSaver(const char* step, const StyleSaver& saver);
     bool saveDeltasAndCut();
     void buildNames();
-    // Replaces the style file and ENGLISH.FXT with their new content, both complete first.
+    // Backs up and replaces the style file and ENGLISH.FXT whose new content differs from the
+    // old, both complete first.
     bool writeFiles();
+    bool backUpStyle();
     bool styleFailed(const ReplaceFailure& failure);
 
     StyleSession& s_;
@@ -102,10 +115,11 @@ private:
     BinaryFile file_;
     SaveOutcome out_;
     int error_ = err::None;
-    std::vector<std::uint8_t> styleBytes_, fxtBytes_;
+    std::vector<std::uint8_t> styleBytes_, fxtBytes_, oldFxtBytes_;
     FileLock fxtLock_;
     fs::path fxtPath_;
     bool writeNames_ = false;
+    bool styleChanged_ = false; // the savers' result differs from the file's content
 };
 
 SaveOutcome SaveRun::fail(int error) {
@@ -137,14 +151,30 @@ bool SaveRun::openContent() {
         error_ = err::PathFileAccess;
         return false;
     }
-    std::vector<std::uint8_t> bytes;
-    if (!readWholeFile(style.path, bytes)) {
+    // The content the load read is used while the file on disk is still that file; otherwise
+    // (changed behind our back and the user chose to write over it) the file is read again.
+    if (!heldContentIsCurrent(style) && !readWholeFile(style.path, style.content)) {
+        style.content.clear();
         out_.cause = describeCause(std::error_code(errno, std::generic_category()));
         error_ = err::PathFileAccess;
         return false;
     }
+    // The savers work on a copy (the content stays for the comparison and the .bak), with room
+    // for a delta store that grows, so that the copy is not moved again.
+    std::vector<std::uint8_t> bytes;
+    bytes.reserve(style.content.size() + kGrowthRoom);
+    bytes.assign(style.content.begin(), style.content.end());
     file_.openInMemory(style.path, std::move(bytes));
     return true;
+}
+
+// Nothing is written before the file as it was is safe in its .bak.
+bool SaveRun::backUpStyle() {
+    std::error_code ec;
+    if (options_.backups->ensureBackup(s_.style.path, s_.style.content, ec)) return true;
+    out_.cause = describeCause(ec);
+    error_ = err::PathFileAccess;
+    return false;
 }
 
 bool SaveRun::runSaver(const char* step, const StyleSaver& saver) {
@@ -195,25 +225,34 @@ void SaveRun::buildNames() {
         platform_.message(changedOnDiskQuestion(fxtPath_), Buttons::YesNo, Icon::Warning) !=
             Answer::Yes)
         return;
+    if (!options_.savers.carNames || !options_.savers.carNames(s_, platform_, fxtBytes_)) return;
+    // Names that come out as the file already holds them leave it (and its .bak) alone.
+    const bool read = readWholeFile(fxtPath_, oldFxtBytes_);
+    if (read && oldFxtBytes_ == fxtBytes_ && !options_.writeUnchanged) {
+        s_.style.gCarNamesChanged = false;
+        return;
+    }
     std::error_code ec;
-    if (!options_.backups->ensureBackup(fxtPath_, ec)) {
+    // A file that could not be read is copied, so the copy names the cause.
+    if (!(read ? options_.backups->ensureBackup(fxtPath_, oldFxtBytes_, ec)
+               : options_.backups->ensureBackup(fxtPath_, ec))) {
         platform_.message(
             "ENGLISH.FXT could not be copied to " + backupPathOf(fxtPath_).string() +
             ", so the car names were not saved.\rThe system said: " + describeCause(ec) + ".");
         return;
     }
-    writeNames_ = options_.savers.carNames && options_.savers.carNames(s_, platform_, fxtBytes_);
+    writeNames_ = true;
 }
 
 bool SaveRun::writeFiles() {
     std::vector<FileContent> files;
-    if (out_.styleWritten) files.push_back({s_.style.path, styleBytes_});
+    if (styleChanged_) files.push_back({s_.style.path, styleBytes_});
     if (writeNames_) files.push_back({fxtPath_, fxtBytes_});
     if (files.empty()) return true;
     checkpoint("Files Built");
     const ReplaceFailure failure = replaceFilesAtomically(files);
     if (!failure) {
-        if (out_.styleWritten) rememberFileState(s_.style);
+        if (styleChanged_) rememberFileState(s_.style, styleBytes_);
         checkpoint("Files Replaced");
         return true;
     }
@@ -222,12 +261,12 @@ bool SaveRun::writeFiles() {
         platform_.message(std::string("Error occured during write of FXT file.") + "\r" +
                           "The system said: " + describeCause(failure.cause) + ".");
         writeNames_ = false;
-        if (!out_.styleWritten) return true;
+        if (!styleChanged_) return true;
         if (failure.replaced == 0) {
             if (const ReplaceFailure alone = replaceFileAtomically(s_.style.path, styleBytes_))
                 return styleFailed(alone);
         }
-        rememberFileState(s_.style);
+        rememberFileState(s_.style, styleBytes_);
         return true;
     }
     return styleFailed(failure);
@@ -272,12 +311,6 @@ SaveOutcome SaveRun::run() {
         const std::string mismatch = sectionMismatch(
             style.path, parseStyleHeader(head.data(), style.header.is24), file_.length());
         if (!mismatch.empty()) return refuse(mismatch);
-        // Nothing is written before the file as it was is safe in its .bak.
-        std::error_code ec;
-        if (!options_.backups->ensureBackup(style.path, ec)) {
-            out_.cause = describeCause(ec);
-            return fail(err::PathFileAccess);
-        }
     } else {
         std::error_code ec;
         if (!fs::is_regular_file(style.path, ec)) return fail(err::FileNotFound);
@@ -293,10 +326,16 @@ SaveOutcome SaveRun::run() {
         if (s_.errors.hasPending()) return fail(s_.errors.pending());
         file_.close();
         styleBytes_ = file_.takeBytes();
+        // A result equal to the file's content is not written, nor backed up.
+        styleChanged_ = options_.writeUnchanged || styleBytes_ != style.content;
+        if (styleChanged_ && !backUpStyle()) return fail(error_);
     }
 
-    if (style.gCarNamesChanged) buildNames();
+    const bool namesToSave = style.gCarNamesChanged;
+    if (namesToSave) buildNames();
     if (!writeFiles()) return fail(error_);
+    out_.nothingChanged = (out_.styleWritten || namesToSave) && !styleChanged_ && !writeNames_ &&
+                          !style.gCarNamesChanged;
     if (writeNames_) {
         rememberFxtState(s_.names, fxtPath_);
         out_.namesSaved = true;

@@ -114,22 +114,30 @@ TEST_P(SaveBothKinds, FullSaveOfAnUnchangedFileGivesBackTheSameBytes) {
     write(is24);
     load();
     markStyleChanged();
+    const FileStamp loaded = stampOf(path);
     const SaveOutcome out = save();
     EXPECT_EQ(out.result, SaveResult::Saved) << ::testing::PrintToString(platform.messageTexts());
     EXPECT_EQ(out.steps, is24 ? kEverySaveStep24 : kEverySaveStep8);
     EXPECT_TRUE(out.disableSaveCommand());
     EXPECT_FALSE(out.shrunk);
     EXPECT_TRUE(platform.shownMessages.empty());
-    EXPECT_EQ(bytes(), original);
-    EXPECT_EQ(tb::readFile(bak()), original);
+    // The savers give back the file's own bytes, so neither the file nor a .bak is written.
+    EXPECT_TRUE(out.nothingChanged);
+    EXPECT_EQ(stampOf(path), loaded);
+    EXPECT_FALSE(fs::exists(bak()));
     EXPECT_FALSE(fs::exists(withSuffix(path, "~")));
     EXPECT_FALSE(session->style.anyChange());
 
-    // A second full save in the same run neither asks nor changes a byte.
+    // Written when asked to all the same: the same bytes, the original kept in the .bak.
     markStyleChanged();
-    EXPECT_EQ(save().result, SaveResult::Saved);
+    options.writeUnchanged = true;
+    const SaveOutcome written = save();
+    EXPECT_EQ(written.result, SaveResult::Saved);
+    EXPECT_FALSE(written.nothingChanged);
+    EXPECT_NE(stampOf(path), loaded);
     EXPECT_TRUE(platform.shownMessages.empty());
     EXPECT_EQ(bytes(), original);
+    EXPECT_EQ(tb::readFile(bak()), original);
 }
 
 INSTANTIATE_TEST_SUITE_P(G24AndGry, SaveBothKinds, ::testing::Values(true, false),
@@ -262,14 +270,16 @@ TEST_F(SaveFixture, FailedStepIsNamedAndTheStepsNotReachedStayDirty) {
     ASSERT_EQ(platform.shownMessages.size(), 1u);
     const std::string& text = platform.shownMessages[0].text;
     EXPECT_EQ(text.substr(0, text.find('\r')), "ERROR: Save Pages");
+    // The savers work in memory: the file is untouched and nothing was backed up yet.
     EXPECT_EQ(text.substr(text.rfind('\r') + 1),
-              "The original file is kept as " + bak().string() + ".");
+              "There is no backup copy at " + bak().string() + ".");
     EXPECT_EQ(session->style.gSaveCarInfo.size(), 1u); // car info went through
     EXPECT_TRUE(session->style.gPagesChanged);
     EXPECT_TRUE(session->style.gClutChanged);
     EXPECT_TRUE(session->style.gDeltasChanged);
     EXPECT_TRUE(session->style.gCarNamesChanged);
-    EXPECT_EQ(tb::readFile(bak()), original);
+    EXPECT_EQ(bytes(), original);
+    EXPECT_FALSE(fs::exists(bak()));
 }
 
 TEST_F(SaveFixture, PartWithoutASaverFailsInsteadOfPassingForSaved) {
@@ -304,6 +314,31 @@ TEST_F(SaveFixture, FileChangedOnDiskAsksBeforeWritingOverIt) {
     platform.scriptedAnswers.push_back(Answer::Yes);
     EXPECT_EQ(save().result, SaveResult::Saved);
     EXPECT_EQ(bytes().size(), original.size() + 1);
+}
+
+TEST_F(SaveFixture, FileRewrittenOnDiskIsSavedFromItsNewBytesNotTheLoadedOnes) {
+    write();
+    load();
+    // Another program changes a tile byte, which no saver writes, behind the editor's back.
+    auto other = original;
+    const std::size_t tileByte = static_cast<std::size_t>(session->style.header.headSize()) + 5;
+    other[tileByte] ^= 0x5A;
+    tb::writeFile(path, other);
+    fs::last_write_time(path, fs::last_write_time(path) + std::chrono::seconds(5));
+    session->style.gPagesChanged = true;
+    session->pages.pixel(0, 0, 0) ^= 0xFF;
+    platform.scriptedAnswers.push_back(Answer::Yes);
+    ASSERT_EQ(save().result, SaveResult::Saved);
+    const auto saved = bytes();
+    EXPECT_EQ(saved[tileByte], other[tileByte]);
+    EXPECT_EQ(tb::readFile(bak()), other);
+
+    // The next save starts from what this one wrote.
+    session->style.gPagesChanged = true;
+    session->pages.pixel(0, 1, 0) ^= 0xFF;
+    ASSERT_EQ(save().result, SaveResult::Saved);
+    EXPECT_EQ(bytes()[tileByte], other[tileByte]);
+    EXPECT_NE(bytes(), saved);
 }
 
 // ---------------------------------------------------------------- backups
@@ -377,7 +412,11 @@ TEST_P(SaveCrash, LeavesTheOriginalRecoverable) {
     };
     EXPECT_EXIT(save(), ::testing::ExitedWithCode(3), "");
 
-    EXPECT_EQ(tb::readFile(bak()), original);
+    // The .bak is made once the new content is known to differ, before anything is replaced.
+    if (at == "Files Built" || at == "Files Replaced")
+        EXPECT_EQ(tb::readFile(bak()), original);
+    else
+        EXPECT_FALSE(fs::exists(bak()));
     // Nothing reaches the style file before the one replace at the end.
     EXPECT_EQ(bytes(), at == "Files Replaced" ? saved : original);
     EXPECT_TRUE(findInterruptedSaves(path).empty());
