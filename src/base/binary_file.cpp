@@ -140,8 +140,8 @@ bool BinaryFile::fillWindow(std::int64_t at) {
 }
 
 std::size_t BinaryFile::read(std::span<std::uint8_t> dest) {
-    std::fill(dest.begin(), dest.end(), std::uint8_t{0});
     if (!isOpen()) {
+        std::fill(dest.begin(), dest.end(), std::uint8_t{0});
         errors_.raise(err::BadFileNameOrNumber, "read");
         return 0;
     }
@@ -151,6 +151,8 @@ std::size_t BinaryFile::read(std::span<std::uint8_t> dest) {
             done = static_cast<std::size_t>(
                 std::min<std::int64_t>(length_ - pos_, static_cast<std::int64_t>(dest.size())));
         if (done > 0) std::memcpy(dest.data(), memory_->data() + pos_, done);
+        // Only the bytes past the end are cleared: each byte of dest is written once.
+        std::fill(dest.begin() + static_cast<std::ptrdiff_t>(done), dest.end(), std::uint8_t{0});
         pos_ += static_cast<std::int64_t>(dest.size());
         return done;
     }
@@ -169,6 +171,7 @@ std::size_t BinaryFile::read(std::span<std::uint8_t> dest) {
         std::memcpy(dest.data() + done, window_.data() + (at - windowStart_), take);
         done += take;
     }
+    std::fill(dest.begin() + static_cast<std::ptrdiff_t>(done), dest.end(), std::uint8_t{0});
     // The missing bytes read as zeros and the file is then at its end.
     pos_ += static_cast<std::int64_t>(dest.size());
     return done;
