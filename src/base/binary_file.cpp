@@ -70,6 +70,7 @@ void BinaryFile::openBytes(std::vector<std::uint8_t>& bytes, const std::filesyst
     close();
     path_ = name;
     memory_ = &bytes;
+    memoryChanged_ = false;
     length_ = static_cast<std::int64_t>(bytes.size());
     pos_ = 0;
 }
@@ -93,6 +94,7 @@ void BinaryFile::truncateInMemory(std::int64_t length) {
     if (length >= 0 && length < static_cast<std::int64_t>(bytes.size())) {
         bytes.resize(static_cast<std::size_t>(length));
         if (memory_) length_ = length;
+        memoryChanged_ = true;
     }
 }
 
@@ -207,8 +209,13 @@ void BinaryFile::write(std::span<const std::uint8_t> src) {
     if (memory_) {
         // A gap before the position fills with zeros, as in a file.
         const auto end = static_cast<std::size_t>(pos_) + src.size();
-        if (memory_->size() < end) memory_->resize(end, 0);
-        std::memcpy(memory_->data() + pos_, src.data(), src.size());
+        if (memory_->size() < end) {
+            memory_->resize(end, 0);
+            memoryChanged_ = true;
+        }
+        std::uint8_t* at = memory_->data() + pos_;
+        if (!memoryChanged_ && std::memcmp(at, src.data(), src.size()) != 0) memoryChanged_ = true;
+        std::memcpy(at, src.data(), src.size());
         pos_ += static_cast<std::int64_t>(src.size());
         length_ = static_cast<std::int64_t>(memory_->size());
         return;

@@ -48,8 +48,6 @@ std::string changedOnDiskQuestion(const fs::path& path) {
 
 namespace {
 
-constexpr std::size_t kGrowthRoom = 64 * 1024;
-
 bool writesStyleFile(const StyleFileState& style) {
     return style.gSaveCarInfo.size() > 1 || style.gPagesChanged || style.gClutChanged ||
            style.gDeltasChanged;
@@ -151,27 +149,27 @@ bool SaveRun::openContent() {
         error_ = err::PathFileAccess;
         return false;
     }
-    // The content the load read is used while the file on disk is still that file; otherwise
-    // (changed behind our back and the user chose to write over it) the file is read again.
-    if (!heldContentIsCurrent(style) && !readWholeFile(style.path, style.content)) {
-        style.content.clear();
+    // The content of the last save is used while the file on disk is still what it wrote;
+    // otherwise the file is read. The savers change it in place and the in-memory file notes
+    // whether any byte changed, so no second copy is needed to compare.
+    std::vector<std::uint8_t> bytes;
+    if (heldContentIsCurrent(style)) {
+        bytes = std::move(style.content);
+    } else if (!readWholeFile(style.path, bytes)) {
         out_.cause = describeCause(std::error_code(errno, std::generic_category()));
         error_ = err::PathFileAccess;
         return false;
     }
-    // The savers work on a copy (the content stays for the comparison and the .bak), with room
-    // for a delta store that grows, so that the copy is not moved again.
-    std::vector<std::uint8_t> bytes;
-    bytes.reserve(style.content.size() + kGrowthRoom);
-    bytes.assign(style.content.begin(), style.content.end());
+    style.content.clear();
     file_.openInMemory(style.path, std::move(bytes));
     return true;
 }
 
-// Nothing is written before the file as it was is safe in its .bak.
+// Nothing is written before the file as it was is safe in its .bak (the file on disk is still
+// untouched here).
 bool SaveRun::backUpStyle() {
     std::error_code ec;
-    if (options_.backups->ensureBackup(s_.style.path, s_.style.content, ec)) return true;
+    if (options_.backups->ensureBackup(s_.style.path, ec)) return true;
     out_.cause = describeCause(ec);
     error_ = err::PathFileAccess;
     return false;
@@ -327,7 +325,8 @@ SaveOutcome SaveRun::run() {
         file_.close();
         styleBytes_ = file_.takeBytes();
         // A result equal to the file's content is not written, nor backed up.
-        styleChanged_ = options_.writeUnchanged || styleBytes_ != style.content;
+        styleChanged_ = options_.writeUnchanged || file_.memoryChanged();
+        if (!styleChanged_) style.content = std::move(styleBytes_);
         if (styleChanged_ && !backUpStyle()) return fail(error_);
     }
 
