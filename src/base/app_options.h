@@ -15,6 +15,9 @@ struct AppOptions {
     bool debugMode = false;        // gDebugMode: "-d" anywhere on the command line
     std::filesystem::path workDir; // "the program's directory": temp files, dumps, BMPs
     DumpFlags dumps;
+    // The load keeps the style file's bytes, read in one read, for a save that follows (a
+    // command that saves); otherwise it reads through a window and the save reads the file.
+    bool keepStyleContent = false;
 
     // Path of a file in the program's directory.
     std::filesystem::path workPath(const std::string& name) const { return workDir / name; }

@@ -129,6 +129,7 @@ void registerCarSetCommand(CLI::App& app, Context& ctx) {
             return;
         }
         AppOptions options = makeAppOptions(ctx, args->common);
+        options.keepStyleContent = true; // read once for the load and the save
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);
         if (!session) return;

@@ -149,6 +149,7 @@ void registerDeltaCommands(CLI::App& app, Context& ctx) {
     importCmd->add_flag("--clean", imp->clean, "The picture is a clean set (deltas on colour 0)");
     importCmd->callback([imp, &ctx] {
         AppOptions options = makeAppOptions(ctx, imp->common);
+        options.keepStyleContent = true; // read once for the load and the save
         auto platform = makePlatform(ctx, imp->common);
         auto session = loadStyle(ctx, *platform, options, imp->style, kLoadSprites);
         if (!session || !pickSprite(ctx, *session, *platform, imp->asn, "import-deltas")) return;

@@ -39,6 +39,7 @@ void registerImportSpriteCommand(CLI::App& app, Context& ctx) {
     cmd->add_option("BMP", args->bmp, "The 8-bit BMP to import")->required();
     cmd->callback([args, &ctx] {
         AppOptions options = makeAppOptions(ctx, args->common);
+        options.keepStyleContent = true; // read once for the load and the save
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style,
                                  args->tiles ? kLoadTiles : kLoadSprites);

@@ -27,6 +27,7 @@ void registerSaveTestCommand(CLI::App& app, Context& ctx) {
     cmd->add_option("STYLE", args->style, "The style file (.G24 or .GRY)")->required();
     cmd->callback([args, &ctx] {
         AppOptions options = makeAppOptions(ctx, args->common);
+        options.keepStyleContent = true; // read once for the load and the save
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);
         if (!session) return;

@@ -52,6 +52,7 @@ void registerTransparencyCommand(CLI::App& app, Context& ctx) {
     cmd->add_option("ASN", args->asn, "Absolute sprite number")->required();
     cmd->callback([args, &ctx] {
         AppOptions options = makeAppOptions(ctx, args->common);
+        options.keepStyleContent = true; // read once for the load and the save
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);
         if (!session || !pickSprite(ctx, *session, *platform, args->asn, "transparency-fix"))
