@@ -20,6 +20,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QMenuBar>
+#include <QStatusBar>
 #include <QToolBar>
 
 #include <filesystem>
@@ -132,6 +133,10 @@ void MainForm::mnuSaveBlock_Click() {
     // pending (and its flags set), so the next save writes them all.
     if (outcome.result == SaveResult::Saved) session_->history.markSaved(session_->style);
     if (outcome.disableSaveCommand()) setCommandGroup(2, false);
+    if (outcome.nothingChanged)
+        statusBar()->showMessage(tr("Nothing changed: the files already hold these values, "
+                                    "nothing was written."),
+                                 8000);
     board_->refresh();
 }
 

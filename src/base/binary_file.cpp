@@ -70,6 +70,7 @@ void BinaryFile::openBytes(std::vector<std::uint8_t>& bytes, const std::filesyst
     close();
     path_ = name;
     memory_ = &bytes;
+    memoryChanged_ = false;
     length_ = static_cast<std::int64_t>(bytes.size());
     pos_ = 0;
 }
@@ -93,6 +94,7 @@ void BinaryFile::truncateInMemory(std::int64_t length) {
     if (length >= 0 && length < static_cast<std::int64_t>(bytes.size())) {
         bytes.resize(static_cast<std::size_t>(length));
         if (memory_) length_ = length;
+        memoryChanged_ = true;
     }
 }
 
@@ -140,8 +142,8 @@ bool BinaryFile::fillWindow(std::int64_t at) {
 }
 
 std::size_t BinaryFile::read(std::span<std::uint8_t> dest) {
-    std::fill(dest.begin(), dest.end(), std::uint8_t{0});
     if (!isOpen()) {
+        std::fill(dest.begin(), dest.end(), std::uint8_t{0});
         errors_.raise(err::BadFileNameOrNumber, "read");
         return 0;
     }
@@ -151,6 +153,8 @@ std::size_t BinaryFile::read(std::span<std::uint8_t> dest) {
             done = static_cast<std::size_t>(
                 std::min<std::int64_t>(length_ - pos_, static_cast<std::int64_t>(dest.size())));
         if (done > 0) std::memcpy(dest.data(), memory_->data() + pos_, done);
+        // Only the bytes past the end are cleared: each byte of dest is written once.
+        std::fill(dest.begin() + static_cast<std::ptrdiff_t>(done), dest.end(), std::uint8_t{0});
         pos_ += static_cast<std::int64_t>(dest.size());
         return done;
     }
@@ -169,6 +173,7 @@ std::size_t BinaryFile::read(std::span<std::uint8_t> dest) {
         std::memcpy(dest.data() + done, window_.data() + (at - windowStart_), take);
         done += take;
     }
+    std::fill(dest.begin() + static_cast<std::ptrdiff_t>(done), dest.end(), std::uint8_t{0});
     // The missing bytes read as zeros and the file is then at its end.
     pos_ += static_cast<std::int64_t>(dest.size());
     return done;
@@ -204,8 +209,13 @@ void BinaryFile::write(std::span<const std::uint8_t> src) {
     if (memory_) {
         // A gap before the position fills with zeros, as in a file.
         const auto end = static_cast<std::size_t>(pos_) + src.size();
-        if (memory_->size() < end) memory_->resize(end, 0);
-        std::memcpy(memory_->data() + pos_, src.data(), src.size());
+        if (memory_->size() < end) {
+            memory_->resize(end, 0);
+            memoryChanged_ = true;
+        }
+        std::uint8_t* at = memory_->data() + pos_;
+        if (!memoryChanged_ && std::memcmp(at, src.data(), src.size()) != 0) memoryChanged_ = true;
+        std::memcpy(at, src.data(), src.size());
         pos_ += static_cast<std::int64_t>(src.size());
         length_ = static_cast<std::int64_t>(memory_->size());
         return;

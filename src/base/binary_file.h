@@ -40,6 +40,9 @@ public:
     [[nodiscard]] std::vector<std::uint8_t> takeBytes();
     // Cuts the content held in memory to `length` bytes (a file on disk is cut by a copy).
     void truncateInMemory(std::int64_t length);
+    // Whether a write or a cut since the content was opened in memory changed any byte of it (a
+    // write of the bytes already there changes nothing).
+    bool memoryChanged() const { return memoryChanged_; }
     void close();
     bool isOpen() const { return file_ != nullptr || memory_ != nullptr; }
     const std::filesystem::path& path() const { return path_; }
@@ -83,6 +86,7 @@ private:
     std::int64_t windowStart_ = 0;
     std::int64_t osPos_ = -1;              // where the OS file pointer is, -1 when unknown
     std::vector<std::uint8_t> ownedBytes_; // the content of openInMemory() (kept after close)
+    bool memoryChanged_ = false;
 };
 
 // Little-endian helpers for byte buffers (never a struct laid over bytes).

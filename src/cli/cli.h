@@ -26,6 +26,9 @@ struct Context {
     int exitCode = kExitOk;
 };
 
+// What a command that saves prints when the save found every file already as it would write it.
+inline constexpr const char* kNothingChanged = "nothing changed";
+
 // Options most commands take.
 struct CommonOptions {
     bool debug = false;

@@ -122,7 +122,8 @@ void registerCarSetCommand(Command& app, Context& ctx) {
         "game would read. 16.16 fields take decimals (1.5).\n"
         "A name is refused when the save could not write it (no ENGLISH.FXT, no entry for the\n"
         "car's model in it, a line break in the name).\n"
-        "Standard output: \"field: old -> new\" for every changed value.\n"
+        "Standard output: \"field: old -> new\" for every changed value, or \"nothing changed\"\n"
+        "when the car already has these values (nothing is written).\n"
         "The style file and ENGLISH.FXT are saved together or not at all, each under its lock\n"
         "and only if no other run saved it since this one read it; a save of them that was\n"
         "cut short is finished or rolled back first. A file with other hard links is refused\n"
@@ -180,15 +181,10 @@ void registerCarSetCommand(Command& app, Context& ctx) {
                 return;
             }
         }
-        if (!recordChanged && !nameChanged) {
-            ctx.out << "no change\n";
-            ctx.exitCode = kExitOk;
-            return;
-        }
-
         const CarEntry before = *car;
         CarEdit edit;
-        if (recordChanged) {
+        // Values already stored go through the save too, which finds nothing changed.
+        if (recordChanged || !nameChanged) {
             edit.info = edited.info;
             edit.doors = edited.doorList;
         }
@@ -201,7 +197,8 @@ void registerCarSetCommand(Command& app, Context& ctx) {
 
         // The editor's "Save Changes": backups first, then the record in place and the names.
         const SaveOutcome outcome = saveChanges(*session, *platform);
-        if (outcome.result != SaveResult::Saved || (nameChanged && !outcome.namesSaved)) {
+        if (outcome.result != SaveResult::Saved ||
+            (nameChanged && !outcome.namesSaved && !outcome.nothingChanged)) {
             // A save writes both files or neither.
             ctx.err << "car-set: nothing was saved: " << session->style.path.string()
                     << (nameChanged && recordChanged ? " and ENGLISH.FXT are" : " is")
@@ -209,7 +206,10 @@ void registerCarSetCommand(Command& app, Context& ctx) {
             ctx.exitCode = kExitFailed;
             return;
         }
-        printChanges(ctx.out, before, *car);
+        if (outcome.nothingChanged)
+            ctx.out << kNothingChanged << '\n';
+        else
+            printChanges(ctx.out, before, *car);
         ctx.exitCode = kExitOk;
     });
 }

@@ -151,7 +151,8 @@ void registerDeltaCommands(Command& app, Context& ctx) {
         "number of frames (at most 255); new deltas are added at the end, removed ones taken from\n"
         "the end, and removing a delta that a door of the car shows needs --drop-deltas.\n"
         "Standard output: \"imported: \" and the picture's path, then \"changed deltas: \" and\n"
-        "their number, and with --resize \"deltas: \" with the sprite's delta count.\n"
+        "their number, and with --resize \"deltas: \" with the sprite's delta count; or\n"
+        "\"nothing changed\" when the style file already held the set (nothing is written).\n"
         "Exit status: 0 imported and saved, 1 refused, cancelled or failed, 2 usage error.");
     addStyleAndAsn(*importCmd, *imp);
     imp->common.addBreakLinksOption(*importCmd);
@@ -172,14 +173,19 @@ void registerDeltaCommands(Command& app, Context& ctx) {
             ctx.exitCode = kExitFailed;
             return;
         }
-        if (saveChanges(*session, *platform).result != SaveResult::Saved) {
+        const SaveOutcome saved = saveChanges(*session, *platform);
+        if (saved.result != SaveResult::Saved) {
             ctx.exitCode = kExitFailed;
             return;
         }
         ctx.out << "imported: " << file.string() << '\n';
-        ctx.out << "changed deltas: " << result.changed << '\n';
-        if (const SpriteRec* sprite = session->selectedSprite(); sprite && imp->resize)
-            ctx.out << "deltas: " << int{sprite->delta_count} << '\n';
+        if (saved.nothingChanged) {
+            ctx.out << kNothingChanged << '\n';
+        } else {
+            ctx.out << "changed deltas: " << result.changed << '\n';
+            if (const SpriteRec* sprite = session->selectedSprite(); sprite && imp->resize)
+                ctx.out << "deltas: " << int{sprite->delta_count} << '\n';
+        }
         ctx.exitCode = kExitOk;
     });
 }

@@ -33,7 +33,8 @@ void registerImportSpriteCommand(Command& app, Context& ctx) {
         "with --drop-deltas. The car record's collision size is left as it is.\n"
         "Standard error: the messages and answers (\"message: \", \"answer: \").\n"
         "Standard output: \"imported: \" and the BMP's path, \"clut changed\" when the colours\n"
-        "were overwritten, \"resized: \" with the new size and place after a resize.\n"
+        "were overwritten, \"resized: \" with the new size and place after a resize, or\n"
+        "\"nothing changed\" when the style file already held the picture (nothing is written).\n"
         "Exit status: 0 imported and saved, 1 refused, cancelled or failed, 2 usage error.");
     args->common.addTo(*cmd);
     args->common.addBreakLinksOption(*cmd);
@@ -58,11 +59,13 @@ void registerImportSpriteCommand(Command& app, Context& ctx) {
             return;
         }
         const bool clutChanged = session->style.gClutChanged;
-        if (saveChanges(*session, *platform).result != SaveResult::Saved) {
+        const SaveOutcome saved = saveChanges(*session, *platform);
+        if (saved.result != SaveResult::Saved) {
             ctx.exitCode = kExitFailed;
             return;
         }
         ctx.out << "imported: " << utf8Of(bmp) << '\n';
+        if (saved.nothingChanged) ctx.out << kNothingChanged << '\n';
         if (clutChanged) ctx.out << "clut changed\n";
         if (const SpriteRec* now = session->selectedSprite();
             now && (now->W != before.W || now->H != before.H)) {

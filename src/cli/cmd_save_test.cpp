@@ -36,7 +36,10 @@ void registerSaveTestCommand(Command& app, Context& ctx) {
         auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);
         if (!session) return;
         markAllChanged(*session);
-        const SaveOutcome outcome = saveChanges(*session, *platform);
+        // Everything is written even where it comes out as it was: this command tests the writing.
+        SaveOptions save;
+        save.writeUnchanged = true;
+        const SaveOutcome outcome = saveChanges(*session, *platform, save);
         for (const std::string& step : outcome.steps) ctx.out << "step: " << step << '\n';
         switch (outcome.result) {
         case SaveResult::Saved:

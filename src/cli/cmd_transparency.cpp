@@ -58,10 +58,13 @@ void registerTransparencyCommand(Command& app, Context& ctx) {
         if (!session || !pickSprite(ctx, *session, *platform, args->asn, "transparency-fix"))
             return;
         const TransparencyOutcome outcome = transparencyCorrect(*session, *platform);
-        if (outcome == TransparencyOutcome::Corrected &&
-            saveChanges(*session, *platform).result != SaveResult::Saved) {
-            ctx.exitCode = kExitFailed;
-            return;
+        if (outcome == TransparencyOutcome::Corrected) {
+            const SaveOutcome saved = saveChanges(*session, *platform);
+            if (saved.result != SaveResult::Saved) {
+                ctx.exitCode = kExitFailed;
+                return;
+            }
+            if (saved.nothingChanged) ctx.out << kNothingChanged << '\n';
         }
         ctx.out << outcomeWord(outcome) << '\n';
         ctx.exitCode = outcome == TransparencyOutcome::Corrected ||

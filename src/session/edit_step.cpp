@@ -275,10 +275,21 @@ EditStep EditRecorder::finish(const StyleSession& s, std::string name) {
                 out.insert(out.end(), pal[i].begin(), pal[i].end());
             return out;
         };
+        // Compared in place; only a CLUT that differs is copied into the step.
+        auto sameClut = [&](std::size_t c) {
+            const auto& a = was.pal24;
+            const auto& b = s.colours.pal24;
+            const std::size_t end = (c + 1) * 256;
+            if ((end > a.size()) != (end > b.size())) return false;
+            if (end > a.size()) return true;
+            return std::equal(a.begin() + static_cast<std::ptrdiff_t>(c * 256),
+                              a.begin() + static_cast<std::ptrdiff_t>(end),
+                              b.begin() + static_cast<std::ptrdiff_t>(c * 256));
+        };
         for (std::size_t c = 0; c < cluts; ++c) {
-            auto before = clutBytes(was.pal24, c), after = clutBytes(s.colours.pal24, c);
-            if (before != after)
-                step.cluts_.push_back({static_cast<int>(c), std::move(before), std::move(after)});
+            if (sameClut(c)) continue;
+            step.cluts_.push_back(
+                {static_cast<int>(c), clutBytes(was.pal24, c), clutBytes(s.colours.pal24, c)});
         }
     }
 
@@ -286,9 +297,10 @@ EditStep EditRecorder::finish(const StyleSession& s, std::string name) {
     if (touches_ & kTouchCars) {
         step.carSlotsBefore_ = was.cars.size();
         const std::size_t slots = std::max(was.cars.size(), s.cars.slots.size());
+        const CarEntry none{};
         for (std::size_t asn = 0; asn < slots; ++asn) {
-            const CarEntry before = asn < was.cars.size() ? was.cars[asn] : CarEntry{};
-            const CarEntry after = asn < s.cars.slots.size() ? s.cars.slots[asn] : CarEntry{};
+            const CarEntry& before = asn < was.cars.size() ? was.cars[asn] : none;
+            const CarEntry& after = asn < s.cars.slots.size() ? s.cars.slots[asn] : none;
             if (before == after) continue;
             step.cars_.push_back({static_cast<int>(asn), before, after});
             // A name lives in ENGLISH.FXT; only the record itself is saved with the car.
@@ -315,10 +327,11 @@ EditStep EditRecorder::finish(const StyleSession& s, std::string name) {
         const auto& now = s.deltas.myDeltas;
         const std::size_t entries = std::max(was.deltas.size(), now.size());
         for (std::size_t i = 0; i < entries; ++i) {
+            if (i < was.deltas.size() && i < now.size() && sameDeltaContent(was.deltas[i], now[i]))
+                continue;
             std::optional<DeltaRec> before, after;
             if (i < was.deltas.size()) before = was.deltas[i];
             if (i < now.size()) after = now[i];
-            if (before && after && sameDeltaContent(*before, *after)) continue;
             step.deltas_.push_back({i, std::move(before), std::move(after)});
         }
     }

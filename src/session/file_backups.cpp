@@ -19,6 +19,16 @@ fs::path BackupRegistry::key(const fs::path& file) {
 }
 
 bool BackupRegistry::ensureBackup(const fs::path& file, std::error_code& ec) {
+    return ensure(file, nullptr, ec);
+}
+
+bool BackupRegistry::ensureBackup(const fs::path& file, std::span<const std::uint8_t> content,
+                                  std::error_code& ec) {
+    return ensure(file, &content, ec);
+}
+
+bool BackupRegistry::ensure(const fs::path& file, const std::span<const std::uint8_t>* content,
+                            std::error_code& ec) {
     ec.clear();
     const fs::path id = key(file);
     std::lock_guard lock(mutex_);
@@ -29,7 +39,8 @@ bool BackupRegistry::ensureBackup(const fs::path& file, std::error_code& ec) {
         handled_.insert(id);
         return true;
     }
-    if (const ReplaceFailure failure = copyFileAtomically(file, bak)) {
+    if (const ReplaceFailure failure =
+            content ? replaceFileAtomically(bak, *content) : copyFileAtomically(file, bak)) {
         ec = failure.cause;
         return false;
     }

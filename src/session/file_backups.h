@@ -3,9 +3,11 @@
 // copied to its name + ".bak". An existing .bak is the pristine original from an earlier run and
 // is never overwritten.
 
+#include <cstdint>
 #include <filesystem>
 #include <mutex>
 #include <set>
+#include <span>
 #include <system_error>
 
 namespace torquil {
@@ -19,12 +21,18 @@ public:
     // backup exists afterwards, or when there is no file to back up; false (ec set) when the copy
     // could not be written, in which case a later call tries again.
     bool ensureBackup(const std::filesystem::path& file, std::error_code& ec);
+    // The same with the file's content already in memory: the backup is written from `content`
+    // instead of reading the file again.
+    bool ensureBackup(const std::filesystem::path& file, std::span<const std::uint8_t> content,
+                      std::error_code& ec);
     // Whether `file` was already dealt with in this run.
     bool handled(const std::filesystem::path& file) const;
     // Forgets every file (for tests: a fresh run of the program).
     void reset();
 
 private:
+    bool ensure(const std::filesystem::path& file, const std::span<const std::uint8_t>* content,
+                std::error_code& ec);
     static std::filesystem::path key(const std::filesystem::path& file);
 
     mutable std::mutex mutex_;

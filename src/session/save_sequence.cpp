@@ -123,6 +123,7 @@ private:
     fs::path fxtPath_;
     bool writeNames_ = false;
     std::string pairLine_; // after a failed write of both files: that neither was written
+    bool styleChanged_ = false; // the savers' result differs from the file's content
     SpriteInfoRewrite layout_; // the section positions to put back when the save fails
 };
 
@@ -222,25 +223,34 @@ bool SaveRun::buildNames() {
     if (!fxtLock_.staleHolder().empty())
         platform_.message(staleLockNote(fxtLock_.lockPath(), fxtLock_.staleHolder()), Buttons::Ok,
                           Icon::Warning);
+    writeNames_ = saver && saver(s_, platform_, fxtBytes_);
+    if (!writeNames_) {
+        out_.result = SaveResult::Failed;
+        out_.failedStep = s_.stepText = "Save Car Names";
+        return false;
+    }
+    // Names that come out as the file already holds them leave it (and its .bak) alone.
+    std::vector<std::uint8_t> old;
+    if (!options_.writeUnchanged && readWholeFile(fxtPath_, old) && old == fxtBytes_) {
+        writeNames_ = false;
+        s_.style.gCarNamesChanged = false;
+        return true;
+    }
     std::error_code ec;
     if (!options_.backups->ensureBackup(fxtPath_, ec)) {
         platform_.message("ENGLISH.FXT could not be copied to " + backupPathOf(fxtPath_).string() +
                           ", so nothing was saved.\rThe system said: " + describeCause(ec) + ".");
         out_.result = SaveResult::Failed;
         out_.failedStep = s_.stepText = "Save Car Names";
+        writeNames_ = false;
         return false;
     }
-    writeNames_ = saver && saver(s_, platform_, fxtBytes_);
-    if (!writeNames_) {
-        out_.result = SaveResult::Failed;
-        out_.failedStep = s_.stepText = "Save Car Names";
-    }
-    return writeNames_;
+    return true;
 }
 
 bool SaveRun::writeFiles() {
     std::vector<CommitFile> files;
-    if (out_.styleWritten) files.push_back({s_.style.path, styleBytes_, styleReadAs_});
+    if (styleChanged_) files.push_back({s_.style.path, styleBytes_, styleReadAs_});
     if (writeNames_) files.push_back({fxtPath_, fxtBytes_, s_.names.fxtStamp});
     if (files.empty()) return true;
     checkpoint("Files Built");
@@ -263,7 +273,7 @@ bool SaveRun::writeFiles() {
         platform_.message(text, Buttons::Ok, Icon::Warning);
     switch (result.outcome) {
     case CommitOutcome::Committed:
-        if (out_.styleWritten) rememberFileState(s_.style);
+        if (styleChanged_) rememberFileState(s_.style);
         checkpoint("Files Replaced");
         return true;
     case CommitOutcome::Changed:
@@ -336,12 +346,6 @@ SaveOutcome SaveRun::run() {
         const std::string mismatch = sectionMismatch(
             style.path, parseStyleHeader(head.data(), style.header.is24), file_.length());
         if (!mismatch.empty()) return refuse(mismatch);
-        // Nothing is written before the file as it was is safe in its .bak.
-        std::error_code ec;
-        if (!options_.backups->ensureBackup(style.path, ec)) {
-            out_.cause = describeCause(ec);
-            return fail(err::PathFileAccess);
-        }
     } else {
         std::error_code ec;
         if (!fs::is_regular_file(style.path, ec)) return fail(err::FileNotFound);
@@ -366,11 +370,22 @@ SaveOutcome SaveRun::run() {
     if (out_.styleWritten) {
         if (s_.errors.hasPending()) return fail(s_.errors.pending());
         file_.close();
+        // A result equal to the file's content is not written, nor backed up.
+        styleChanged_ = options_.writeUnchanged || file_.memoryChanged();
         styleBytes_ = file_.takeBytes();
+        // Nothing is written before the file as it was is safe in its .bak.
+        std::error_code ec;
+        if (styleChanged_ && !options_.backups->ensureBackup(style.path, ec)) {
+            out_.cause = describeCause(ec);
+            return fail(err::PathFileAccess);
+        }
     }
 
-    if (style.gCarNamesChanged && !buildNames()) return out_;
+    const bool namesToSave = style.gCarNamesChanged;
+    if (namesToSave && !buildNames()) return out_;
     if (!writeFiles()) return out_;
+    out_.nothingChanged =
+        (out_.styleWritten || namesToSave) && !styleChanged_ && !writeNames_ && !style.gCarNamesChanged;
     if (writeNames_) {
         rememberFxtState(s_.names, fxtPath_);
         out_.namesSaved = true;

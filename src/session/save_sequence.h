@@ -6,7 +6,8 @@
 // neither, under both files' locks, each checked to be still the file the save read. The modder's
 // original style file and ENGLISH.FXT are copied to ".bak" files before the program first writes
 // them. The save refuses a file whose header does not add up to its length and names the system's
-// cause of a failure. A save that writes nothing leaves every edit pending.
+// cause of a failure. A save that writes nothing leaves every edit pending. A file whose new
+// content equals its old content is left alone, .bak and all (SaveOutcome::nothingChanged).
 
 #include "base/app_options.h"
 #include "session/edits.h" // markAllChanged
@@ -48,6 +49,8 @@ struct SaveOptions {
     std::optional<LinkPolicy> links;
     BackupRegistry* backups = &processBackups();
     SaveCheckpoint checkpoint; // named points of the save, for tests that play a crash
+    // Write (and back up) files whose new content equals the old too: a test of the writing.
+    bool writeUnchanged = false;
 };
 
 enum class SaveResult {
@@ -64,6 +67,9 @@ struct SaveOutcome {
     bool styleWritten = false;      // a saver wrote into the style file
     bool shrunk = false;            // the file was cut through its "~" copy
     bool namesSaved = false;        // ENGLISH.FXT was rewritten
+    // There were changes to save, but the new content of each file equals what the file holds:
+    // no file (and no .bak) was written. Every command and the window tell the user so.
+    bool nothingChanged = false;
     std::filesystem::path backup;   // the style file's ".bak"
     std::string cause;              // the system's cause of a failed write ("disk full")
 

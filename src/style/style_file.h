@@ -26,6 +26,9 @@ struct StyleFileState {
     StyleHeader header;
     std::int64_t fileLength = 0; // L, the file's real length when it was loaded
     FileStamp loadedStamp; // the file as loaded (or last saved), to notice changes behind our back
+    // The file's bytes as the last save read or wrote them: the next save starts from them while
+    // the file on disk still has `loadedStamp`, and compares its result with them.
+    std::vector<std::uint8_t> content;
 
     // 1-based positions; the car and sprite info ones are 0 under the tiles option.
     std::int64_t gSeekCarInfo = 0, gSeekCarInfoEnd = 0;

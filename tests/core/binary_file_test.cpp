@@ -106,6 +106,29 @@ TEST(BinaryFile, WritesInPlaceAndReadsBackThroughTheCache) {
     EXPECT_EQ(all[10], 7);
 }
 
+TEST(BinaryFile, ContentInMemoryNotesOnlyWritesThatChangeAByte) {
+    ErrorState errors;
+    BinaryFile file(errors);
+    const std::vector<std::uint8_t> content{1, 2, 3, 4, 5, 6};
+    file.openInMemory("x.bin", content);
+    file.seek(2);
+    file.write(std::vector<std::uint8_t>{2, 3}); // what is there already
+    EXPECT_FALSE(file.memoryChanged());
+    file.seek(6);
+    file.writeU8(9);
+    EXPECT_TRUE(file.memoryChanged());
+    EXPECT_EQ(file.takeBytes(), (std::vector<std::uint8_t>{1, 2, 3, 4, 5, 9}));
+
+    file.openInMemory("x.bin", content); // a new content starts unchanged
+    EXPECT_FALSE(file.memoryChanged());
+    file.seek(7);
+    file.writeU8(0); // longer, even by a zero
+    EXPECT_TRUE(file.memoryChanged());
+    file.openInMemory("x.bin", content);
+    file.truncateInMemory(4);
+    EXPECT_TRUE(file.memoryChanged());
+}
+
 TEST(CheckedTables, OutOfRangeRaisesSubscriptErrorWithoutTouchingMemory) {
     ErrorState errors;
     std::vector<int> table(3, 1);

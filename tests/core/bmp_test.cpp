@@ -377,6 +377,15 @@ TEST_F(BmpFixture, CommandLineExportsEditsImportsAndSaves) {
     ASSERT_EQ(exported.status, 0) << exported.err;
     EXPECT_EQ(exported.out, (dir / "KRBSPR1_1.bmp").string() + "\n");
 
+    // The sprite just exported comes back as it is: nothing is written, not even the .bak.
+    const FileStamp loaded = stampOf(stylePath);
+    auto same = tb::runCli({"import-sprite", "--workdir", work, stylePath.string(), "1",
+                            (dir / "KRBSPR1_1.bmp").string()});
+    ASSERT_EQ(same.status, 0) << same.err;
+    EXPECT_EQ(same.out, "imported: " + (dir / "KRBSPR1_1.bmp").string() + "\nnothing changed\n");
+    EXPECT_EQ(stampOf(stylePath), loaded);
+    EXPECT_FALSE(std::filesystem::exists(stylePath.string() + ".bak"));
+
     auto file = tb::readFile(dir / "KRBSPR1_1.bmp");
     setBmpPixel(file, 30, 20, 2, 1, 250);
     file[54 + 4 * 250] ^= 0x0F; // a new colour for the new pixel

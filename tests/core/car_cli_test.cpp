@@ -1,3 +1,4 @@
+#include "base/file_stamp.h"
 #include "cars/fixed_point.h"
 #include "cli_runner.h"
 #include "sample_level.h"
@@ -116,6 +117,14 @@ TEST(CarCli, CarSetClampsWithTheEditorsWordsAndWritesOnlyThatRecord) {
     std::copy(record.begin(), record.end(), expected.begin() + s.offsets.carRecords[k]);
     EXPECT_EQ(tb::readFile(s.style), expected);
 
+    // The values just stored: the style file is not written again.
+    const FileStamp saved = stampOf(s.style);
+    auto again = s.run({"car-set", s.style, std::to_string(s.asnOf(k)), "width=255", "rbp_mass=2.5",
+                        "door[0].object=7"});
+    ASSERT_EQ(again.status, 0) << again.err;
+    EXPECT_EQ(again.out, "nothing changed\n");
+    EXPECT_EQ(stampOf(s.style), saved);
+
     auto low = s.run({"car-set", s.style, std::to_string(s.asnOf(k)), "spr_num=-5"});
     EXPECT_EQ(low.status, 0);
     EXPECT_TRUE(contains(low.err, "spr_num=-5: txtbox valve set to L val (0)"));
@@ -212,7 +221,7 @@ TEST(CarCli, CarSetRenamesThroughEnglishFxt) {
 
     auto same = s.run({"car-set", s.style, std::to_string(s.asnOf(k)), "name=Zoomer"});
     EXPECT_EQ(same.status, 0);
-    EXPECT_EQ(same.out, "no change\n");
+    EXPECT_EQ(same.out, "nothing changed\n");
 }
 
 TEST(CarCli, CarSetRefusesANameThatEnglishFxtHasNoPlaceFor) {

@@ -115,22 +115,30 @@ TEST_P(SaveBothKinds, FullSaveOfAnUnchangedFileGivesBackTheSameBytes) {
     write(is24);
     load();
     markStyleChanged();
+    const FileStamp loaded = stampOf(path);
     const SaveOutcome out = save();
     EXPECT_EQ(out.result, SaveResult::Saved) << ::testing::PrintToString(platform.messageTexts());
     EXPECT_EQ(out.steps, is24 ? kEverySaveStep24 : kEverySaveStep8);
     EXPECT_TRUE(out.disableSaveCommand());
     EXPECT_FALSE(out.shrunk);
     EXPECT_TRUE(platform.shownMessages.empty());
-    EXPECT_EQ(bytes(), original);
-    EXPECT_EQ(tb::readFile(bak()), original);
+    // The savers give back the file's own bytes, so neither the file nor a .bak is written.
+    EXPECT_TRUE(out.nothingChanged);
+    EXPECT_EQ(stampOf(path), loaded);
+    EXPECT_FALSE(fs::exists(bak()));
     EXPECT_FALSE(fs::exists(withSuffix(path, "~")));
     EXPECT_FALSE(session->style.anyChange());
 
-    // A second full save in the same run neither asks nor changes a byte.
+    // Written when asked to all the same: the same bytes, the original kept in the .bak.
     markStyleChanged();
-    EXPECT_EQ(save().result, SaveResult::Saved);
+    options.writeUnchanged = true;
+    const SaveOutcome written = save();
+    EXPECT_EQ(written.result, SaveResult::Saved);
+    EXPECT_FALSE(written.nothingChanged);
+    EXPECT_NE(stampOf(path), loaded);
     EXPECT_TRUE(platform.shownMessages.empty());
     EXPECT_EQ(bytes(), original);
+    EXPECT_EQ(tb::readFile(bak()), original);
 }
 
 INSTANTIATE_TEST_SUITE_P(G24AndGry, SaveBothKinds, ::testing::Values(true, false),
@@ -266,8 +274,9 @@ TEST_F(SaveFixture, FailedStepIsNamedAndEveryEditStaysPending) {
     ASSERT_EQ(platform.shownMessages.size(), 1u);
     const std::string& text = platform.shownMessages[0].text;
     EXPECT_EQ(text.substr(0, text.find('\r')), "ERROR: Save Pages");
+    // The savers work in memory: the file is untouched and nothing was backed up yet.
     EXPECT_EQ(text.substr(text.rfind('\r') + 1),
-              "The original file is kept as " + bak().string() + ".");
+              "There is no backup copy at " + bak().string() + ".");
     // A save that fails writes nothing: the cars it had put into the content are still to save.
     EXPECT_GT(session->style.gSaveCarInfo.size(), 1u);
     EXPECT_EQ(bytes(), original);
@@ -275,7 +284,7 @@ TEST_F(SaveFixture, FailedStepIsNamedAndEveryEditStaysPending) {
     EXPECT_TRUE(session->style.gClutChanged);
     EXPECT_TRUE(session->style.gDeltasChanged);
     EXPECT_TRUE(session->style.gCarNamesChanged);
-    EXPECT_EQ(tb::readFile(bak()), original);
+    EXPECT_FALSE(fs::exists(bak()));
 }
 
 TEST_F(SaveFixture, PartWithoutASaverFailsInsteadOfPassingForSaved) {
@@ -383,7 +392,11 @@ TEST_P(SaveCrash, LeavesTheOriginalRecoverable) {
     };
     EXPECT_EXIT(save(), ::testing::ExitedWithCode(3), "");
 
-    EXPECT_EQ(tb::readFile(bak()), original);
+    // The .bak is made once the new content is known to differ, before anything is replaced.
+    if (at == "Files Built" || at == "Files Replaced")
+        EXPECT_EQ(tb::readFile(bak()), original);
+    else
+        EXPECT_FALSE(fs::exists(bak()));
     // Nothing reaches the style file before the one replace at the end.
     EXPECT_EQ(bytes(), at == "Files Replaced" ? saved : original);
     EXPECT_TRUE(findInterruptedSaves(path).empty());
