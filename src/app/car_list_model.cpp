@@ -17,7 +17,6 @@ namespace {
 constexpr std::array<int, 20> kColumnFields = {42, 12, 11, 0,  1,  2,  4,  5,  6,  7,
                                                8,  9,  10, 13, 14, 18, 19, 37, 15, 16};
 
-
 // What was refused, why (from the core: the value the game would read, the name rule) and that
 // nothing changed.
 QString rejectionText(const QString& caption, const QString& text, const std::string& why) {

@@ -78,8 +78,8 @@ public:
     // Writes the side file of `target` (already resolved) named by `tag`, from the content's
     // bytes or piece by piece from its source; it takes the mode, owner and group of `like` when
     // that file exists. `step` names the step that failed.
-    std::error_code write(const fs::path& target, const FileContent& content, const std::string& tag,
-                          const fs::path& like, std::string_view& step);
+    std::error_code write(const fs::path& target, const FileContent& content,
+                          const std::string& tag, const fs::path& like, std::string_view& step);
     std::error_code replaceTarget();
     // Once complete and on the disk the side file takes its ".~done" name, so that a leftover
     // tells whether it is whole.
@@ -517,7 +517,8 @@ ReplaceFailure copyFileAtomically(const fs::path& source, const fs::path& target
     if (isStream(target)) {
         std::vector<std::uint8_t> bytes;
         std::fclose(in);
-        if (!readWholeFile(source, bytes)) return {source, std::make_error_code(std::errc::io_error)};
+        if (!readWholeFile(source, bytes))
+            return {source, std::make_error_code(std::errc::io_error)};
         const FileContent whole{target, bytes};
         return {target, writeStream(target, whole)};
     }

@@ -173,7 +173,7 @@ std::string commitFailureMessage(const CommitResult& r, std::span<const CommitFi
                "would keep the old content." + "\r" + nothing + "\r" +
                "To save it anyway, allow the link to be broken (--break-links).";
     case CommitOutcome::BackupFailed:
-        return "The original " + file + " could not be kept as " + file + ".bak." + "\r" +
+        return "The unmodified " + file + " could not be kept as " + file + ".bak." + "\r" +
                "The system said: " + describeCause(r.cause) + "." + "\r" + nothing;
     case CommitOutcome::WriteFailed:
         break;

@@ -49,7 +49,7 @@ enum class CommitOutcome {
     Busy,         // another run holds the lock of `file`: nothing written
     Changed,      // `file` is not the one this run read (and no one said to write over it)
     HardLinked,   // `file` has other names and splitting it was not allowed
-    BackupFailed, // the original of `file` could not be kept
+    BackupFailed, // the unmodified `file` could not be kept
     WriteFailed,  // writing failed; see `partly`
 };
 

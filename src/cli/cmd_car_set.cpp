@@ -137,7 +137,7 @@ void registerCarSetCommand(Command& app, Context& ctx) {
     cmd->addOption("ASN", args->asn, "Absolute sprite number of the car")->required();
     cmd->addOption("FIELD=VALUE", args->assignments, "Fields to change")->required();
     cmd->addFlag("--break-links", args->breakLinks,
-                  "Save a file that has other hard links (they keep the old file)");
+                 "Save a file that has other hard links (they keep the old file)");
     cmd->action([args, &ctx] {
         std::vector<Assignment> assignments;
         if (!parseAssignments(args->assignments, assignments, ctx.err)) {

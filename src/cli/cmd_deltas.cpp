@@ -156,11 +156,13 @@ void registerDeltaCommands(Command& app, Context& ctx) {
         "Exit status: 0 imported and saved, 1 refused, cancelled or failed, 2 usage error.");
     addStyleAndAsn(*importCmd, *imp);
     imp->common.addBreakLinksOption(*importCmd);
-    importCmd->addOption("FILE", imp->file, "The delta set picture (.bmp or .png)")->path()->required();
+    importCmd->addOption("FILE", imp->file, "The delta set picture (.bmp or .png)")
+        ->path()
+        ->required();
     importCmd->addFlag("--clean", imp->clean, "The picture is a clean set (deltas on colour 0)");
     importCmd->addFlag("--resize", imp->resize, "Let the picture's frames set the delta count");
     importCmd->addFlag("--drop-deltas", imp->dropDeltas,
-                        "With --resize: allow removing deltas that a door shows");
+                       "With --resize: allow removing deltas that a door shows");
     importCmd->action([imp, &ctx] {
         AppOptions options = makeAppOptions(ctx, imp->common);
         auto platform = makePlatform(ctx, imp->common);

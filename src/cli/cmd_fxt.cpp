@@ -54,7 +54,7 @@ void registerFxtCommands(Command& app, Context& ctx) {
     txt2fxtCmd->addOption("TXT", encode->from, "The text file")->path()->required();
     txt2fxtCmd->addOption("FXT", encode->to, "The coded text file to write")->path()->required();
     txt2fxtCmd->addFlag("--break-links", encode->breakLinks,
-                         "Replace a coded file that has other hard links (they keep the old one)");
+                        "Replace a coded file that has other hard links (they keep the old one)");
     txt2fxtCmd->action([encode, &ctx] {
         const auto to = argumentPath(encode->to);
         if (refuseOutput(ctx, "txt2fxt", to,

@@ -96,7 +96,7 @@ void registerGc3Command(Command& app, Context& ctx) {
         const auto originals = levelFiles(argumentPath(w->origStyle));
         guarded.insert(guarded.end(), originals.begin(), originals.end());
         guarded.push_back({argumentPath(w->modFxt), "the changed ENGLISH.FXT (MOD_FXT)"});
-        guarded.push_back({argumentPath(w->origFxt), "the original ENGLISH.FXT (ORIG_FXT)"});
+        guarded.push_back({argumentPath(w->origFxt), "the unmodified ENGLISH.FXT (ORIG_FXT)"});
         if (refuseOutput(ctx, "gc3 write", argumentPath(w->pack), guarded)) return;
         auto platform = makePlatform(ctx, w->common);
         ctx.exitCode = writeCarPack(argumentPath(w->modStyle), argumentPath(w->origStyle),

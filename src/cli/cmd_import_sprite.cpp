@@ -41,7 +41,7 @@ void registerImportSpriteCommand(Command& app, Context& ctx) {
     cmd->addFlag("--tiles", args->tiles, "Open the tile pages and import into a tile");
     cmd->addFlag("--resize", args->resize, "Give the sprite the picture's size");
     cmd->addFlag("--drop-deltas", args->dropDeltas,
-                  "With --resize: remove the deltas that do not fit the new size");
+                 "With --resize: remove the deltas that do not fit the new size");
     cmd->addOption("STYLE", args->style, "The style file (.G24 or .GRY)")->path()->required();
     cmd->addOption("ASN", args->asn, "Absolute sprite number (tile number with --tiles)")
         ->required();

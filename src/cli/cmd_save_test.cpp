@@ -28,7 +28,7 @@ void registerSaveTestCommand(Command& app, Context& ctx) {
     args->common.addTo(*cmd);
     cmd->addOption("STYLE", args->style, "The style file (.G24 or .GRY)")->path()->required();
     cmd->addFlag("--break-links", args->breakLinks,
-                  "Save a file that has other hard links (they keep the old file)");
+                 "Save a file that has other hard links (they keep the old file)");
     cmd->action([args, &ctx] {
         AppOptions options = makeAppOptions(ctx, args->common);
         options.links = args->breakLinks ? LinkPolicy::Break : LinkPolicy::Refuse;

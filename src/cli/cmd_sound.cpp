@@ -31,7 +31,9 @@ void registerSoundImportCommand(Command& app, Context& ctx) {
         "together (both or neither). N runs from 1 to the bank's record count (0 is the table's\n"
         "empty record). Exit status: 0 replaced, 1 no bank, out of range or refused, 2 usage.");
     args->common.addTo(*cmd);
-    cmd->addOption("STYLE", args->style, "The style file (its name gives the level)")->path()->required();
+    cmd->addOption("STYLE", args->style, "The style file (its name gives the level)")
+        ->path()
+        ->required();
     cmd->addOption("N", args->number, "Sound number")->required();
     cmd->addOption("FILE", args->file, "The recording")->path()->required();
     cmd->action([args, &ctx] {
@@ -89,21 +91,20 @@ void registerSoundCommand(Command& app, Context& ctx) {
         "Exit status: 0 done, 1 no bank, out of range or failed, 2 usage error.");
     args->common.addTo(*cmd);
     constexpr int kMax16 = std::numeric_limits<std::int16_t>::max();
-    cmd->addOption("STYLE", args->style, "The style file (its name gives the level)")->path()->required();
-    cmd->addOption("N", args->number, "Sound number")
-        ->required()
-        ->inRange(-kMax16 - 1, kMax16);
-    cmd->addOption("--rate", args->rate,
-                    "Multiplier of the sample's rate, 0.01 to 100 (default 1)")
+    cmd->addOption("STYLE", args->style, "The style file (its name gives the level)")
+        ->path()
+        ->required();
+    cmd->addOption("N", args->number, "Sound number")->required()->inRange(-kMax16 - 1, kMax16);
+    cmd->addOption("--rate", args->rate, "Multiplier of the sample's rate, 0.01 to 100 (default 1)")
         ->inRange(kMinRateMultiplier, kMaxRateMultiplier);
     cmd->addOption("--repeat", args->repeat,
-                    "How many times the sample plays, 1 to 100 (default 1)")
+                   "How many times the sample plays, 1 to 100 (default 1)")
         ->inRange(1, kMaxRepeatCount);
     cmd->addOption("-o,--output", args->output, "Write the WAV here")->path();
     cmd->addFlag("--play", args->play, "Play it through the system's sound player");
     cmd->addFlag("--exact", args->exact,
-                  "With -o: the record's own bytes as the game reads them, not the play "
-                  "buttons' copy that starts one byte early");
+                 "With -o: the record's own bytes as the game reads them, not the play "
+                 "buttons' copy that starts one byte early");
     cmd->action([args, &ctx] {
         if (args->output.empty() && !args->play)
             throw UsageError("sound", "give -o WAV, --play, or both");

@@ -7,8 +7,7 @@
 
 namespace torquil {
 
-namespace {
-}
+namespace {}
 
 CarFieldEdit editCarField(StyleSession& session, int asn, int index, const std::string& text,
                           std::string* clampReport, std::string* why) {

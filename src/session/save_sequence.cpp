@@ -122,9 +122,9 @@ private:
     FileLock styleLock_, fxtLock_;
     fs::path fxtPath_;
     bool writeNames_ = false;
-    std::string pairLine_; // after a failed write of both files: that neither was written
+    std::string pairLine_;      // after a failed write of both files: that neither was written
     bool styleChanged_ = false; // the savers' result differs from the file's content
-    SpriteInfoRewrite layout_; // the section positions to put back when the save fails
+    SpriteInfoRewrite layout_;  // the section positions to put back when the save fails
 };
 
 SaveOutcome SaveRun::fail(int error) {
@@ -384,8 +384,8 @@ SaveOutcome SaveRun::run() {
     const bool namesToSave = style.gCarNamesChanged;
     if (namesToSave && !buildNames()) return out_;
     if (!writeFiles()) return out_;
-    out_.nothingChanged =
-        (out_.styleWritten || namesToSave) && !styleChanged_ && !writeNames_ && !style.gCarNamesChanged;
+    out_.nothingChanged = (out_.styleWritten || namesToSave) && !styleChanged_ && !writeNames_ &&
+                          !style.gCarNamesChanged;
     if (writeNames_) {
         rememberFxtState(s_.names, fxtPath_);
         out_.namesSaved = true;

@@ -70,8 +70,8 @@ struct SaveOutcome {
     // There were changes to save, but the new content of each file equals what the file holds:
     // no file (and no .bak) was written. Every command and the window tell the user so.
     bool nothingChanged = false;
-    std::filesystem::path backup;   // the style file's ".bak"
-    std::string cause;              // the system's cause of a failed write ("disk full")
+    std::filesystem::path backup; // the style file's ".bak"
+    std::string cause;            // the system's cause of a failed write ("disk full")
 
     // The window disables the save command until the next change after a save that went through.
     bool disableSaveCommand() const { return result == SaveResult::Saved; }

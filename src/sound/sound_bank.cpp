@@ -15,7 +15,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-
 fs::path bankFile(const StyleFileState& style, const char* extension) {
     const fs::path audio = findFileNoCase(style.dataFolder(), "audio");
     // "LEVEL00" and the level number, unpadded: level 1 is LEVEL001, level 12 LEVEL0012.

@@ -3,8 +3,8 @@
 #include "base/atomic_file.h"
 #include "base/binary_file.h"
 #include "base/file_lock.h"
-#include "sound/sound_bank.h"
 #include "platform/platform.h"
+#include "sound/sound_bank.h"
 
 #include <limits>
 

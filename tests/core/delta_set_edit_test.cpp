@@ -96,23 +96,23 @@ struct DeltaSetEditFixture : tb::StyleFixture {
     // The full-size level with a car of at least three deltas whose third delta (frame 3) stores
     // pixels of colour 0 inside the sprite: its first run's first two pixels are made 0.
     void openFullSize() {
-        tb::StyleSpec spec = tb::fullSizeSpec24();
+        tb::StyleSpec layout = tb::fullSizeSpec24();
         int car = -1;
-        for (std::size_t i = 0; i < spec.sprites.size() && car < 0; ++i)
-            if (spec.sprites[i].type == tb::SPR_CAR && spec.sprites[i].deltas.size() >= 3 &&
-                spec.sprites[i].w >= 16 && spec.sprites[i].h >= 32)
+        for (std::size_t i = 0; i < layout.sprites.size() && car < 0; ++i)
+            if (layout.sprites[i].type == tb::SPR_CAR && layout.sprites[i].deltas.size() >= 3 &&
+                layout.sprites[i].w >= 16 && layout.sprites[i].h >= 32)
                 car = static_cast<int>(i);
         ASSERT_GE(car, 0);
-        tb::DeltaRun& first = spec.sprites[static_cast<std::size_t>(car)].deltas[2].runs.at(0);
+        tb::DeltaRun& first = layout.sprites[static_cast<std::size_t>(car)].deltas[2].runs.at(0);
         ASSERT_GE(first.data.size(), 2u);
         first.data[0] = first.data[1] = 0;
-        open(spec);
+        open(layout);
         // The sprite with that drawing: the one whose frame 3 now stores those zeros.
         for (int page = 0; page < kMaxPages && deltaIndex < 0; ++page)
             for (int sib = 1; sib <= session->sprites.pageCount(page); ++sib) {
                 const SpriteRec& s = session->sprites.pageSprites[page][sib];
-                if (s.delta_count < 3 || s.W != spec.sprites[static_cast<std::size_t>(car)].w ||
-                    s.H != spec.sprites[static_cast<std::size_t>(car)].h)
+                if (s.delta_count < 3 || s.W != layout.sprites[static_cast<std::size_t>(car)].w ||
+                    s.H != layout.sprites[static_cast<std::size_t>(car)].h)
                     continue;
                 const DeltaRec& d = session->deltas.myDeltas[s.deltas[2]];
                 if (usedRuns(d).empty() || usedRuns(d)[0].data.size() < 2 ||

@@ -3,8 +3,8 @@
 // load sequence, with the work directory in the same folder.
 
 #include "cli_runner.h"
-#include "session/edits.h"
 #include "fake_platform.h"
+#include "session/edits.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
 #include "session/session_io.h"

@@ -129,7 +129,7 @@ TEST_P(SaveBothKinds, FullSaveOfAnUnchangedFileGivesBackTheSameBytes) {
     EXPECT_FALSE(fs::exists(withSuffix(path, "~")));
     EXPECT_FALSE(session->style.anyChange());
 
-    // Written when asked to all the same: the same bytes, the original kept in the .bak.
+    // Written when asked to all the same: the same bytes, the unmodified file kept in the .bak.
     markStyleChanged();
     options.writeUnchanged = true;
     const SaveOutcome written = save();
