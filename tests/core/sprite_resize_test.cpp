@@ -29,9 +29,9 @@ struct SpriteState {
 
 struct ResizeFixture : tb::StyleFixture {
     // With the level's text file beside it, a load has nothing to warn about.
-    void open(const tb::StyleSpec& spec) {
+    void open(const tb::StyleSpec& layout) {
         tb::writeFile(dir / "ENGLISH.FXT", tb::encodeFxt(tb::sampleFxtEntries()));
-        tb::StyleFixture::open(spec);
+        tb::StyleFixture::open(layout);
     }
     // Every sprite by number: size, pixels and its deltas' runs.
     std::map<int, SpriteState> sprites() const {
@@ -89,29 +89,29 @@ tb::SpriteSpec spriteAt(tb::SpriteType type, int x, int y, int w, int h, int clu
 }
 
 tb::StyleSpec fullPageSpec() {
-    tb::StyleSpec spec;
+    tb::StyleSpec layout;
     tb::SpriteSpec car = spriteAt(tb::SPR_CAR, 0, 0, 60, 40, 0);
     car.deltas.push_back(tb::deltaFromPixels(2, 2, 4, 2, std::vector<std::uint8_t>(8, 9)));
     car.deltas.push_back(tb::deltaFromPixels(50, 35, 8, 4, std::vector<std::uint8_t>(32, 7)));
     car.deltas.push_back(tb::deltaFromPixels(10, 3, 3, 3, std::vector<std::uint8_t>(9, 5)));
-    spec.sprites.push_back(car);
-    spec.sprites.push_back(spriteAt(tb::SPR_OBJECT, 100, 0, 156, 200, 1));
-    spec.sprites.push_back(spriteAt(tb::SPR_OBJECT, 0, 40, 100, 216, 2));
-    spec.sprites.push_back(spriteAt(tb::SPR_OBJECT, 100, 200, 156, 56, 2));
-    tb::sortAndCountSprites(spec);
+    layout.sprites.push_back(car);
+    layout.sprites.push_back(spriteAt(tb::SPR_OBJECT, 100, 0, 156, 200, 1));
+    layout.sprites.push_back(spriteAt(tb::SPR_OBJECT, 0, 40, 100, 216, 2));
+    layout.sprites.push_back(spriteAt(tb::SPR_OBJECT, 100, 200, 156, 56, 2));
+    tb::sortAndCountSprites(layout);
     tb::CarSpec record;
     record.spr_num = 0;
     record.doors = {{1, 2, 3, 2}, {4, 5, 6, 1}};
-    spec.cars.push_back(record);
-    spec.cluts = {tb::distinctClut(1), tb::distinctClut(2), tb::distinctClut(3)};
-    return spec;
+    layout.cars.push_back(record);
+    layout.cluts = {tb::distinctClut(1), tb::distinctClut(2), tb::distinctClut(3)};
+    return layout;
 }
 
 } // namespace
 
 TEST_F(ResizeFixture, ACarOfTheFullSizeLevelGrownAndShrunkRoundTripsAndLeavesEverythingElse) {
-    const tb::StyleSpec spec = tb::fullSizeSpec24();
-    open(spec);
+    const tb::StyleSpec layout = tb::fullSizeSpec24();
+    open(layout);
     const std::vector<std::uint8_t> original = tb::readFile(stylePath);
     int asn = 0;
     for (int i = 1; i <= session->cars.highest && asn == 0; ++i)
