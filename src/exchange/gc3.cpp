@@ -3,6 +3,7 @@
 #include "base/atomic_file.h"
 #include "base/binary_file.h"
 #include "base/crc32.h"
+#include "base/file_transaction.h"
 #include "platform/platform.h"
 #include "style/level_name.h"
 
@@ -318,6 +319,14 @@ bool writeGC3(const fs::path& modStyle, const fs::path& origStyle, const fs::pat
     trailer.resultFxt = crc32(modFxtBytes);
     const std::vector<std::uint8_t> tail = encodeGc3Trailer(trailer);
     bytes.insert(bytes.end(), tail.begin(), tail.end());
+    // Side files that a killed write of this pack left beside it are removed first, and named.
+    const fs::path packs[] = {pack};
+    const RecoveryReport leftovers = recoverFiles(packs);
+    for (const std::string& found : leftovers.found) platform.message(found);
+    if (!leftovers.busy.empty()) {
+        platform.message(std::string(kWriteError) + "\r" + leftovers.busy.front());
+        return false;
+    }
     if (const ReplaceFailure failure = replaceFileAtomically(pack, bytes)) {
         platform.message(std::string(kWriteError) + "\r" + pack.string() + ": " +
                          describeCause(failure.cause) + ".");

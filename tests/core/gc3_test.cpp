@@ -197,6 +197,23 @@ TEST_F(Gc3Fixture, AFailedOrRefusedWriteLeavesTheOldPack) {
     EXPECT_EQ(tb::readFile(pack), written);
 }
 
+// A write of the pack killed half way leaves a side file beside it; the next write removes it.
+TEST_F(Gc3Fixture, TheNextWriteRemovesTheSideFileOfAKilledOneAndNamesIt) {
+    const auto orig = randomBytes(5000, 12);
+    auto mod = orig;
+    mod[7] ^= 1;
+    files(mod, orig);
+    const std::filesystem::path leftover = pack.string() + ".~new999999-0";
+    tb::writeFile(leftover, {'h', 'a', 'l', 'f'});
+    platform.shownMessages.clear();
+    ASSERT_TRUE(write());
+    EXPECT_FALSE(std::filesystem::exists(leftover));
+    const auto said = platform.messageTexts();
+    EXPECT_TRUE(std::any_of(said.begin(), said.end(), [&](const std::string& text) {
+        return text.find(leftover.filename().string()) != std::string::npos;
+    })) << ::testing::PrintToString(said);
+}
+
 TEST_F(Gc3Fixture, MissingInputOrPackIsAnError) {
     files({1}, {1});
     std::filesystem::remove(origFxt);
