@@ -64,16 +64,7 @@ FrameRuns encodeRuns(const std::map<std::int64_t, std::uint8_t>& pixels) {
         out.runs.push_back(std::move(run));
         previousEnd = next;
     }
-    if (out.bytes > kDeltaMaxBytes) {
-        out.reason = "it needs " + std::to_string(out.bytes) +
-                     " bytes of runs, more than a delta can hold (32767)";
-        out.runs.clear();
-        return out;
-    }
-    // An empty delta keeps the single empty run line a delta of size 0 loads with.
-    if (out.runs.empty()) out.runs.emplace_back();
-    out.ok = true;
-    return out;
+    return finishFrameRuns(std::move(out));
 }
 
 } // namespace

@@ -122,16 +122,7 @@ FrameRuns runsFromFrame(std::span<const std::uint8_t> base, std::span<const std:
             previousEnd = start + (x - first);
         }
     }
-    if (out.bytes > kDeltaMaxBytes) {
-        out.reason = "it needs " + std::to_string(out.bytes) +
-                     " bytes of runs, more than a delta can hold (32767)";
-        out.runs.clear();
-        return out;
-    }
-    // An empty delta keeps the single empty run line a delta of size 0 loads with.
-    if (out.runs.empty()) out.runs.emplace_back();
-    out.ok = true;
-    return out;
+    return finishFrameRuns(std::move(out));
 }
 
 DeltaExtent deltaExtent(const DeltaRec& delta, int width, int height) {
@@ -150,6 +141,19 @@ DeltaExtent deltaExtent(const DeltaRec& delta, int width, int height) {
         ++e.pixels;
     });
     return e;
+}
+
+FrameRuns finishFrameRuns(FrameRuns out) {
+    if (out.bytes > kDeltaMaxBytes) {
+        out.reason = "it needs " + std::to_string(out.bytes) +
+                     " bytes of runs, more than a delta can hold (32767)";
+        out.runs.clear();
+        return out;
+    }
+    // An empty delta keeps the single empty run line a delta of size 0 loads with.
+    if (out.runs.empty()) out.runs.emplace_back();
+    out.ok = true;
+    return out;
 }
 
 } // namespace torquil

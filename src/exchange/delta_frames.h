@@ -49,6 +49,10 @@ struct FrameRuns {
 FrameRuns runsFromFrame(std::span<const std::uint8_t> base, std::span<const std::uint8_t> frame,
                         int width, int height);
 
+// The last step of every frame encoder: refused past 32767 bytes, else ok, an empty delta given
+// the single empty run line a delta of size 0 loads with.
+FrameRuns finishFrameRuns(FrameRuns out);
+
 // What the command line tells about one delta.
 struct DeltaExtent {
     int runs = 0;
