@@ -20,8 +20,9 @@ public:
     }
     // Reads the file and paints its first bytes; false when it cannot be read.
     bool readAndPaint(const std::filesystem::path& file, std::vector<std::uint8_t>& bytes) {
-        bytes.clear();
-        if (!readWholeFile(file, bytes)) return false;
+        auto read = readWholeFile(file);
+        bytes = read.valueOr({});
+        if (!read) return false;
         const std::size_t pixels = std::min(bytes.size(), image_.size());
         for (std::size_t i = 0; i < pixels; ++i) image_[i] = table_[bytes[i]];
         return true;

@@ -53,7 +53,7 @@ std::unique_ptr<StyleSession> loadLevel(testing::FakePlatform& platform) {
     options.workDir = level().dir;
     auto session = std::make_unique<StyleSession>(options);
     prepareStyle(session->style, level().style, kLoadSprites);
-    if (initHeader(*session, platform, standardLoaders()) != LoadOutcome::Loaded) return nullptr;
+    if (!initHeader(*session, platform, standardLoaders())) return nullptr;
     return session;
 }
 
@@ -113,7 +113,7 @@ void BM_LoadIntoKeptSession(benchmark::State& state) {
         session.errors.clear();
         session.style = StyleFileState{};
         prepareStyle(session.style, level().style, kLoadSprites);
-        if (initHeader(session, platform, standardLoaders()) != LoadOutcome::Loaded) {
+        if (!initHeader(session, platform, standardLoaders())) {
             state.SkipWithError("the full-size level did not load");
             return;
         }

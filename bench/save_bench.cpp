@@ -56,7 +56,7 @@ void BM_FullSave(benchmark::State& state) {
     StyleSession session(options);
     testing::FakePlatform platform;
     prepareStyle(session.style, level().style, kLoadSprites);
-    if (initHeader(session, platform, standardLoaders()) != LoadOutcome::Loaded) {
+    if (!initHeader(session, platform, standardLoaders())) {
         state.SkipWithError("the full-size level did not load");
         return;
     }
@@ -86,7 +86,7 @@ void BM_SaveFloor(benchmark::State& state) {
         std::vector<std::uint8_t> bytes;
         if (!floor.readAndPaint(level().style, bytes)) state.SkipWithError("cannot read the level");
         benchmark::DoNotOptimize(floor.image());
-        if (replaceFileAtomically(copy, bytes)) {
+        if (!replaceFileAtomically(copy, bytes)) {
             state.SkipWithError("the copy could not be written");
             return;
         }

@@ -57,7 +57,9 @@ int main(int argc, char** argv) {
     std::size_t checksum = painter.image()[style.size() / 2 % (26 * 65536)];
     std::vector<std::vector<std::uint8_t>> contents(reads.size());
     for (std::size_t k = 0; k < reads.size(); ++k) {
-        if (!readWholeFile(reads[k], contents[k])) {
+        auto read = readWholeFile(reads[k]);
+        if (read) contents[k] = std::move(read).value();
+        if (!read) {
             std::cerr << "torquil-command-floor: cannot read " << reads[k] << "\n";
             return 1;
         }
@@ -69,7 +71,7 @@ int main(int argc, char** argv) {
             same != reads.end() ? contents[static_cast<std::size_t>(same - reads.begin())] : style;
         const std::size_t n =
             size < 0 ? from.size() : std::min(from.size(), static_cast<std::size_t>(size));
-        if (replaceFileAtomically(file, std::span(from.data(), n))) {
+        if (!replaceFileAtomically(file, std::span(from.data(), n))) {
             std::cerr << "torquil-command-floor: cannot write " << file << "\n";
             return 1;
         }

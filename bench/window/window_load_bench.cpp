@@ -112,7 +112,7 @@ void BM_FakePlatformOpen(benchmark::State& state) {
         options.workDir = levels().root();
         auto session = std::make_unique<StyleSession>(options);
         prepareStyle(session->style, path, kLoadSprites);
-        if (initHeader(*session, platform, standardLoaders()) != LoadOutcome::Loaded) {
+        if (!initHeader(*session, platform, standardLoaders())) {
             state.SkipWithError("the level did not load");
             return;
         }

@@ -18,19 +18,23 @@ struct BoardGeometry {
     static constexpr int kGap = 12;   // between pages and at the edges
     static constexpr int kRuler = 22; // height of the page-number strip
 
-    int pageSpan() const { return 256 * zoom + kGap; }
-    int pageLeft(int page) const { return kGap + page * pageSpan(); }
-    int contentWidth(int pages) const { return kGap + pages * pageSpan(); }
-    int contentHeight() const { return kRuler + 256 * zoom + kGap; }
+    [[nodiscard]] int pageSpan() const { return 256 * zoom + kGap; }
+    [[nodiscard]] int pageLeft(int page) const { return kGap + page * pageSpan(); }
+    [[nodiscard]] int contentWidth(int pages) const { return kGap + pages * pageSpan(); }
+    [[nodiscard]] int contentHeight() const { return kRuler + 256 * zoom + kGap; }
     // Rectangle of a page, or of a part of it, in content coordinates.
-    QRect pageRect(int page) const { return {pageLeft(page), kRuler, 256 * zoom, 256 * zoom}; }
-    QRect pixelRect(int page, int x, int y, int w, int h) const {
+    [[nodiscard]] QRect pageRect(int page) const {
+        return {pageLeft(page), kRuler, 256 * zoom, 256 * zoom};
+    }
+    [[nodiscard]] QRect pixelRect(int page, int x, int y, int w, int h) const {
         return {pageLeft(page) + x * zoom, kRuler + y * zoom, w * zoom, h * zoom};
     }
     // The page pixel under a content point; nothing in the gaps and the ruler.
-    std::optional<PagePoint> hit(QPoint content, int pages) const;
+    [[nodiscard]] std::optional<PagePoint> hit(QPoint content, int pages) const;
     // The page whose span holds a content x (the leftmost page shown for a scroll position).
-    int pageAt(int contentX) const { return contentX <= 0 ? 0 : contentX / pageSpan(); }
+    [[nodiscard]] int pageAt(int contentX) const {
+        return contentX <= 0 ? 0 : contentX / pageSpan();
+    }
 };
 
 } // namespace torquil

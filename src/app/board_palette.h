@@ -8,7 +8,7 @@ class QPalette;
 namespace torquil {
 
 // The dark palette, built around the board's background.
-QPalette boardPalette();
+[[nodiscard]] QPalette boardPalette();
 // Gives the application the Fusion style (which follows a palette on every platform) and the
 // board's palette; every window and dialog made afterwards takes them.
 void applyBoardPalette(QApplication& app);

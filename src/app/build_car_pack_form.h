@@ -24,19 +24,19 @@ public:
 
     BuildCarPackForm(const Paths& defaults, Platform& platform, QWidget* parent = nullptr);
 
-    Paths paths() const;
-    QLineEdit* edit(Field field) const { return edits_[field]; }
+    [[nodiscard]] Paths paths() const;
+    [[nodiscard]] QLineEdit* edit(Field field) const { return edits_[field]; }
     // Build: accepted when every file is named; otherwise says which one is missing.
     void confirm();
 
 private:
-    QString browse(Field field);
+    [[nodiscard]] QString browse(Field field);
 
     Platform& platform_;
     std::array<QLineEdit*, FieldCount> edits_{};
 };
 
 // The pack's default name: beside the style file, "STYLE001_CARS.GC3" for STYLE001.G24.
-std::filesystem::path defaultPackPath(const std::filesystem::path& style);
+[[nodiscard]] std::filesystem::path defaultPackPath(const std::filesystem::path& style);
 
 } // namespace torquil

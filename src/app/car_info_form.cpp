@@ -199,8 +199,9 @@ void CarInfoForm::refreshSoundState() {
 
 void CarInfoForm::playSoundOfBox(int index, int repeat) {
     refreshSoundState();
-    playSound(session_, platform_, static_cast<std::int16_t>(soundNumberOfBox(index)), 1.0,
-              static_cast<std::int16_t>(repeat));
+    // A sound that cannot be played has shown its message; the form goes on either way.
+    (void)playSound(session_, platform_, static_cast<std::int16_t>(soundNumberOfBox(index)), 1.0,
+                    static_cast<std::int16_t>(repeat));
 }
 
 void CarInfoForm::saveSoundOfBox(int index, int repeat) {
@@ -273,9 +274,9 @@ void CarInfoForm::acceptEdits() {
             edit.name = name;
     }
     // A refused name (checkCarName) leaves the old one; the record is applied all the same.
-    std::string why;
-    if (!editCar(session_, asn_, edit, &why))
-        notKept += "\rModel Name \"" + box(kNameBox)->text().toStdString() + "\": " + why;
+    if (const Result<void> edited = editCar(session_, asn_, edit); !edited)
+        notKept +=
+            "\rModel Name \"" + box(kNameBox)->text().toStdString() + "\": " + edited.message();
     if (!notKept.empty())
         platform_.message("Car Info: " + fromGameText(entry_.name).toStdString() +
                               ": these values were not kept, the car keeps "

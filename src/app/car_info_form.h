@@ -52,64 +52,63 @@ public:
     CarInfoForm(StyleSession& session, Platform& platform, int asn, QWidget* parent = nullptr);
     ~CarInfoForm() override;
 
-    int asn() const { return asn_; }
-    bool recordChanged() const { return recordChanged_; }
-    bool nameChanged() const { return nameChanged_; }
+    [[nodiscard]] int asn() const { return asn_; }
+    [[nodiscard]] bool recordChanged() const { return recordChanged_; }
+    [[nodiscard]] bool nameChanged() const { return nameChanged_; }
     // The form's working copy of the car's entry.
-    const CarEntry& workingEntry() const { return entry_; }
+    [[nodiscard]] const CarEntry& workingEntry() const { return entry_; }
 
-    QLineEdit* box(int index) const;
-    QLabel* label(int index) const;
-    QTabWidget* tabs() const { return tabs_; }
-    QPushButton* helpButton(int page) const;
-    int selectedRemap() const { return cursor_.remap; }
-    int selectedDoor() const { return cursor_.door; }
+    [[nodiscard]] QLineEdit* box(int index) const;
+    [[nodiscard]] QLabel* label(int index) const;
+    [[nodiscard]] QTabWidget* tabs() const { return tabs_; }
+    [[nodiscard]] QPushButton* helpButton(int page) const;
+    [[nodiscard]] int selectedDoor() const { return cursor_.door; }
 
     // Why the sound page cannot be heard (no sound bank, no audio device); empty when it can.
-    QString soundStateText() const;
-    QLabel* soundStateLabel() const { return soundState_; }
+    [[nodiscard]] QString soundStateText() const;
+    [[nodiscard]] QLabel* soundStateLabel() const { return soundState_; }
     // Asks where Save as WAV writes (a file dialog unless replaced); empty: cancelled.
     std::function<QString(const QString& suggested)> askWavPath;
     // Asks for the recording that replaces a sound (a file dialog unless replaced); empty:
     // cancelled.
     std::function<QString()> askRecordingPath;
     // The sound page's list of the bank: one row per sound, its number in column 0.
-    QTreeWidget* soundList() const { return soundList_; }
+    [[nodiscard]] QTreeWidget* soundList() const { return soundList_; }
 
     // The line under the pages that describes the focused box and reports its clamps and
     // refusals (the limits' reports are shown here, never in a message box).
-    QLabel* fieldStatus() const { return fieldStatus_; }
+    [[nodiscard]] QLabel* fieldStatus() const { return fieldStatus_; }
     // How a box is marked: "" (fine), "clamped" (its value was set to a limit), "refused" (text
     // that is not a number was taken back) or "unfinished" (not a number yet).
-    QString fieldMark(int index) const;
+    [[nodiscard]] QString fieldMark(int index) const;
     // The boxes whose text is not a number yet; closing the form waits until there are none.
-    std::vector<int> unfinishedBoxes() const;
+    [[nodiscard]] std::vector<int> unfinishedBoxes() const;
 
     // The help context number each page's help button carries.
-    static int helpContext(int page) { return 100 + page; }
+    [[nodiscard]] static int helpContext(int page) { return 100 + page; }
 
     void done(int result) override;
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    [[nodiscard]] bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     // Building the pages (car_info_form_layout.cpp).
     void buildForm();
-    QWidget* buildFieldPage(Page page, std::initializer_list<int> indexes);
-    QWidget* buildDoorsPage();
-    QWidget* buildSoundPage();
-    QWidget* buildRemapPage();
-    QLineEdit* makeBox(int index, QWidget* parent);
-    QLabel* makeLabel(int index, QWidget* parent);
-    QPushButton* makeHelpButton(Page page, QWidget* parent);
+    [[nodiscard]] QWidget* buildFieldPage(Page page, std::initializer_list<int> indexes);
+    [[nodiscard]] QWidget* buildDoorsPage();
+    [[nodiscard]] QWidget* buildSoundPage();
+    [[nodiscard]] QWidget* buildRemapPage();
+    [[nodiscard]] QLineEdit* makeBox(int index, QWidget* parent);
+    [[nodiscard]] QLabel* makeLabel(int index, QWidget* parent);
+    [[nodiscard]] QPushButton* makeHelpButton(Page page, QWidget* parent);
 
     // Events of the boxes and buttons (car_info_form.cpp).
     void fillBoxes();
     void setBoxText(int index, const std::string& text); // without counting as an edit
     // A number inside the box's limits that its record field cannot hold (cx = 200): says why,
     // with the value the game would read, and puts back the box's last good text.
-    bool refuseUnfit(int index, const QString& typed);
+    [[nodiscard]] bool refuseUnfit(int index, const QString& typed);
     void txtBoxChange(int index);
     void txtBoxLostFocus(int index);
 
@@ -118,19 +117,19 @@ private:
     void showFieldInfo(int index);
     void reportClamp(int index, const QString& typed, const FieldCheck& check);
     void refuseText(int index, const QString& typed);
-    QString fieldToolTip(int index) const;
-    bool refuseUnfinishedClose();
+    [[nodiscard]] QString fieldToolTip(int index) const;
+    [[nodiscard]] bool refuseUnfinishedClose();
     void cmdHelpClick(int page);
     void acceptEdits();
     void playSoundOfBox(int index, int repeat);
     void saveSoundOfBox(int index, int repeat);
-    int soundNumberOfBox(int index) const;
+    [[nodiscard]] int soundNumberOfBox(int index) const;
     void refreshSoundState();
 
     // The sound page's list of the bank and sound replacement (car_info_form_sound.cpp).
-    QWidget* buildSoundBankBox(QWidget* parent);
+    [[nodiscard]] QWidget* buildSoundBankBox(QWidget* parent);
     void refreshSoundList();
-    int listedSound() const; // the sound selected in the list, -1 when none
+    [[nodiscard]] int listedSound() const; // the sound selected in the list, -1 when none
     void replaceSound(int sound);
     void undoOrRedoSoundReplace(bool undo);
 

@@ -55,11 +55,15 @@ QWidget* CarInfoForm::buildSoundBankBox(QWidget* parent) {
     }
 
     connect(soundList_, &QTreeWidget::itemDoubleClicked, this, [this] {
-        if (listedSound() >= 0) playSound(session_, platform_, std::int16_t(listedSound()), 1.0, 1);
+        // A sound that cannot be played has shown its message.
+        if (listedSound() >= 0)
+            (void)playSound(session_, platform_, std::int16_t(listedSound()), 1.0, 1);
     });
     connect(play, &QPushButton::clicked, this, [this] {
         refreshSoundState();
-        if (listedSound() >= 0) playSound(session_, platform_, std::int16_t(listedSound()), 1.0, 1);
+        // A sound that cannot be played has shown its message.
+        if (listedSound() >= 0)
+            (void)playSound(session_, platform_, std::int16_t(listedSound()), 1.0, 1);
     });
     connect(replace, &QPushButton::clicked, this, [this] {
         if (listedSound() >= 0) replaceSound(listedSound());

@@ -83,7 +83,7 @@ void CarListDock::setSession(StyleSession* session) {
 void CarListDock::refresh() {
     const int asn = model_->asnAt(proxy_->mapToSource(table_->currentIndex()).row());
     model_->refresh();
-    if (asn > 0) showCar(asn);
+    if (asn > 0) (void)showCar(asn); // a car no longer listed is simply not shown
 }
 
 bool CarListDock::showCar(int asn) {

@@ -22,13 +22,13 @@ public:
     void setSession(StyleSession* session);
     void refresh();
     // Moves the current row to a car (no signal); false when the car is not listed.
-    bool showCar(int asn);
+    [[nodiscard]] bool showCar(int asn);
 
-    CarListModel* model() const { return model_; }
-    QSortFilterProxyModel* proxy() const { return proxy_; }
-    QTableView* table() const { return table_; }
-    QLineEdit* filterBox() const { return filter_; }
-    QLabel* reportLabel() const { return report_; }
+    [[nodiscard]] CarListModel* model() const { return model_; }
+    [[nodiscard]] QSortFilterProxyModel* proxy() const { return proxy_; }
+    [[nodiscard]] QTableView* table() const { return table_; }
+    [[nodiscard]] QLineEdit* filterBox() const { return filter_; }
+    [[nodiscard]] QLabel* reportLabel() const { return report_; }
 
 signals:
     void carChosen(int asn); // the user moved to a row

@@ -141,15 +141,14 @@ bool CarListModel::setData(const QModelIndex& index, const QVariant& value, int 
     const QString text = value.toString();
     if (text == data(index, Qt::EditRole).toString()) return true; // nothing changed
 
-    std::string report;
     const std::string stored =
         field == kNameBox ? text.toLatin1().toStdString() : text.trimmed().toStdString();
-    std::string why;
-    const CarFieldEdit result = editCarField(*session_, asn, field, stored, &report, &why);
-    if (result != CarFieldEdit::Stored) {
-        emit editReport(rejectionText(caption, text, why));
+    const auto edited = editCarField(*session_, asn, field, stored);
+    if (!edited) {
+        emit editReport(rejectionText(caption, text, edited.message()));
         return false;
     }
+    const std::string& report = edited.value();
     if (!report.empty())
         emit editReport(caption + QStringLiteral(": ") + QString::fromStdString(report));
     // A name is shared by every car of the model; a model change may show another name.

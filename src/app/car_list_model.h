@@ -25,18 +25,19 @@ public:
     // Re-reads every row (after the car editor or a load changed the cars).
     void refresh();
 
-    int asnAt(int row) const;
-    int rowOf(int asn) const; // -1 when the car is not listed
+    [[nodiscard]] int asnAt(int row) const;
+    [[nodiscard]] int rowOf(int asn) const; // -1 when the car is not listed
     // The car editor's box index a column shows (-1 for the ASN column).
-    static int fieldIndex(int column);
-    static int columnOf(int fieldIndex); // -1 when the field has no column
+    [[nodiscard]] static int fieldIndex(int column);
+    [[nodiscard]] static int columnOf(int fieldIndex); // -1 when the field has no column
 
-    int rowCount(const QModelIndex& parent = {}) const override;
-    int columnCount(const QModelIndex& parent = {}) const override;
-    QVariant data(const QModelIndex& index, int role) const override;
-    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
-    Qt::ItemFlags flags(const QModelIndex& index) const override;
-    bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                      int role) const override;
+    [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
+    [[nodiscard]] bool setData(const QModelIndex& index, const QVariant& value, int role) override;
 
 signals:
     // A car was changed through the list (the save command may light up).

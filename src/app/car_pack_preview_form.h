@@ -24,8 +24,8 @@ public:
                        QWidget* parent = nullptr);
 
     // The listed lines: group headings and, indented by two blanks, their entries.
-    QStringList listedLines() const;
-    QString headline() const;
+    [[nodiscard]] QStringList listedLines() const;
+    [[nodiscard]] QString headline() const;
     // Apply (Purpose::Apply) or Close (Purpose::Built).
     void confirm();
 

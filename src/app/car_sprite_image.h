@@ -13,15 +13,15 @@ class StyleSession;
 struct SpriteRec;
 
 // The sprite (not a tile) with absolute sprite number `asn`, or nullptr when none is loaded.
-const SpriteRec* findSpriteByAsn(const StyleSession& session, int asn);
+[[nodiscard]] const SpriteRec* findSpriteByAsn(const StyleSession& session, int asn);
 
 // The sprite's rectangle through `colours`; pixels outside the page are left transparent.
-QImage spriteImage(const StyleSession& session, const SpriteRec& sprite,
-                   const ClutColours& colours);
+[[nodiscard]] QImage spriteImage(const StyleSession& session, const SpriteRec& sprite,
+                                 const ClutColours& colours);
 
 // Where an image of `size` goes when enlarged by a whole factor (at most maxScale) and centred
 // in `area`; the factor is at least 1.
-QRect enlargedRect(QSize size, const QRect& area, int maxScale);
+[[nodiscard]] QRect enlargedRect(QSize size, const QRect& area, int maxScale);
 
 // A neutral checker board under transparent pixels, so that colour 0 reads as "nothing".
 void paintChecker(class QPainter& painter, const QRect& area);

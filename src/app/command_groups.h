@@ -14,7 +14,7 @@ struct GroupMembers {
 };
 
 // Members of groups 1..9; any other number has none.
-const GroupMembers& commandGroupMembers(int group);
+[[nodiscard]] const GroupMembers& commandGroupMembers(int group);
 
 // What setCommandGroup has switched: a control that belongs to a group is on only while its
 // group is; a control of no group is always on as far as the groups go.
@@ -22,8 +22,8 @@ class CommandGroups {
 public:
     // Group 0 runs groups 1 to 9 with the same flag; numbers above 9 (or below 0) change nothing.
     void set(int group, bool enabled);
-    bool isOn(const QString& control) const;
-    bool belongsToGroup(const QString& control) const;
+    [[nodiscard]] bool isOn(const QString& control) const;
+    [[nodiscard]] bool belongsToGroup(const QString& control) const;
 
 private:
     QHash<QString, bool> on_;

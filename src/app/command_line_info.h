@@ -10,10 +10,11 @@
 namespace torquil {
 
 // The usage text of the window's command line.
-std::string windowUsage();
+[[nodiscard]] std::string windowUsage();
 
 // When the arguments (without the program name) ask for help or the version, prints it to
 // `out` and returns the exit status; otherwise returns nothing and the program starts.
-std::optional<int> answerInfoOptions(const std::vector<std::string>& arguments, std::ostream& out);
+[[nodiscard]] std::optional<int> answerInfoOptions(const std::vector<std::string>& arguments,
+                                                   std::ostream& out);
 
 } // namespace torquil

@@ -29,23 +29,23 @@ public:
     DeltaPicForm(const std::vector<QImage>& frames, const QString& title,
                  QWidget* parent = nullptr);
 
-    int scale() const { return scale_; }
+    [[nodiscard]] int scale() const { return scale_; }
     // The (width + 2) x (height + 2) picture before enlarging (the current frame's).
-    const QImage& framedPicture() const { return framed_; }
+    [[nodiscard]] const QImage& framedPicture() const { return framed_; }
 
     // The delta view's frames: the one shown enlarged (0-based), stepping (wrapping round) and
     // the animation.
-    int frameCount() const { return static_cast<int>(frames_.size()); }
-    int currentFrame() const { return current_; }
+    [[nodiscard]] int frameCount() const { return static_cast<int>(frames_.size()); }
+    [[nodiscard]] int currentFrame() const { return current_; }
     void showFrame(int index);
     void stepForward();
     void stepBack();
     void setPlaying(bool playing);
-    bool isPlaying() const;
+    [[nodiscard]] bool isPlaying() const;
     // The strip of all frames with their numbers, before it is put on screen.
-    const QImage& strip() const { return strip_; }
+    [[nodiscard]] const QImage& strip() const { return strip_; }
     // Where frame i lies in the strip.
-    QRect stripFrameRect(int index) const;
+    [[nodiscard]] QRect stripFrameRect(int index) const;
     // The delta view's "Add Delta" and "Remove Delta" buttons; remove is given the frame shown.
     void offerDeltaEdits(std::function<void()> add, std::function<void(int frame)> remove);
 

@@ -14,12 +14,12 @@ class DetailsForm : public QWidget {
 public:
     explicit DetailsForm(DetailsLog& log, QWidget* parent = nullptr);
 
-    QListWidget* list() const { return list_; }
+    [[nodiscard]] QListWidget* list() const { return list_; }
     // The selected lines joined by line breaks, in list order.
-    QString selectedText() const;
+    [[nodiscard]] QString selectedText() const;
     void copySelection() const;
     // Writes every line to a text file; false when it cannot be written.
-    bool saveTo(const QString& file) const;
+    [[nodiscard]] bool saveTo(const QString& file) const;
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

@@ -21,14 +21,14 @@ public:
     void setDoors(const std::vector<DoorRec>& doors, int selected);
     // The selected door's mark blinks: the form's timer switches it on and off.
     void setMarkVisible(bool visible);
-    bool markVisible() const { return markVisible_; }
+    [[nodiscard]] bool markVisible() const { return markVisible_; }
 
     // Widget point of a door position, and the door position under a widget point.
-    QPoint pointOf(int rpx, int rpy) const;
-    QPoint doorPositionAt(const QPoint& point) const;
+    [[nodiscard]] QPoint pointOf(int rpx, int rpy) const;
+    [[nodiscard]] QPoint doorPositionAt(const QPoint& point) const;
 
-    QSize sizeHint() const override { return {360, 240}; }
-    QSize minimumSizeHint() const override { return {160, 120}; }
+    [[nodiscard]] QSize sizeHint() const override { return {360, 240}; }
+    [[nodiscard]] QSize minimumSizeHint() const override { return {160, 120}; }
 
 signals:
     // The user put the selected door at (rpx, rpy).
@@ -40,8 +40,8 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    QRect pictureRect() const;
-    int scale() const;
+    [[nodiscard]] QRect pictureRect() const;
+    [[nodiscard]] int scale() const;
 
     QImage sprite_;
     std::vector<DoorRec> doors_;

@@ -20,12 +20,11 @@ public:
     void showExport(const QString& what, const QString& file);
     // Any text about files written into `folder` (the dumps of a load), and the button.
     void showWritten(const QString& text, const QString& folder);
-    QString file() const { return file_; } // empty after showWritten
-    QString folder() const { return folder_; }
+    [[nodiscard]] QString file() const { return file_; } // empty after showWritten
+    [[nodiscard]] QString folder() const { return folder_; }
     // The whole text; the label shows it shortened in the middle when the status bar is narrow.
-    QString text() const { return fullText_; }
-    QLabel* textLabel() const { return text_; }
-    QPushButton* openFolderButton() const { return openFolder_; }
+    [[nodiscard]] QString text() const { return fullText_; }
+    [[nodiscard]] QPushButton* openFolderButton() const { return openFolder_; }
 
     // Opens a folder in the file manager (QDesktopServices unless replaced; tests record it).
     std::function<void(const QString& folder)> openFolder;

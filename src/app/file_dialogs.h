@@ -20,9 +20,9 @@ enum class FileKind { Sprite, DeltaSet, Sound, Dump };
 
 // The settings key of a kind's last folder, in the section "Folders": "Sprite", "DeltaSet", ...
 inline constexpr const char* kFoldersSection = "Folders";
-std::string folderKey(FileKind kind);
+[[nodiscard]] std::string folderKey(FileKind kind);
 // The folder last used for a kind; `fallback` when none was used yet or it no longer exists.
-QString lastFolder(Platform& platform, FileKind kind, const QString& fallback);
+[[nodiscard]] QString lastFolder(Platform& platform, FileKind kind, const QString& fallback);
 // Remembers the folder of `file` for its kind.
 void rememberFolder(Platform& platform, FileKind kind, const QString& file);
 
@@ -45,11 +45,12 @@ struct FileRequest {
 // (the chosen picture filter's, or the default suffix) to a name typed without one. Empty when
 // cancelled or when the user did not want the existing file replaced. The folder of the answer is
 // remembered.
-QString chooseFile(QWidget* parent, Platform& platform, const QString& fallbackFolder,
-                   const FileRequest& request, const std::function<int(QFileDialog&)>& run);
+[[nodiscard]] QString chooseFile(QWidget* parent, Platform& platform, const QString& fallbackFolder,
+                                 const FileRequest& request,
+                                 const std::function<int(QFileDialog&)>& run);
 
 // "<file> already exists.\rReplace it?" with Yes and No; true when the file does not exist or
 // the user answered Yes.
-bool askReplace(Platform& platform, const QString& file, const QString& title);
+[[nodiscard]] bool askReplace(Platform& platform, const QString& file, const QString& title);
 
 } // namespace torquil

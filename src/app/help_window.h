@@ -16,10 +16,10 @@ inline constexpr int kPaletteHelpContext = 200; // the palette questions of an i
 
 // The manual's anchor for a help context: 0 the contents, 100 + page the car editor's pages,
 // kPaletteHelpContext the palette questions.
-QString helpAnchor(int context);
+[[nodiscard]] QString helpAnchor(int context);
 // The help context of a message box's Help button, by the box's title ("Palette Change");
 // 0 (the contents) for any other.
-int helpContextOfMessage(const std::string& title);
+[[nodiscard]] int helpContextOfMessage(const std::string& title);
 
 class HelpWindow : public QWidget {
     Q_OBJECT
@@ -27,13 +27,13 @@ public:
     explicit HelpWindow(QWidget* parent = nullptr);
 
     // Shows the manual scrolled to an anchor ("" : its top); false when the manual is missing.
-    bool showManual(const QString& anchor = {});
+    [[nodiscard]] bool showManual(const QString& anchor = {});
     // Shows a text file (the Read Me); false when it cannot be read.
-    bool showTextFile(const QString& path);
+    [[nodiscard]] bool showTextFile(const QString& path);
 
-    QTextBrowser* browser() const { return browser_; }
+    [[nodiscard]] QTextBrowser* browser() const { return browser_; }
     // The anchor last asked for ("" for the top or a text file).
-    QString anchor() const { return anchor_; }
+    [[nodiscard]] QString anchor() const { return anchor_; }
 
 private:
     QTextBrowser* browser_ = nullptr;

@@ -74,14 +74,14 @@ LoadForm::LoadForm(DialogMode mode, const StyleFileState& style, Platform& platf
     pattern_ = filePattern(mode, style);
     buildWidgets();
     fillDrives();
-    setDirectory(firstRunFolder(mode));
+    (void)setDirectory(firstRunFolder(mode)); // the remembered folder may replace it next
     getRegSettings();
     // With a style file open, opening the next one starts beside it: another level's file of
     // the same name is then never picked by mistake.
     if (mode_ == DialogMode::Style && style_.loaded && !style_.path.empty()) {
         const QFileInfo open(QString::fromStdString(style_.path.string()));
         if (open.absoluteDir().exists() && setDirectory(open.absolutePath()))
-            selectFile(open.fileName());
+            (void)selectFile(open.fileName()); // a file no longer there is simply not selected
     }
 }
 
@@ -268,7 +268,7 @@ void LoadForm::onFolderActivated(QListWidgetItem* item) {
     if (!item) return;
     const QString target =
         item->text() == kParent ? QDir(dir_).filePath(kParent) : QDir(dir_).filePath(item->text());
-    setDirectory(target);
+    (void)setDirectory(target); // a folder that cannot be listed leaves the list as it was
 }
 
 void LoadForm::onFileChosen() {
@@ -283,12 +283,13 @@ void LoadForm::getRegSettings() {
     const QString drive = QString::fromStdString(platform_.settings().get(section, "Drive"));
     const QString dir = QString::fromStdString(platform_.settings().get(section, "Dir"));
     const QString file = QString::fromStdString(platform_.settings().get(section, "File"));
-    if (!drive.isEmpty() && dir.isEmpty()) setDirectory(drive);
+    if (!drive.isEmpty() && dir.isEmpty())
+        (void)setDirectory(drive); // the first run's folder stays
     if (!dir.isEmpty() && !setDirectory(dir)) {
         platform_.message("Unable to access previously used directory:" + dir.toStdString());
         return;
     }
-    if (!file.isEmpty()) selectFile(file);
+    if (!file.isEmpty()) (void)selectFile(file); // a file no longer there is simply not selected
 }
 
 void LoadForm::saveRegSettings() {
@@ -338,7 +339,7 @@ bool LoadForm::eventFilter(QObject* watched, QEvent* event) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Return || key == Qt::Key_Enter) {
             // Taken here, so the dialog's default button does not also confirm.
-            openTypedPath();
+            (void)openTypedPath(); // a path that does not open has said why
             return true;
         }
     }

@@ -27,37 +27,38 @@ public:
     LoadForm(DialogMode mode, const StyleFileState& style, Platform& platform,
              QWidget* parent = nullptr);
 
-    DialogMode mode() const { return mode_; }
+    [[nodiscard]] DialogMode mode() const { return mode_; }
     // After confirming: the chosen file's full path; empty when confirmed without a file.
-    QString chosenPath() const { return chosenPath_; }
-    int loadOption() const;
+    [[nodiscard]] QString chosenPath() const { return chosenPath_; }
+    [[nodiscard]] int loadOption() const;
 
     // The lists, as the user works them.
-    bool setDirectory(const QString& dir); // Dir1_Change: false when it cannot be read
-    QString directory() const { return dir_; }
-    QString drive() const;
-    QStringList fileNames() const;
-    QStringList folderNames() const;
-    bool selectFile(const QString& name); // File1_Click
-    QString selectedFile() const;
+    [[nodiscard]] bool
+    setDirectory(const QString& dir); // Dir1_Change: false when it cannot be read
+    [[nodiscard]] QString directory() const { return dir_; }
+    [[nodiscard]] QString drive() const;
+    [[nodiscard]] QStringList fileNames() const;
+    [[nodiscard]] QStringList folderNames() const;
+    [[nodiscard]] bool selectFile(const QString& name); // File1_Click
+    [[nodiscard]] QString selectedFile() const;
     void setLoadOption(int option);
-    QString optionsCaption() const;
-    bool optionsEnabled() const;
+    [[nodiscard]] QString optionsCaption() const;
+    [[nodiscard]] bool optionsEnabled() const;
     void confirm(); // cmdOK_Click
     // The path field: shows the folder; Return there opens what is typed (a folder is shown, a
     // file is selected and confirmed; a relative path is taken from the shown folder) or, when
     // the field still names the shown folder, the selected file. False when nothing was opened
     // or shown (the line under the field says why).
-    bool openTypedPath();
-    QLineEdit* pathField() const { return pathEdit_; }
-    QString pathState() const;
+    [[nodiscard]] bool openTypedPath();
+    [[nodiscard]] QLineEdit* pathField() const { return pathEdit_; }
+    [[nodiscard]] QString pathState() const;
 
     // The folder a mode starts in when nothing is remembered: the bundled sample level's folder
     // for style files when it is found beside the program, else the current folder.
-    static QString firstRunFolder(DialogMode mode);
+    [[nodiscard]] static QString firstRunFolder(DialogMode mode);
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    [[nodiscard]] bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void buildWidgets();

@@ -348,7 +348,7 @@ void MainForm::closeEvent(QCloseEvent* event) {
 
 void MainForm::formUnload() {
     // The temporary files ("~*.*") of this run, in the program's directory.
-    deleteTemporaryFiles(options_.workDir);
+    (void)deleteTemporaryFiles(options_.workDir); // how many were removed is not shown
     details_->hide();
     platform_.workingForm().hide();
     for (QWidget* w : findChildren<QWidget*>())

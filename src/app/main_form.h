@@ -40,24 +40,23 @@ public:
     ~MainForm() override;
 
     StyleSession& session() { return *session_; }
-    const AppOptions& options() const { return options_; }
-    PageBoard* board() const { return board_; }
-    DetailsForm* detailsForm() const { return details_; }
-    const MainMenus& menus() const { return *menus_; }
-    MainToolBar* toolBar() const { return toolBar_; }
-    QLabel* statusLabel() const { return status_; }
-    QLabel* pathLabel() const { return pathLabel_; }
-    CarListDock* carList() const { return carList_; }
-    HelpWindow* helpWindow() const { return help_; }
+    [[nodiscard]] const AppOptions& options() const { return options_; }
+    [[nodiscard]] PageBoard* board() const { return board_; }
+    [[nodiscard]] const MainMenus& menus() const { return *menus_; }
+    [[nodiscard]] MainToolBar* toolBar() const { return toolBar_; }
+    [[nodiscard]] QLabel* statusLabel() const { return status_; }
+    [[nodiscard]] QLabel* pathLabel() const { return pathLabel_; }
+    [[nodiscard]] CarListDock* carList() const { return carList_; }
+    [[nodiscard]] HelpWindow* helpWindow() const { return help_; }
     // The status bar's word after an export (where the file went, "Open Folder").
-    ExportNotice* exportNotice() const { return exportNotice_; }
+    [[nodiscard]] ExportNotice* exportNotice() const { return exportNotice_; }
     // The file the last export wrote; empty before the first.
-    QString lastExportedFile() const;
+    [[nodiscard]] QString lastExportedFile() const;
 
     // Switches a command group (0: groups 1 to 9; above 9: nothing).
     void setCommandGroup(int group, bool enabled);
     // Whether a menu control or toolbar key is enabled right now.
-    bool commandEnabled(const QString& control) const;
+    [[nodiscard]] bool commandEnabled(const QString& control) const;
 
     // Runs the command of a toolbar key ("open", "save", ..., also "buildgc3").
     void runKey(const QString& key);
@@ -67,29 +66,29 @@ public:
     // Selects the sprite under a page pixel (none: clears the selection).
     void selectAt(int page, int x, int y);
     // Selects a sprite by its absolute number and scrolls to it (Find Car without the question).
-    bool selectSprite(int asn);
+    [[nodiscard]] bool selectSprite(int asn);
     // Shows what the car pack changes in the open level, asks, applies it and reloads the level;
     // refuses a pack of another level, a damaged one, one that does not fit or is applied already.
     // True when it was applied.
-    bool applyCarPackFile(const QString& path);
+    [[nodiscard]] bool applyCarPackFile(const QString& path);
     // "Save your changes?" when the save command is enabled; false when the user cancelled.
-    bool askToSaveChanges();
+    [[nodiscard]] bool askToSaveChanges();
     void setZoom(int zoom);
     // The largest zoom at which a whole page fits the board, then applied.
     void fitToWindow();
     // Moves the selection to the next (step 1) or previous (step -1) sprite, page after page.
-    bool stepSelection(int step);
+    [[nodiscard]] bool stepSelection(int step);
     // Opens the manual at a help context's topic (0: contents, 100 + page: the car editor).
-    bool showHelpTopic(int context);
+    [[nodiscard]] bool showHelpTopic(int context);
 
     // Edit menu: takes back the last edit or does the next undone one again.
     void undo();
     void redo();
     // The File menu's recent style files, newest first: path and load option.
-    QList<QPair<QString, int>> recentFiles() const;
+    [[nodiscard]] QList<QPair<QString, int>> recentFiles() const;
     // What a drop of these files on the window would do; the drop itself (a style file opens,
     // a bitmap dropped on a sprite of the board is imported into it).
-    bool acceptsDrop(const QMimeData* data) const;
+    [[nodiscard]] bool acceptsDrop(const QMimeData* data) const;
     void dropFiles(const QMimeData* data, QPoint windowPos);
 
     // How modal dialogs run: exec() unless replaced (tests drive the dialog instead).
@@ -116,15 +115,15 @@ private:
     void connectCommands();
     void connectMenu(const char* name, void (MainForm::*handler)());
     void refreshCommands();
-    QString unavailableReason(const QString& control) const;
-    bool selectionAllows(const QString& control) const;
+    [[nodiscard]] QString unavailableReason(const QString& control) const;
+    [[nodiscard]] bool selectionAllows(const QString& control) const;
     void updateStatusForSelection();
     void restoreWindowSettings();
     void saveWindowSettings();
     void formUnload();
     // Runs a command; a run-time error that escaped the core (debug mode) is shown here.
     void guarded(const std::function<void()>& command);
-    int execDialog(QDialog& dialog);
+    [[nodiscard]] int execDialog(QDialog& dialog);
 
     // File commands (main_form_file.cpp).
     void mnuOpen_Click();
@@ -152,12 +151,12 @@ private:
     void mnuViewDeltas_Click(int index);
     // The delta set picture to write (forSaving) or read: the dialog's answer, with the chosen
     // filter's extension added to a name typed without one; empty when cancelled.
-    QString chooseDeltaSetFile(bool forSaving, const QString& suggested);
+    [[nodiscard]] QString chooseDeltaSetFile(bool forSaving, const QString& suggested);
     void mnuExportSpriteAs_Click();
     void mnuImportSpriteFrom_Click();
     // A file dialog run through runDialog, starting in the kind's last folder (the program's
     // directory at first); empty when cancelled.
-    QString askForFile(const FileRequest& request);
+    [[nodiscard]] QString askForFile(const FileRequest& request);
     void showExported(const QString& what, const std::filesystem::path& file);
     void mnuTranspCheck_Click();
     void mnuTranspCorrect_Click();
@@ -171,7 +170,7 @@ private:
     // (main_form_view.cpp).
     void buildFindingAids();
     void showOpenFile();
-    QString hoverText(int page, int x, int y) const;
+    [[nodiscard]] QString hoverText(int page, int x, int y) const;
     void findCarByText(const QString& text);
 
     // Help and debug commands (main_form_help.cpp).

@@ -24,10 +24,9 @@ constexpr const char* kOpenLevelFirst = "Open the level of the car pack first.";
 
 // The bytes of a file, empty when there is none.
 std::vector<std::uint8_t> bytesOf(const fs::path& path) {
-    std::vector<std::uint8_t> bytes;
     std::error_code ec;
-    if (fs::is_regular_file(path, ec) && !readWholeFile(path, bytes)) bytes.clear();
-    return bytes;
+    if (!fs::is_regular_file(path, ec)) return {};
+    return readWholeFile(path).valueOr({});
 }
 
 QString fileNameOf(const fs::path& path) {
@@ -59,13 +58,13 @@ void MainForm::mnuBuildGC3_Click() {
     const CarPackPreview preview = previewCarPack(pack.pack, *session_, origStyle, origFxt,
                                                   bytesOf(p.modStyle), bytesOf(p.modFxt));
     CarPackPreviewForm shown(preview, fileNameOf(p.pack), CarPackPreviewForm::Purpose::Built, this);
-    execDialog(shown);
+    (void)execDialog(shown); // a preview only: closed either way
 }
 
 void MainForm::mnuLoadGC3_Click() {
     LoadForm dialog(DialogMode::CarPack, session_->style, platform_, this);
     if (execDialog(dialog) != QDialog::Accepted || dialog.chosenPath().isEmpty()) return;
-    applyCarPackFile(dialog.chosenPath());
+    (void)applyCarPackFile(dialog.chosenPath()); // a refused pack has shown its message
 }
 
 bool MainForm::applyCarPackFile(const QString& path) {

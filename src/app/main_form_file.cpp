@@ -58,7 +58,7 @@ void MainForm::loadStyle(const QString& path, int loadOption) {
         busy_ = wasBusy;
     };
 
-    LoadOutcome outcome = LoadOutcome::Failed;
+    LoadOutcome outcome = LoadFailure{};
     try {
         outcome = initHeader(*fresh, platform_, standardLoaders());
     } catch (...) {
@@ -69,7 +69,7 @@ void MainForm::loadStyle(const QString& path, int loadOption) {
         throw;
     }
     restore();
-    if (outcome != LoadOutcome::Loaded) {
+    if (!outcome) {
         // A file that did not load leaves the open one, its edits and its history as they were.
         board_->setSession(session_.get());
         board_->refresh();

@@ -227,7 +227,8 @@ void MainForm::mnuTranspCorrect_Click() {
 
 void MainForm::mnuFindCar_Click() {
     if (askSpriteNumber) {
-        if (const std::optional<int> asn = askSpriteNumber()) selectSprite(*asn);
+        // A number without a sprite has said so (searchNSelect's message).
+        if (const std::optional<int> asn = askSpriteNumber()) (void)selectSprite(*asn);
         return;
     }
     std::optional<QString> text;
@@ -248,7 +249,7 @@ void MainForm::mnuFindCar_Click() {
 
 bool MainForm::selectSprite(int asn) {
     const bool selected = searchNSelect(*session_, platform_, asn) == SearchResult::Selected;
-    if (selected) carList_->showCar(asn);
+    if (selected) (void)carList_->showCar(asn); // a sprite that is no car has no row
     updateStatusForSelection();
     refreshCommands();
     board_->refresh();
@@ -261,7 +262,7 @@ void MainForm::mnuEditCar_Click() {
     const int asn = sprite->ASN;
     CarInfoForm form(*session_, platform_, asn, this);
     // The accepted form puts its fields, remaps, doors and name in through one editCar: one step.
-    execDialog(form);
+    (void)execDialog(form); // accepted or not, the status shows what the car holds now
     markChanged();
     updateStatusForSelection();
 }

@@ -49,12 +49,14 @@ void MainForm::buildFindingAids() {
     // After the hover label and the export notice.
     statusBar()->insertPermanentWidget(2, pathLabel_);
 
-    connect(board_, &PageBoard::stepRequested, this, [this](int step) { stepSelection(step); });
+    connect(board_, &PageBoard::stepRequested, this, [this](int step) {
+        (void)stepSelection(step); // at either end the selection stays
+    });
     connect(board_, &PageBoard::activateRequested, this, [this] {
         if (commandEnabled(QStringLiteral("mnuEditCar"))) guarded([this] { mnuEditCar_Click(); });
     });
     connect(carList_, &CarListDock::carChosen, this, [this](int asn) {
-        if (!busy_) selectSprite(asn);
+        if (!busy_) (void)selectSprite(asn); // the list shows only cars that can be selected
     });
     // The list shows its own edit already: re-reading it would close an editor still open.
     connect(carList_, &CarListDock::carEdited, this, [this] {
@@ -138,7 +140,7 @@ void MainForm::findCarByText(const QString& text) {
         return;
     }
     const SpriteRec* current = session_->selectedSprite();
-    selectSprite(nextMatch(matches, current ? current->ASN : 0));
+    (void)selectSprite(nextMatch(matches, current ? current->ASN : 0)); // a match is always there
 }
 
 bool MainForm::showHelpTopic(int context) {

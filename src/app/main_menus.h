@@ -17,9 +17,11 @@ public:
     explicit MainMenus(QMenuBar* bar);
 
     // The entry or submenu action of a control name; nullptr when there is none.
-    QAction* action(const QString& name) const { return actions_.value(name, nullptr); }
-    QMenu* menu(const QString& name) const { return menus_.value(name, nullptr); }
-    const QHash<QString, QAction*>& actions() const { return actions_; }
+    [[nodiscard]] QAction* action(const QString& name) const {
+        return actions_.value(name, nullptr);
+    }
+    [[nodiscard]] QMenu* menu(const QString& name) const { return menus_.value(name, nullptr); }
+    [[nodiscard]] const QHash<QString, QAction*>& actions() const { return actions_; }
 
 private:
     QHash<QString, QAction*> actions_;

@@ -16,8 +16,8 @@ public:
     explicit MainToolBar(QWidget* parent = nullptr);
 
     // The keys of the buttons, left to right.
-    static const QStringList& keys();
-    QAction* button(const QString& key) const { return buttons_.value(key, nullptr); }
+    [[nodiscard]] static const QStringList& keys();
+    [[nodiscard]] QAction* button(const QString& key) const { return buttons_.value(key, nullptr); }
 
 signals:
     // A button was pressed: the key names the command, as in the key table.

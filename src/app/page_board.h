@@ -21,29 +21,29 @@ public:
 
     // The session shown; nullptr shows nothing. The board never owns it.
     void setSession(StyleSession* session);
-    StyleSession* session() const { return session_; }
+    [[nodiscard]] StyleSession* session() const { return session_; }
     // While a load runs, pages are shown as they arrive, before the session counts as loaded.
     void setLoading(bool loading);
 
-    int zoom() const { return geometry_.zoom; }
+    [[nodiscard]] int zoom() const { return geometry_.zoom; }
     void setZoom(int zoom);
 
     // Pages the board shows (0 when nothing is loaded).
-    int pagesShown() const;
+    [[nodiscard]] int pagesShown() const;
     // Repaints from the page image and follows gBoardOffset when the core moved it.
     void refresh();
     // Scrolls so that the page is at the left edge; sets gBoardOffset.
     void showPage(int page);
     // The widget point (viewport coordinates) of a page pixel, for tests and tool tips.
-    QPoint viewportPoint(int page, int x, int y) const;
+    [[nodiscard]] QPoint viewportPoint(int page, int x, int y) const;
     // Size of the viewport that shows exactly `pages` pages at the current zoom.
-    QSize viewportSizeFor(int pages) const;
+    [[nodiscard]] QSize viewportSizeFor(int pages) const;
     // The page pixel under a viewport point; none beside the pages.
-    std::optional<PagePoint> pagePointAt(QPoint viewportPos) const;
+    [[nodiscard]] std::optional<PagePoint> pagePointAt(QPoint viewportPos) const;
     // The ruler's text over a page: its number and how many sprites (or tiles) it holds.
-    QString pageLabel(int page) const;
+    [[nodiscard]] QString pageLabel(int page) const;
     // The largest zoom (1..4) at which a whole page fits the board as it is now.
-    int fitZoom() const;
+    [[nodiscard]] int fitZoom() const;
     // Scrolls just enough that a page is wholly in view (nothing when it already is).
     void ensurePageVisible(int page);
 
@@ -69,7 +69,8 @@ protected:
 private:
     void wrapImage();
     void updateScrollBars();
-    QPoint contentOrigin() const; // content coordinate of the viewport's top-left corner
+    [[nodiscard]] QPoint
+    contentOrigin() const; // content coordinate of the viewport's top-left corner
     void paintRuler(class QPainter& p, int pages) const;
     void paintSpriteFrame(QPainter& p, int page, int sib, bool selected) const;
     void paintEmptyHint(QPainter& p) const;

@@ -16,11 +16,11 @@ struct PictureFileAnswer {
 
 // "Bitmap (*.bmp)" first, the dialog's default, then "PNG (*.png)" when this build reads and
 // writes PNG pictures.
-QString pictureFileFilters();
+[[nodiscard]] QString pictureFileFilters();
 
 // The file to write for a dialog's answer: a typed ".bmp" or ".png" (any case) decides the
 // format; without one, the extension of the chosen filter is added (".png" for the PNG filter,
 // else ".bmp"). An empty answer (the dialog was cancelled) stays empty.
-QString pictureFileToWrite(const QString& typed, const QString& chosenFilter);
+[[nodiscard]] QString pictureFileToWrite(const QString& typed, const QString& chosenFilter);
 
 } // namespace torquil

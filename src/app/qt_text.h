@@ -9,15 +9,15 @@
 namespace torquil {
 
 // A text of the core (messages, captions): UTF-8.
-inline QString qs(std::string_view text) {
+[[nodiscard]] inline QString qs(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
 // Car names are the game's single-byte text.
-inline QString fromGameText(const std::string& text) {
+[[nodiscard]] inline QString fromGameText(const std::string& text) {
     return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
 }
-inline std::string toGameText(const QString& text) {
+[[nodiscard]] inline std::string toGameText(const QString& text) {
     return text.toLatin1().toStdString();
 }
 

@@ -17,14 +17,14 @@ public:
 
     void setValues(int hue, int lightness, int saturation);
     // Fraction of the scale's width at which pointer i (0 hue, 1 lightness, 2 saturation) stands.
-    double pointerFraction(int i) const;
-    int value(int i) const { return values_[static_cast<std::size_t>(i)]; }
+    [[nodiscard]] double pointerFraction(int i) const;
+    [[nodiscard]] int value(int i) const { return values_[static_cast<std::size_t>(i)]; }
     // The scale (0..2) under a point and the value a point's x stands for on scale i.
-    static int scaleAt(int y);
-    int valueAt(int i, int x) const;
+    [[nodiscard]] static int scaleAt(int y);
+    [[nodiscard]] int valueAt(int i, int x) const;
 
-    QSize sizeHint() const override { return {260, 3 * kRowHeight + 4}; }
-    QSize minimumSizeHint() const override { return {160, 3 * kRowHeight + 4}; }
+    [[nodiscard]] QSize sizeHint() const override { return {260, 3 * kRowHeight + 4}; }
+    [[nodiscard]] QSize minimumSizeHint() const override { return {160, 3 * kRowHeight + 4}; }
 
 signals:
     // The user moved pointer i (0 hue, 1 lightness, 2 saturation) to a value.

@@ -16,11 +16,11 @@ public:
     explicit RemapPreview(QWidget* parent = nullptr);
 
     void setPicture(const QImage& sprite, std::optional<QColor> swatch = std::nullopt);
-    const QImage& picture() const { return sprite_; }
-    std::optional<QColor> swatch() const { return swatch_; }
+    [[nodiscard]] const QImage& picture() const { return sprite_; }
+    [[nodiscard]] std::optional<QColor> swatch() const { return swatch_; }
 
-    QSize sizeHint() const override { return {200, 200}; }
-    QSize minimumSizeHint() const override { return {120, 120}; }
+    [[nodiscard]] QSize sizeHint() const override { return {200, 200}; }
+    [[nodiscard]] QSize minimumSizeHint() const override { return {120, 120}; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

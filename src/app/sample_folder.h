@@ -9,6 +9,6 @@ namespace torquil {
 // ("samples"), in an installed layout ("../share/torquil/samples"), in the build tree (the
 // source folder's "samples", three levels up), or under `currentDir` ("samples"). Empty when
 // none holds it.
-QString sampleFolderBeside(const QString& appDir, const QString& currentDir);
+[[nodiscard]] QString sampleFolderBeside(const QString& appDir, const QString& currentDir);
 
 } // namespace torquil

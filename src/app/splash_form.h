@@ -11,7 +11,7 @@ class SplashForm : public QDialog {
     Q_OBJECT
 public:
     explicit SplashForm(QWidget* parent = nullptr);
-    QTimer* timer() const { return timer_; }
+    [[nodiscard]] QTimer* timer() const { return timer_; }
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

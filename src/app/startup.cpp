@@ -144,7 +144,8 @@ int runTorquil(int argc, char** argv) {
     auto load = [&form, &args, style] {
         if (style.isEmpty()) return;
         form.openStyle(style, kLoadSprites);
-        if (args.select > 0) form.selectSprite(args.select);
+        // A number without a sprite has said so (searchNSelect's message).
+        if (args.select > 0) (void)form.selectSprite(args.select);
         if (!args.viewDeltas.isEmpty()) {
             const char* entry =
                 args.viewDeltas == QLatin1String("car") ? "mnuViewDeltas1" : "mnuViewDeltas0";

@@ -26,15 +26,16 @@ struct StartupArgs {
 // Reads the arguments after the program name; unknown options are ignored, so a
 // shortcut with extra options still starts the editor. Debug mode is not an option here: "-d"
 // anywhere in the command line turns it on.
-StartupArgs parseStartupArgs(const QStringList& arguments);
+[[nodiscard]] StartupArgs parseStartupArgs(const QStringList& arguments);
 
 // The window's work folder: --workdir when given; for an installed program (its folder is a
 // system layout's bin, see isInstalledProgramFolder) the per-user application data folder,
 // created when missing; else, as for a portable copy or a build folder, the program's folder
 // when it is writable.
-std::filesystem::path windowWorkDir(const QString& workDirArg, const QString& executable);
+[[nodiscard]] std::filesystem::path windowWorkDir(const QString& workDirArg,
+                                                  const QString& executable);
 
 // The whole program: returns the exit status.
-int runTorquil(int argc, char** argv);
+[[nodiscard]] int runTorquil(int argc, char** argv);
 
 } // namespace torquil

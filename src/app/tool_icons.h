@@ -6,6 +6,6 @@
 
 namespace torquil {
 
-QIcon toolIcon(const QString& key);
+[[nodiscard]] QIcon toolIcon(const QString& key);
 
 } // namespace torquil

@@ -22,7 +22,9 @@ struct AppOptions {
     LinkPolicy links = LinkPolicy::Ask;
 
     // Path of a file in the program's directory.
-    std::filesystem::path workPath(const std::string& name) const { return workDir / name; }
+    [[nodiscard]] std::filesystem::path workPath(const std::string& name) const {
+        return workDir / name;
+    }
 };
 
 } // namespace torquil

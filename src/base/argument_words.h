@@ -8,11 +8,11 @@ namespace torquil {
 
 // True for a word that looks like an option ("--force", "-x"): taken as a file name it would
 // make a file of that name. "-" alone is not such a word.
-bool looksLikeOption(const std::string& word);
+[[nodiscard]] bool looksLikeOption(const std::string& word);
 
 // Why `word`, given where a file or folder name belongs, is refused; an empty string when it is
 // a name. Callers put the option's name before it. A name beginning with "-" stays possible as
 // "./-name".
-std::string optionWordAsPathMessage(const std::string& word);
+[[nodiscard]] std::string optionWordAsPathMessage(const std::string& word);
 
 } // namespace torquil

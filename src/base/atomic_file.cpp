@@ -1,7 +1,7 @@
 #include "base/atomic_file.h"
 
 #include "base/binary_file.h"
-#include "base/utf8_path.h"
+#include "base/replace_journal.h"
 
 #include <algorithm>
 #include <atomic>
@@ -20,8 +20,27 @@
 namespace torquil {
 
 namespace fs = std::filesystem;
+using namespace replace_journal;
 
 namespace {
+
+ReplaceFailure replaceFailed(const fs::path& file, std::error_code code, std::size_t replaced = 0,
+                             std::string_view step = {}) {
+    ReplaceFailure f;
+    f.message = "Cannot write " + file.string();
+    f.cause = describeCause(code);
+    f.file = file;
+    f.code = code;
+    f.replaced = replaced;
+    f.step = step;
+    return f;
+}
+
+// Success when the step gave no error.
+ReplaceResult resultOf(const fs::path& file, std::error_code code) {
+    if (!code) return {};
+    return replaceFailed(file, code);
+}
 
 std::mutex hookMutex;
 ReplaceFaultHook faultHook;
@@ -35,37 +54,10 @@ std::error_code injected(std::string_view step, const fs::path& target) {
     return hook ? hook(step, target) : std::error_code{};
 }
 
-std::error_code lastSystemError() {
-#ifdef _WIN32
-    return {static_cast<int>(GetLastError()), std::system_category()};
-#else
-    return {errno, std::generic_category()};
-#endif
-}
-
-// A side-file name no other run (other process id) and no other replace of this run shares.
-fs::path sideFileFor(const fs::path& target, std::string_view marker, const std::string& run) {
-    fs::path side = target;
-    side += std::string(marker) + run;
-    return side;
-}
-
 std::string newRunTag() {
     static std::atomic<unsigned> counter{0};
     return std::to_string(processId()) + "-" + std::to_string(counter++);
 }
-
-#ifndef _WIN32
-// The folder's entry of a rename reaches the disk only when the folder is flushed too (on
-// Windows MOVEFILE_WRITE_THROUGH does that).
-void syncFolder(const fs::path& folder) {
-    int fd = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd >= 0) {
-        ::fsync(fd);
-        ::close(fd);
-    }
-}
-#endif
 
 // A complete side file on the disk, ready to be renamed over its target.
 class SideFile {
@@ -215,98 +207,6 @@ std::error_code SideFile::markComplete() {
     return {};
 }
 
-// ---------------------------------------------------------------- journals of replaces of pairs
-
-struct JournalEntry {
-    fs::path target, side, old;
-};
-
-fs::path folderOf(const fs::path& file) {
-    return file.parent_path().empty() ? fs::path(".") : file.parent_path();
-}
-
-// One journal per folder that holds files of the replace, named by the folder's first file.
-std::vector<fs::path> journalPaths(const std::vector<JournalEntry>& entries,
-                                   const std::string& tag) {
-    std::vector<fs::path> journals;
-    std::vector<fs::path> folders;
-    for (const JournalEntry& e : entries) {
-        const fs::path folder = folderOf(e.target);
-        if (std::find(folders.begin(), folders.end(), folder) != folders.end()) continue;
-        folders.push_back(folder);
-        journals.push_back(sideFileFor(e.target, kJournalMarker, tag));
-    }
-    return journals;
-}
-
-std::string journalText(const std::vector<JournalEntry>& entries) {
-    std::string text = "torquil replace\n";
-    for (const JournalEntry& e : entries)
-        text += utf8Of(e.target) + "\n" + utf8Of(e.side) + "\n" + utf8Of(e.old) + "\n";
-    return text + "end\n"; // a journal cut short while written lacks it
-}
-
-bool parseJournal(const fs::path& journal, std::vector<JournalEntry>& entries) {
-    std::vector<std::uint8_t> bytes;
-    if (!readWholeFile(journal, bytes)) return false;
-    std::vector<std::string> lines;
-    std::string line;
-    for (std::uint8_t b : bytes) {
-        if (b == '\n') {
-            lines.push_back(line);
-            line.clear();
-        } else {
-            line.push_back(static_cast<char>(b));
-        }
-    }
-    if (lines.size() < 2 || lines[0] != "torquil replace" || lines.back() != "end" ||
-        (lines.size() - 2) % 3 != 0)
-        return false;
-    for (std::size_t i = 1; i + 3 < lines.size(); i += 3)
-        entries.push_back({pathFromUtf8(lines[i]), pathFromUtf8(lines[i + 1]),
-                           lines[i + 2].empty() ? fs::path() : pathFromUtf8(lines[i + 2])});
-    return !entries.empty();
-}
-
-std::error_code writeJournal(const fs::path& journal, const std::string& text) {
-    std::FILE* out = nullptr;
-#ifdef _WIN32
-    out = _wfopen(journal.c_str(), L"wb"); // the tag makes the name this run's own
-#else
-    out = std::fopen(journal.c_str(), "wb");
-#endif
-    if (!out) return lastSystemError();
-    std::error_code ec;
-    if (std::fwrite(text.data(), 1, text.size(), out) != text.size() || std::fflush(out) != 0)
-        ec = lastSystemError();
-#ifndef _WIN32
-    if (!ec && ::fsync(::fileno(out)) != 0) ec = lastSystemError();
-#endif
-    if (std::fclose(out) != 0 && !ec) ec = lastSystemError();
-#ifndef _WIN32
-    if (!ec) syncFolder(folderOf(journal));
-#endif
-    return ec;
-}
-
-void removeQuietly(const fs::path& file) {
-    std::error_code ignored;
-    if (!file.empty()) fs::remove(file, ignored);
-}
-
-bool existsQuietly(const fs::path& file) {
-    std::error_code ec;
-    return !file.empty() && fs::exists(fs::symlink_status(file, ec));
-}
-
-// Puts an old file back under its name (its second name ".~old" holds it).
-void restoreOld(const JournalEntry& e) {
-    if (!existsQuietly(e.old)) return;
-    std::error_code ec;
-    fs::rename(e.old, e.target, ec); // the same file under both names: nothing happens
-    removeQuietly(e.old);
-}
-
 } // namespace
 
 void setReplaceFaultHook(ReplaceFaultHook hook) {
@@ -372,8 +272,8 @@ namespace {
 // Renames the complete side files over their targets, each old file kept under a second name
 // and every file listed in a journal first, so that a crash between two renames can be finished
 // and a failed rename undone.
-ReplaceFailure replacePair(std::span<const FileContent> files, const std::vector<fs::path>& targets,
-                           std::vector<SideFile>& sides, const std::string& tag) {
+ReplaceResult replacePair(std::span<const FileContent> files, const std::vector<fs::path>& targets,
+                          std::vector<SideFile>& sides, const std::string& tag) {
     std::vector<JournalEntry> entries;
     for (std::size_t i = 0; i < files.size(); ++i) {
         std::error_code ec;
@@ -403,7 +303,7 @@ ReplaceFailure replacePair(std::span<const FileContent> files, const std::vector
         if (ec) {
             dropJournals();
             dropOlds();
-            return {files[0].target, ec, 0, "journal"};
+            return replaceFailed(files[0].target, ec, 0, "journal");
         }
     }
     for (std::size_t i = 0; i < files.size(); ++i) {
@@ -414,12 +314,12 @@ ReplaceFailure replacePair(std::span<const FileContent> files, const std::vector
             for (std::size_t j = 0; j < i; ++j) undone = undone && !entries[j].old.empty();
             if (!undone) {
                 for (SideFile& side : sides) side.keep();
-                return {files[i].target, ec, i, "rename"};
+                return replaceFailed(files[i].target, ec, i, "rename");
             }
             dropJournals();
             for (std::size_t j = 0; j < i; ++j) restoreOld(entries[j]);
             dropOlds();
-            return {files[i].target, ec, 0, "rename"};
+            return replaceFailed(files[i].target, ec, 0, "rename");
         }
     }
     // The old files go before the journals: an old file without a journal is put back.
@@ -429,80 +329,50 @@ ReplaceFailure replacePair(std::span<const FileContent> files, const std::vector
 }
 
 // Writes every file's side file; the mode and owner come from `like[i]`.
-ReplaceFailure writeSides(std::span<const FileContent> files, const std::vector<fs::path>& targets,
-                          const std::vector<fs::path>& like, std::vector<SideFile>& sides,
-                          const std::string& tag) {
+ReplaceResult writeSides(std::span<const FileContent> files, const std::vector<fs::path>& targets,
+                         const std::vector<fs::path>& like, std::vector<SideFile>& sides,
+                         const std::string& tag) {
     for (std::size_t i = 0; i < files.size(); ++i) {
         std::string_view step;
         if (auto ec = sides[i].write(targets[i], files[i], tag, like[i], step))
-            return {files[i].target, ec, 0, step};
+            return replaceFailed(files[i].target, ec, 0, step);
     }
     return {};
 }
 
 } // namespace
 
-ReplaceFailure replaceFilesAtomically(std::span<const FileContent> files) {
+ReplaceResult replaceFilesAtomically(std::span<const FileContent> files) {
     for (const FileContent& f : files)
         if (isStream(f.target)) {
             if (files.size() != 1)
-                return {f.target, std::make_error_code(std::errc::invalid_argument)};
-            return {f.target, writeStream(f.target, f)};
+                return replaceFailed(f.target, std::make_error_code(std::errc::invalid_argument));
+            return resultOf(f.target, writeStream(f.target, f));
         }
     std::vector<fs::path> targets;
     for (const FileContent& f : files) targets.push_back(replacedFileOf(f.target));
     for (std::size_t i = 0; i < files.size(); ++i) {
         std::error_code ec;
-        if (isWriteProtected(targets[i], ec)) return {files[i].target, ec, 0, "create"};
+        if (isWriteProtected(targets[i], ec))
+            return replaceFailed(files[i].target, ec, 0, "create");
     }
     const std::string tag = newRunTag();
     std::vector<SideFile> sides(files.size());
-    if (ReplaceFailure failure = writeSides(files, targets, targets, sides, tag)) return failure;
+    if (ReplaceResult written = writeSides(files, targets, targets, sides, tag); !written)
+        return written;
     if (files.size() > 1) return replacePair(files, targets, sides, tag);
     for (std::size_t i = 0; i < files.size(); ++i)
-        if (auto ec = sides[i].replaceTarget()) return {files[i].target, ec, i, "rename"};
+        if (auto ec = sides[i].replaceTarget())
+            return replaceFailed(files[i].target, ec, i, "rename");
     return {};
 }
 
-ReplaceFailure replaceFileAtomically(const fs::path& target, std::span<const std::uint8_t> bytes) {
+ReplaceResult replaceFileAtomically(const fs::path& target, std::span<const std::uint8_t> bytes) {
     const FileContent one{target, bytes};
     return replaceFilesAtomically(std::span<const FileContent>(&one, 1));
 }
 
-std::string describeCause(const std::error_code& cause) {
-    if (!cause) return {};
-    const std::error_condition c = cause.default_error_condition();
-    if (c == std::errc::permission_denied || c == std::errc::operation_not_permitted)
-        return "permission denied";
-    if (c == std::errc::no_space_on_device || c == std::errc::file_too_large) return "disk full";
-    if (c == std::errc::read_only_file_system) return "read-only file system";
-    if (c == std::errc::no_such_file_or_directory) return "no such file or directory";
-    if (c == std::errc::text_file_busy || c == std::errc::device_or_resource_busy)
-        return "file in use";
-#ifdef _WIN32
-    if (cause.category() == std::system_category()) {
-        switch (cause.value()) {
-        case ERROR_SHARING_VIOLATION:
-        case ERROR_LOCK_VIOLATION:
-            return "file in use";
-        case ERROR_DISK_FULL:
-        case ERROR_HANDLE_DISK_FULL:
-            return "disk full";
-        case ERROR_FILE_NOT_FOUND:
-        case ERROR_PATH_NOT_FOUND:
-            return "no such file or directory";
-        case ERROR_ACCESS_DENIED:
-        case ERROR_WRITE_PROTECT:
-            return "permission denied";
-        default:
-            break;
-        }
-    }
-#endif
-    return cause.message();
-}
-
-ReplaceFailure copyFileAtomically(const fs::path& source, const fs::path& target) {
+ReplaceResult copyFileAtomically(const fs::path& source, const fs::path& target) {
     std::error_code ec;
     std::FILE* in = nullptr;
 #ifdef _WIN32
@@ -510,22 +380,25 @@ ReplaceFailure copyFileAtomically(const fs::path& source, const fs::path& target
 #else
     in = std::fopen(source.c_str(), "rb");
 #endif
-    if (!in)
-        return {source, fs::exists(source, ec)
-                            ? std::make_error_code(std::errc::io_error)
-                            : std::make_error_code(std::errc::no_such_file_or_directory)};
+    if (!in) {
+        ReplaceFailure unread =
+            replaceFailed(source, fs::exists(source, ec)
+                                      ? std::make_error_code(std::errc::io_error)
+                                      : std::make_error_code(std::errc::no_such_file_or_directory));
+        unread.message = "Cannot read " + source.string();
+        return unread;
+    }
     if (isStream(target)) {
-        std::vector<std::uint8_t> bytes;
         std::fclose(in);
-        if (!readWholeFile(source, bytes))
-            return {source, std::make_error_code(std::errc::io_error)};
-        const FileContent whole{target, bytes};
-        return {target, writeStream(target, whole)};
+        const auto bytes = readWholeFile(source);
+        if (!bytes) return replaceFailed(source, std::make_error_code(std::errc::io_error));
+        const FileContent whole{target, *bytes};
+        return resultOf(target, writeStream(target, whole));
     }
     const std::vector<fs::path> targets{replacedFileOf(target)};
     if (isWriteProtected(targets[0], ec)) {
         std::fclose(in);
-        return {target, ec, 0, "create"};
+        return replaceFailed(target, ec, 0, "create");
     }
     // Copied a piece at a time: a file of any size costs one piece of memory.
     bool readFailed = false;
@@ -546,162 +419,16 @@ ReplaceFailure copyFileAtomically(const fs::path& source, const fs::path& target
     // file's own.
     const std::vector<fs::path> like{fs::exists(targets[0], ec) ? targets[0] : source};
     std::vector<SideFile> sides(1);
-    ReplaceFailure failure =
+    ReplaceResult copied =
         writeSides(std::span<const FileContent>(&copy, 1), targets, like, sides, newRunTag());
-    if (!failure)
-        if (auto e = sides[0].replaceTarget()) failure = {target, e, 0, "rename"};
+    if (copied)
+        if (auto e = sides[0].replaceTarget()) copied = replaceFailed(target, e, 0, "rename");
     std::fclose(in);
-    if (readFailed) failure.file = source;
-    return failure;
-}
-
-namespace {
-
-// Files in the folder of `target` whose names are the target's name, `marker`, then a tag.
-std::vector<std::pair<fs::path, std::string>> sideFilesOf(const fs::path& target,
-                                                          std::string_view marker) {
-    std::vector<std::pair<fs::path, std::string>> found;
-    std::error_code ec;
-    const std::string prefix = target.filename().string() + std::string(marker);
-    for (fs::directory_iterator it(folderOf(target), ec), end; !ec && it != end; it.increment(ec)) {
-        const std::string name = it->path().filename().string();
-        if (name.size() > prefix.size() && name.compare(0, prefix.size(), prefix) == 0)
-            found.emplace_back(it->path(), name.substr(prefix.size()));
+    if (!copied && readFailed) {
+        copied.error().file = source;
+        copied.error().message = "Cannot read " + source.string();
     }
-    std::sort(found.begin(), found.end());
-    return found;
-}
-
-// Journals in the folder of `target` that list it, with their tags and entries.
-struct FoundJournal {
-    fs::path path;
-    std::string tag;
-    std::vector<JournalEntry> entries;
-};
-
-std::vector<FoundJournal> journalsListing(const fs::path& target) {
-    std::vector<FoundJournal> found;
-    std::error_code ec;
-    const fs::path self = fs::absolute(target, ec).lexically_normal();
-    for (fs::directory_iterator it(folderOf(target), ec), end; !ec && it != end; it.increment(ec)) {
-        const std::string name = it->path().filename().string();
-        const auto at = name.rfind(kJournalMarker);
-        if (at == std::string::npos) continue;
-        FoundJournal j{it->path(), name.substr(at + kJournalMarker.size()), {}};
-        if (!parseJournal(j.path, j.entries)) continue;
-        for (const JournalEntry& e : j.entries)
-            if (e.target == self) {
-                found.push_back(std::move(j));
-                break;
-            }
-    }
-    return found;
-}
-
-std::string namesOf(const std::vector<JournalEntry>& entries) {
-    std::string text;
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        if (i > 0) text += i + 1 == entries.size() ? " and " : ", ";
-        text += entries[i].target.string();
-    }
-    return text;
-}
-
-// Finishes or rolls back one interrupted replace of several files and says which.
-std::string settleJournal(const FoundJournal& found) {
-    const std::vector<JournalEntry>& entries = found.entries;
-    std::vector<std::string> replaced, waiting;
-    for (const JournalEntry& e : entries)
-        (existsQuietly(e.side) ? waiting : replaced).push_back(e.target.string());
-    bool allJournals = true;
-    for (const fs::path& j : journalPaths(entries, found.tag))
-        allJournals = allJournals && existsQuietly(j);
-    const std::string what = "A save of " + namesOf(entries) + " was interrupted";
-    if (!replaced.empty() || allJournals) {
-        // Every new file was complete before the first rename: the save is finished.
-        for (const JournalEntry& e : entries)
-            if (existsQuietly(e.side)) {
-                std::error_code ec;
-                fs::rename(e.side, e.target, ec);
-            }
-        for (const JournalEntry& e : entries) removeQuietly(e.old);
-        for (const fs::path& j : journalPaths(entries, found.tag)) removeQuietly(j);
-        if (waiting.empty())
-            return what + " after it had replaced every file. Its leftover files were removed.";
-        return what +
-               (replaced.empty() ? " just before it replaced the files"
-                                 : " after it had replaced " + replaced.front() +
-                                       (replaced.size() > 1 ? " and others" : "")) +
-               ". It was finished: each file now holds the content of that save.";
-    }
-    for (const fs::path& j : journalPaths(entries, found.tag)) removeQuietly(j);
-    for (const JournalEntry& e : entries) {
-        restoreOld(e);
-        removeQuietly(e.side);
-    }
-    return what + " before it replaced any file. It was rolled back: each file is as it was "
-                  "before that save, and the unfinished files were removed.";
-}
-
-} // namespace
-
-std::vector<fs::path> findInterruptedSaves(const fs::path& target) {
-    std::vector<fs::path> found;
-    fs::path bak = target;
-    bak += ".bak";
-    for (const fs::path& file : {target, bak})
-        for (std::string_view marker :
-             {kPendingMarker, kCompleteMarker, kOldMarker, kJournalMarker})
-            for (const auto& [path, tag] : sideFilesOf(file, marker)) found.push_back(path);
-    return found;
-}
-
-std::vector<fs::path> filesOfInterruptedSaves(const fs::path& target) {
-    std::vector<fs::path> files;
-    for (const FoundJournal& j : journalsListing(replacedFileOf(target)))
-        for (const JournalEntry& e : j.entries)
-            if (std::find(files.begin(), files.end(), e.target) == files.end())
-                files.push_back(e.target);
-    return files;
-}
-
-std::vector<std::string> recoverInterruptedSaves(const fs::path& named) {
-    std::vector<std::string> said;
-    const fs::path target = replacedFileOf(named);
-    for (const FoundJournal& j : journalsListing(target)) said.push_back(settleJournal(j));
-    // What is left had no journal: no rename had begun, the file holds its old content.
-    for (const auto& [old, tag] : sideFilesOf(target, kOldMarker)) {
-        restoreOld({target, {}, old});
-        said.push_back("A save of " + target.string() + " was interrupted before it was " +
-                       "complete. The file holds its content from before that save.");
-    }
-    for (std::string_view marker : {kPendingMarker, kCompleteMarker})
-        for (const auto& [side, tag] : sideFilesOf(target, marker)) {
-            removeQuietly(side);
-            said.push_back("A save of " + target.string() +
-                           " was interrupted before it replaced the file, which is as it was "
-                           "before that save. Its unfinished file " +
-                           side.string() + " was removed.");
-        }
-    fs::path bak = target;
-    bak += ".bak";
-    for (std::string_view marker : {kPendingMarker, kCompleteMarker})
-        for (const auto& [side, tag] : sideFilesOf(bak, marker)) {
-            removeQuietly(side);
-            said.push_back("An unfinished copy of the backup " + bak.string() +
-                           " was removed: " + side.string() + ".");
-        }
-    // A journal that cannot be read was cut short while it was written: the renames begin only
-    // once every journal is whole, so nothing had been replaced yet (the files above were rolled
-    // back); it goes too.
-    for (const auto& [journal, tag] : sideFilesOf(target, kJournalMarker)) {
-        std::vector<JournalEntry> entries;
-        if (parseJournal(journal, entries)) continue; // another file's save, settled from there
-        removeQuietly(journal);
-        said.push_back("A save of " + target.string() + " was interrupted while it wrote " +
-                       journal.string() + ", before it replaced any file; that file was removed.");
-    }
-    return said;
+    return copied;
 }
 
 std::uint64_t processId() {

@@ -5,6 +5,9 @@
 // the old file or the new one. A file that may not be written (no write permission for anyone,
 // or for this user) is refused and left alone.
 
+#include "base/cause_advice.h"
+#include "base/result.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -33,51 +36,43 @@ struct FileContent {
     ContentSource source = {};
 };
 
-// What a failed replace tells the user: which file, and the cause the system gave.
-struct ReplaceFailure {
-    ReplaceFailure() = default;
-    ReplaceFailure(std::filesystem::path f, std::error_code c, std::size_t r = 0,
-                   std::string_view s = {})
-        : file(std::move(f)), cause(c), replaced(r), step(s) {}
-
+// What a failed replace tells the user: which file ("Cannot write FILE" as its message), and the
+// cause the system gave (in words as its cause, and as `code`).
+struct ReplaceFailure : Failure {
     std::filesystem::path file;
-    std::error_code cause;
+    std::error_code code;
     // Files of the list that hold their new content after the failure: 0 unless the old content
     // of a file already replaced could not be put back (the next run then finishes the replace).
     std::size_t replaced = 0;
     // The step that failed ("create", "write", "owner", "flush", "rename", "journal"), for the
     // cause's words: an owner that cannot be kept is no lack of space.
     std::string_view step;
-    explicit operator bool() const { return static_cast<bool>(cause); }
 };
+using ReplaceResult = Result<void, ReplaceFailure>;
 
 // The file a replace of `target` writes: a symbolic link is followed to the file it names, so the
 // link stays a link and its target takes the new content.
 [[nodiscard]] std::filesystem::path replacedFileOf(const std::filesystem::path& target);
 
-// Writes `bytes` as the new content of `target` (created when missing). Empty failure on success.
-ReplaceFailure replaceFileAtomically(const std::filesystem::path& target,
-                                     std::span<const std::uint8_t> bytes);
+// Writes `bytes` as the new content of `target` (created when missing).
+[[nodiscard]] ReplaceResult replaceFileAtomically(const std::filesystem::path& target,
+                                                  std::span<const std::uint8_t> bytes);
 
 // Copies the whole of `source` to `target` through a replace, so `target` never exists half
 // written. The cause is "no such file or directory" when `source` is missing, an input/output
 // error when it cannot be read.
-ReplaceFailure copyFileAtomically(const std::filesystem::path& source,
-                                  const std::filesystem::path& target);
+[[nodiscard]] ReplaceResult copyFileAtomically(const std::filesystem::path& source,
+                                               const std::filesystem::path& target);
 
 // Several files replaced together, both or neither: every new file is complete and on the disk,
 // each old file has a second name (".~old", a hard link) and a journal (".~pair") lists them all
 // before the first rename. A rename that fails puts the old files back; a crash between two
 // renames is finished by recoverInterruptedSaves. A replaced file keeps its mode, owner and
 // group; when its owner cannot be kept the replace fails at "owner".
-ReplaceFailure replaceFilesAtomically(std::span<const FileContent> files);
+[[nodiscard]] ReplaceResult replaceFilesAtomically(std::span<const FileContent> files);
 
 // Whether the file exists and may not be replaced (no write permission); ec holds the cause.
-bool isWriteProtected(const std::filesystem::path& target, std::error_code& ec);
-
-// The cause in a few words: "permission denied", "disk full", "file in use", "read-only file
-// system", else the system's own text.
-std::string describeCause(const std::error_code& cause);
+[[nodiscard]] bool isWriteProtected(const std::filesystem::path& target, std::error_code& ec);
 
 // Side files of a replace: name + ".~new" + a tag of the run while it is written, ".~done" + the
 // tag once it is complete and on the disk, just before it takes the name. A replace of several
@@ -88,7 +83,8 @@ inline constexpr std::string_view kCompleteMarker = ".~done";
 inline constexpr std::string_view kOldMarker = ".~old";
 inline constexpr std::string_view kJournalMarker = ".~pair";
 // Side files left beside `target` (and beside its ".bak") by replaces that were interrupted.
-std::vector<std::filesystem::path> findInterruptedSaves(const std::filesystem::path& target);
+[[nodiscard]] std::vector<std::filesystem::path>
+findInterruptedSaves(const std::filesystem::path& target);
 
 // Finishes or rolls back the replaces of `target` that were cut short, and removes their side
 // files; returns one sentence per replace found, saying what it was and what was done. A replace
@@ -96,9 +92,10 @@ std::vector<std::filesystem::path> findInterruptedSaves(const std::filesystem::p
 // holds its new content; one that had not is rolled back, so every file holds its old content.
 // The caller holds the lock of every file the replaces name (see recoverFiles in
 // file_transaction.h, which takes them).
-std::vector<std::string> recoverInterruptedSaves(const std::filesystem::path& target);
+[[nodiscard]] std::vector<std::string> recoverInterruptedSaves(const std::filesystem::path& target);
 // The other files that the interrupted replaces of `target` name in their journals.
-std::vector<std::filesystem::path> filesOfInterruptedSaves(const std::filesystem::path& target);
+[[nodiscard]] std::vector<std::filesystem::path>
+filesOfInterruptedSaves(const std::filesystem::path& target);
 
 // For tests: called before each system step of a replace with the step ("create", "write",
 // "flush", "rename", "journal") and the target. A hook may end the process there, or return an

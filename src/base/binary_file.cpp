@@ -1,5 +1,9 @@
 #include "base/binary_file.h"
 
+#include "base/cause_advice.h"
+
+#include <cerrno>
+
 #include <algorithm>
 #include <cstring>
 #include <fstream>
@@ -269,17 +273,19 @@ void BinaryFile::flush() {
     if (file_ && std::fflush(file_) != 0) errors_.raise(err::DiskFull, "flush " + path_.string());
 }
 
-bool readWholeFile(const std::filesystem::path& path, std::vector<std::uint8_t>& out) {
-    out.clear();
+Result<std::vector<std::uint8_t>> readWholeFile(const std::filesystem::path& path) {
     std::ifstream in(path, std::ios::binary);
-    if (!in) return false;
+    if (!in)
+        return fail("Cannot open " + path.string(),
+                    describeCause(std::error_code(errno, std::generic_category())));
     in.seekg(0, std::ios::end);
     auto size = in.tellg();
-    if (size < 0) return false;
+    if (size < 0) return fail("Cannot read " + path.string(), "its length cannot be told");
     in.seekg(0);
-    out.resize(static_cast<std::size_t>(size));
+    std::vector<std::uint8_t> out(static_cast<std::size_t>(size));
     in.read(reinterpret_cast<char*>(out.data()), size);
-    return static_cast<bool>(in) || in.eof();
+    if (!in && !in.eof()) return fail("Cannot read " + path.string(), "input/output error");
+    return out;
 }
 
 } // namespace torquil

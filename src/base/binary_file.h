@@ -4,6 +4,7 @@
 // errors that become the session's pending run-time error. It reads and writes a file on disk or
 // bytes in memory (the fuzz targets and tests feed inputs that way).
 
+#include "base/result.h"
 #include "base/runtime_error.h"
 
 #include <cstdint>
@@ -42,26 +43,27 @@ public:
     void truncateInMemory(std::int64_t length);
     // Whether a write or a cut since the content was opened in memory changed any byte of it (a
     // write of the bytes already there changes nothing).
-    bool memoryChanged() const { return memoryChanged_; }
+    [[nodiscard]] bool memoryChanged() const { return memoryChanged_; }
     void close();
-    bool isOpen() const { return file_ != nullptr || memory_ != nullptr; }
-    const std::filesystem::path& path() const { return path_; }
+    [[nodiscard]] bool isOpen() const { return file_ != nullptr || memory_ != nullptr; }
+    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
 
     // LOF: the file's length in bytes.
-    std::int64_t length() const { return length_; }
+    [[nodiscard]] std::int64_t length() const { return length_; }
     // Seek(): the 1-based position of the next byte read or written.
-    std::int64_t position() const { return pos_ + 1; }
+    [[nodiscard]] std::int64_t position() const { return pos_ + 1; }
     // Seek statement: positions below 1 raise "Bad record number" (63).
     void seek(std::int64_t position1);
     // EOF(): true once the position is past the last byte of the file.
-    bool atEnd() const { return pos_ >= length_; }
+    [[nodiscard]] bool atEnd() const { return pos_ >= length_; }
 
     // Reads dest.size() bytes; bytes past the end read as zero. Returns the bytes really read.
+    // A short read is no failure here (the rest reads as zero), so the count may go unused.
     std::size_t read(std::span<std::uint8_t> dest);
-    std::uint8_t readU8();
-    std::int16_t readI16();
-    std::uint16_t readU16();
-    std::int32_t readI32();
+    [[nodiscard]] std::uint8_t readU8();
+    [[nodiscard]] std::int16_t readI16();
+    [[nodiscard]] std::uint16_t readU16();
+    [[nodiscard]] std::int32_t readI32();
 
     void write(std::span<const std::uint8_t> src);
     void writeU8(std::uint8_t v);
@@ -72,8 +74,8 @@ public:
     void flush();
 
 private:
-    bool fillWindow(std::int64_t at);
-    bool seekOs(std::int64_t offset);
+    [[nodiscard]] bool fillWindow(std::int64_t at);
+    [[nodiscard]] bool seekOs(std::int64_t offset);
 
     ErrorState& errors_;
     std::FILE* file_ = nullptr;
@@ -90,13 +92,13 @@ private:
 };
 
 // Little-endian helpers for byte buffers (never a struct laid over bytes).
-inline std::int16_t getI16(const std::uint8_t* p) {
+[[nodiscard]] inline std::int16_t getI16(const std::uint8_t* p) {
     return static_cast<std::int16_t>(p[0] | (p[1] << 8));
 }
-inline std::uint16_t getU16(const std::uint8_t* p) {
+[[nodiscard]] inline std::uint16_t getU16(const std::uint8_t* p) {
     return static_cast<std::uint16_t>(p[0] | (p[1] << 8));
 }
-inline std::int32_t getI32(const std::uint8_t* p) {
+[[nodiscard]] inline std::int32_t getI32(const std::uint8_t* p) {
     return static_cast<std::int32_t>(
         static_cast<std::uint32_t>(p[0]) | (static_cast<std::uint32_t>(p[1]) << 8) |
         (static_cast<std::uint32_t>(p[2]) << 16) | (static_cast<std::uint32_t>(p[3]) << 24));
@@ -111,7 +113,7 @@ inline void putI32(std::uint8_t* p, std::int32_t v) {
     for (int i = 0; i < 4; ++i) p[i] = static_cast<std::uint8_t>(u >> (8 * i));
 }
 
-// Reads a whole file into memory; returns false (and leaves out empty) when it cannot be read.
-[[nodiscard]] bool readWholeFile(const std::filesystem::path& path, std::vector<std::uint8_t>& out);
+// Reads a whole file into memory.
+[[nodiscard]] Result<std::vector<std::uint8_t>> readWholeFile(const std::filesystem::path& path);
 
 } // namespace torquil

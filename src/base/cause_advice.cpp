@@ -1,5 +1,9 @@
 #include "base/cause_advice.h"
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 namespace torquil {
 
 std::string causeAdvice(std::string_view cause, Access access) {
@@ -19,6 +23,39 @@ std::string causeAdvice(std::string_view cause, Access access) {
     if (cause == "no such file or directory")
         return "Check that the file and its folder are still there.";
     return {};
+}
+
+std::string describeCause(const std::error_code& cause) {
+    if (!cause) return {};
+    const std::error_condition c = cause.default_error_condition();
+    if (c == std::errc::permission_denied || c == std::errc::operation_not_permitted)
+        return "permission denied";
+    if (c == std::errc::no_space_on_device || c == std::errc::file_too_large) return "disk full";
+    if (c == std::errc::read_only_file_system) return "read-only file system";
+    if (c == std::errc::no_such_file_or_directory) return "no such file or directory";
+    if (c == std::errc::text_file_busy || c == std::errc::device_or_resource_busy)
+        return "file in use";
+#ifdef _WIN32
+    if (cause.category() == std::system_category()) {
+        switch (cause.value()) {
+        case ERROR_SHARING_VIOLATION:
+        case ERROR_LOCK_VIOLATION:
+            return "file in use";
+        case ERROR_DISK_FULL:
+        case ERROR_HANDLE_DISK_FULL:
+            return "disk full";
+        case ERROR_FILE_NOT_FOUND:
+        case ERROR_PATH_NOT_FOUND:
+            return "no such file or directory";
+        case ERROR_ACCESS_DENIED:
+        case ERROR_WRITE_PROTECT:
+            return "permission denied";
+        default:
+            break;
+        }
+    }
+#endif
+    return cause.message();
 }
 
 } // namespace torquil

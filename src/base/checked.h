@@ -27,8 +27,8 @@ T& checkedAt(std::vector<T>& table, long long index, ErrorState& errors, const c
 }
 
 template <class T>
-const T& checkedAt(const std::vector<T>& table, long long index, ErrorState& errors,
-                   const char* what) {
+[[nodiscard]] const T& checkedAt(const std::vector<T>& table, long long index, ErrorState& errors,
+                                 const char* what) {
     if (index < 0 || index >= static_cast<long long>(table.size())) {
         errors.raise(err::SubscriptOutOfRange, what);
         return scratchElement<T>();

@@ -6,6 +6,6 @@
 
 namespace torquil {
 
-std::uint32_t crc32(std::span<const std::uint8_t> bytes, std::uint32_t crc = 0);
+[[nodiscard]] std::uint32_t crc32(std::span<const std::uint8_t> bytes, std::uint32_t crc = 0);
 
 } // namespace torquil

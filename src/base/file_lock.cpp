@@ -75,16 +75,35 @@ const std::string& lockProgramName() {
     return programName();
 }
 
+namespace {
+
+LockFailure heldByOther(const fs::path& file, const std::string& holder) {
+    LockFailure f;
+    f.message = lockHeldMessage(file, holder);
+    f.refusal = LockRefusal::HeldByOther;
+    return f;
+}
+
+LockFailure unavailable(const fs::path& lockFile) {
+    LockFailure f;
+    f.message = "No lock file can be made: " + lockFile.string();
+    f.cause = "a read-only folder?";
+    f.refusal = LockRefusal::Unavailable;
+    return f;
+}
+
+} // namespace
+
 #ifdef _WIN32
 
-FileLock::Result FileLock::acquire(const fs::path& file, const std::string& program) {
+FileLock::Acquired FileLock::acquire(const fs::path& file, const std::string& program) {
     release();
     lockPath_ = lockPathOf(file);
     // No sharing for writers: a second run cannot open the file for writing while we hold it.
     HANDLE h = CreateFileW(lockPath_.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ,
                            nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (h == INVALID_HANDLE_VALUE) {
-        if (GetLastError() != ERROR_SHARING_VIOLATION) return Result::Unavailable;
+        if (GetLastError() != ERROR_SHARING_VIOLATION) return unavailable(lockPath_);
         holder_.clear();
         HANDLE r = CreateFileW(lockPath_.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -95,7 +114,7 @@ FileLock::Result FileLock::acquire(const fs::path& file, const std::string& prog
             CloseHandle(r);
         }
         holder_ = trimmed(holder_);
-        return Result::HeldByOther;
+        return heldByOther(file, holder_);
     }
     stale_.clear();
     {
@@ -110,7 +129,7 @@ FileLock::Result FileLock::acquire(const fs::path& file, const std::string& prog
     DWORD put = 0;
     WriteFile(h, holder_.data(), static_cast<DWORD>(holder_.size()), &put, nullptr);
     handle_ = h;
-    return Result::Taken;
+    return {};
 }
 
 void FileLock::release() {
@@ -122,20 +141,20 @@ void FileLock::release() {
 
 #else
 
-FileLock::Result FileLock::acquire(const fs::path& file, const std::string& program) {
+FileLock::Acquired FileLock::acquire(const fs::path& file, const std::string& program) {
     release();
     lockPath_ = lockPathOf(file);
     for (int attempt = 0; attempt < 8; ++attempt) {
         int fd = ::open(lockPath_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-        if (fd < 0) return Result::Unavailable;
+        if (fd < 0) return unavailable(lockPath_);
         if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
             const int why = errno;
             char buffer[512];
             const ssize_t got = ::pread(fd, buffer, sizeof buffer, 0);
             ::close(fd);
-            if (why != EWOULDBLOCK) return Result::Unavailable;
+            if (why != EWOULDBLOCK) return unavailable(lockPath_);
             holder_ = trimmed(got > 0 ? std::string(buffer, static_cast<std::size_t>(got)) : "");
-            return Result::HeldByOther;
+            return heldByOther(file, holder_);
         }
         // The holder before us may have removed the file between our open and our lock: the lock
         // counts only when it is on the file that has the name now.
@@ -156,9 +175,9 @@ FileLock::Result FileLock::acquire(const fs::path& file, const std::string& prog
             // The lock holds without the text; a second run then names an unknown holder.
         }
         handle_ = fd;
-        return Result::Taken;
+        return {};
     }
-    return Result::Unavailable;
+    return unavailable(lockPath_);
 }
 
 void FileLock::release() {

@@ -31,7 +31,8 @@ public:
         const fs::path key = fs::absolute(file).lexically_normal();
         if (std::find(held_.begin(), held_.end(), key) != held_.end()) return true;
         auto lock = std::make_unique<FileLock>();
-        if (lock->acquire(file, program) == FileLock::Result::HeldByOther) {
+        if (const FileLock::Acquired taken = lock->acquire(file, program);
+            !taken && taken.error().refusal == LockRefusal::HeldByOther) {
             holder = lock->holder();
             return false;
         }
@@ -97,70 +98,15 @@ std::uint64_t nameCountOf(const fs::path& file) {
 #endif
 }
 
-CommitResult commitFiles(std::span<const CommitFile> files, const CommitOptions& options) {
-    CommitResult r;
-    std::vector<fs::path> named;
-    for (const CommitFile& f : files) named.push_back(f.target);
-    LockSet locks;
-    locks.heldAlready(options.lockedByCaller);
-    for (const fs::path& file : filesToLock(named)) {
-        if (!locks.take(file, options.program, r.holder, r.found)) {
-            r.outcome = CommitOutcome::Busy;
-            r.file = file;
-            return r;
-        }
-    }
-    // What an interrupted save left is dealt with first: a file it finished is no longer the one
-    // this run read, and the check below says so.
-    for (const fs::path& file : named)
-        for (std::string& said : recoverInterruptedSaves(file)) r.found.push_back(std::move(said));
+namespace {
 
-    for (const CommitFile& f : files) {
-        if (stampOf(f.target) != f.readAs &&
-            !(options.askWriteOver && options.askWriteOver(f.target))) {
-            r.outcome = CommitOutcome::Changed;
-            r.file = f.target;
-            return r;
-        }
-    }
-    for (const CommitFile& f : files) {
-        const std::uint64_t names = nameCountOf(f.target);
-        if (names > 1 && !options.breakLinks &&
-            !(options.askBreakLinks && options.askBreakLinks(f.target, names))) {
-            r.outcome = CommitOutcome::HardLinked;
-            r.file = f.target;
-            r.names = names;
-            return r;
-        }
-    }
-    if (options.keepBackup) {
-        for (const CommitFile& f : files) {
-            if (!options.keepBackup(f.target, r.cause)) {
-                r.outcome = CommitOutcome::BackupFailed;
-                r.file = f.target;
-                return r;
-            }
-        }
-    }
-    std::vector<FileContent> contents;
-    for (const CommitFile& f : files) contents.push_back({f.target, f.bytes});
-    if (const ReplaceFailure failure = replaceFilesAtomically(contents)) {
-        r.outcome = CommitOutcome::WriteFailed;
-        r.file = failure.file;
-        r.cause = failure.cause;
-        r.partly = failure.replaced > 0;
-        r.ownerNotKept = failure.step == "owner";
-    }
-    return r;
-}
-
-std::string commitFailureMessage(const CommitResult& r, std::span<const CommitFile> files) {
+// Why a transaction did not commit, in words: what happened to which file, then what is on the
+// disk now.
+std::string commitFailureText(const CommitFailure& r, std::span<const CommitFile> files) {
     const std::string nothing = "Nothing was written: " + listOf(files) +
                                 (files.size() > 1 ? " are as they were." : " is as it was.");
     const std::string file = r.file.string();
     switch (r.outcome) {
-    case CommitOutcome::Committed:
-        return {};
     case CommitOutcome::Busy:
         return "The file " + file + " is being saved by " + r.holder + "." + "\r" + nothing + "\r" +
                "Wait until that save is over, then save again.";
@@ -174,11 +120,11 @@ std::string commitFailureMessage(const CommitResult& r, std::span<const CommitFi
                "To save it anyway, allow the link to be broken (--break-links).";
     case CommitOutcome::BackupFailed:
         return "The unmodified " + file + " could not be kept as " + file + ".bak." + "\r" +
-               "The system said: " + describeCause(r.cause) + "." + "\r" + nothing;
+               "The system said: " + describeCause(r.code) + "." + "\r" + nothing;
     case CommitOutcome::WriteFailed:
         break;
     }
-    const std::string said = "The system said: " + describeCause(r.cause) + ".";
+    const std::string said = "The system said: " + describeCause(r.code) + ".";
     const std::string what =
         r.ownerNotKept
             ? file + " could not be written: its new file could not be given the " +
@@ -188,6 +134,67 @@ std::string commitFailureMessage(const CommitResult& r, std::span<const CommitFi
     return what + "\r" + said + "\r" +
            "The other files of the save hold their new content; the new " + file +
            " waits beside it and the next save or open of the level puts it in place.";
+}
+
+CommitFailure commitFailed(CommitFailure r, CommitOutcome outcome, const fs::path& file,
+                           std::span<const CommitFile> files) {
+    r.outcome = outcome;
+    r.file = file;
+    r.message = commitFailureText(r, files);
+    r.cause = describeCause(r.code);
+    return r;
+}
+
+} // namespace
+
+const std::vector<std::string>& foundBy(const CommitResult& result) {
+    return result ? result.value().found : result.error().found;
+}
+
+CommitResult commitFiles(std::span<const CommitFile> files, const CommitOptions& options) {
+    CommitFailure r;
+    std::vector<fs::path> named;
+    for (const CommitFile& f : files) named.push_back(f.target);
+    LockSet locks;
+    locks.heldAlready(options.lockedByCaller);
+    for (const fs::path& file : filesToLock(named)) {
+        if (!locks.take(file, options.program, r.holder, r.found))
+            return commitFailed(std::move(r), CommitOutcome::Busy, file, files);
+    }
+    // What an interrupted save left is dealt with first: a file it finished is no longer the one
+    // this run read, and the check below says so.
+    for (const fs::path& file : named)
+        for (std::string& said : recoverInterruptedSaves(file)) r.found.push_back(std::move(said));
+
+    for (const CommitFile& f : files) {
+        if (stampOf(f.target) != f.readAs &&
+            !(options.askWriteOver && options.askWriteOver(f.target)))
+            return commitFailed(std::move(r), CommitOutcome::Changed, f.target, files);
+    }
+    for (const CommitFile& f : files) {
+        const std::uint64_t names = nameCountOf(f.target);
+        if (names > 1 && !options.breakLinks &&
+            !(options.askBreakLinks && options.askBreakLinks(f.target, names))) {
+            r.names = names;
+            return commitFailed(std::move(r), CommitOutcome::HardLinked, f.target, files);
+        }
+    }
+    if (options.keepBackup) {
+        for (const CommitFile& f : files) {
+            if (!options.keepBackup(f.target, r.code))
+                return commitFailed(std::move(r), CommitOutcome::BackupFailed, f.target, files);
+        }
+    }
+    std::vector<FileContent> contents;
+    for (const CommitFile& f : files) contents.push_back({f.target, f.bytes});
+    if (const ReplaceResult written = replaceFilesAtomically(contents); !written) {
+        const ReplaceFailure& failure = written.error();
+        r.code = failure.code;
+        r.partly = failure.replaced > 0;
+        r.ownerNotKept = failure.step == "owner";
+        return commitFailed(std::move(r), CommitOutcome::WriteFailed, failure.file, files);
+    }
+    return Committed{std::move(r.found)};
 }
 
 RecoveryReport recoverFiles(std::span<const fs::path> files, const std::string& program) {

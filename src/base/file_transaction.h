@@ -8,6 +8,7 @@
 
 #include "base/file_lock.h"
 #include "base/file_stamp.h"
+#include "base/result.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -44,8 +45,8 @@ struct CommitOptions {
     std::function<bool(const std::filesystem::path& file, std::error_code& cause)> keepBackup;
 };
 
+// Why a transaction did not commit.
 enum class CommitOutcome {
-    Committed,    // every file holds its new content
     Busy,         // another run holds the lock of `file`: nothing written
     Changed,      // `file` is not the one this run read (and no one said to write over it)
     HardLinked,   // `file` has other names and splitting it was not allowed
@@ -53,10 +54,13 @@ enum class CommitOutcome {
     WriteFailed,  // writing failed; see `partly`
 };
 
-struct CommitResult {
-    CommitOutcome outcome = CommitOutcome::Committed;
+// A transaction that did not commit. Its message says what happened to which file, then what
+// is on the disk now ("Nothing was written: A and B are as they were."); its cause is the
+// system's cause in words.
+struct CommitFailure : Failure {
+    CommitOutcome outcome = CommitOutcome::WriteFailed;
     std::filesystem::path file; // the file the outcome is about
-    std::error_code cause;      // the system's cause of a failed write or backup
+    std::error_code code;       // the system's cause of a failed write or backup
     std::string holder;         // Busy: who holds the lock
     std::uint64_t names = 0;    // HardLinked: how many names the file has
     // WriteFailed only: some files hold their new content and the rest wait beside their files
@@ -65,18 +69,22 @@ struct CommitResult {
     bool ownerNotKept = false; // WriteFailed at giving the new file the old one's owner
     // Interrupted saves and stale lock files found and dealt with, in words.
     std::vector<std::string> found;
-
-    bool committed() const { return outcome == CommitOutcome::Committed; }
 };
 
-// The transaction. Returns Committed, or why nothing (or, with `partly`, not all) was written.
+// A transaction that did: every file holds its new content.
+struct Committed {
+    // Interrupted saves and stale lock files found and dealt with, in words.
+    std::vector<std::string> found;
+};
+
+using CommitResult = Result<Committed, CommitFailure>;
+
+// The transaction: every file written, or why nothing (or, with `partly`, not all) was written.
 [[nodiscard]] CommitResult commitFiles(std::span<const CommitFile> files,
                                        const CommitOptions& options = {});
 
-// Why a transaction did not commit, in words: what happened to which file, then what is on the
-// disk now ("Nothing was written: A and B are as they were.").
-[[nodiscard]] std::string commitFailureMessage(const CommitResult& result,
-                                               std::span<const CommitFile> files);
+// What a transaction found and dealt with before it committed or failed.
+[[nodiscard]] const std::vector<std::string>& foundBy(const CommitResult& result);
 
 // What the next run (the same command, or the window's open) does first: for each file, under
 // its lock, finish or roll back an interrupted save and remove stale side and lock files. A file

@@ -23,13 +23,13 @@ inline constexpr int PathFileAccess = 75;
 } // namespace err
 
 // Text of an error number, as shown to the user ("Subscript out of range").
-std::string errorDescription(int number);
+[[nodiscard]] std::string errorDescription(int number);
 
 // Thrown in debug mode; carries the error number and where it was raised.
 class RuntimeError : public std::runtime_error {
 public:
     RuntimeError(int number, const std::string& where);
-    int number() const { return number_; }
+    [[nodiscard]] int number() const { return number_; }
 
 private:
     int number_;
@@ -42,18 +42,17 @@ public:
     explicit ErrorState(bool debugMode = false) : debugMode_(debugMode) {}
 
     void raise(int number, const std::string& where = {});
-    int pending() const { return pending_; }
-    bool hasPending() const { return pending_ != err::None; }
+    [[nodiscard]] int pending() const { return pending_; }
+    [[nodiscard]] bool hasPending() const { return pending_ != err::None; }
     void clear() { pending_ = err::None; }
-    const std::string& where() const { return where_; }
+    [[nodiscard]] const std::string& where() const { return where_; }
     // Replaces the pending error as it stands (number and place), for PendingErrorScope.
     void restore(int number, std::string where) {
         pending_ = number;
         where_ = std::move(where);
     }
 
-    bool debugMode() const { return debugMode_; }
-    void setDebugMode(bool on) { debugMode_ = on; }
+    [[nodiscard]] bool debugMode() const { return debugMode_; }
 
 private:
     bool debugMode_;

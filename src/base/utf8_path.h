@@ -10,7 +10,7 @@
 
 namespace torquil {
 
-std::filesystem::path pathFromUtf8(std::string_view text);
-std::string utf8Of(const std::filesystem::path& path);
+[[nodiscard]] std::filesystem::path pathFromUtf8(std::string_view text);
+[[nodiscard]] std::string utf8Of(const std::filesystem::path& path);
 
 } // namespace torquil

@@ -39,29 +39,29 @@ public:
         return *this;
     }
 
-    std::size_t size() const { return size_; }
-    bool empty() const { return size_ == 0; }
-    T* data() { return data_.get(); }
-    const T* data() const { return data_.get(); }
+    [[nodiscard]] std::size_t size() const { return size_; }
+    [[nodiscard]] bool empty() const { return size_ == 0; }
+    [[nodiscard]] T* data() { return data_.get(); }
+    [[nodiscard]] const T* data() const { return data_.get(); }
     T& operator[](std::size_t i) { return data_[i]; }
     const T& operator[](std::size_t i) const { return data_[i]; }
-    T* begin() { return data(); }
-    T* end() { return data() + size_; }
-    const T* begin() const { return data(); }
-    const T* end() const { return data() + size_; }
+    [[nodiscard]] T* begin() { return data(); }
+    [[nodiscard]] T* end() { return data() + size_; }
+    [[nodiscard]] const T* begin() const { return data(); }
+    [[nodiscard]] const T* end() const { return data() + size_; }
 
     // Every element back to zero (a table kept from an earlier load).
     void clear() {
         if (size_ != 0) std::memset(data_.get(), 0, size_ * sizeof(T));
     }
     // A copy as a vector, for callers that keep or compare the contents.
-    std::vector<T> toVector() const { return std::vector<T>(begin(), end()); }
+    [[nodiscard]] std::vector<T> toVector() const { return std::vector<T>(begin(), end()); }
 
 private:
     struct Free {
         void operator()(T* p) const { std::free(p); }
     };
-    static T* allocate(std::size_t count) {
+    [[nodiscard]] static T* allocate(std::size_t count) {
         if (count == 0) return nullptr;
         void* p = std::calloc(count, sizeof(T));
         if (p == nullptr) throw std::bad_alloc();

@@ -21,14 +21,14 @@ struct CarFieldNote {
 };
 
 // The note of a box (0..46); nullptr outside.
-const CarFieldNote* carFieldNote(int index);
+[[nodiscard]] const CarFieldNote* carFieldNote(int index);
 
 // "0 to 255"; "no limit" for the boxes that are never clamped.
-std::string fieldRangeText(int index);
+[[nodiscard]] std::string fieldRangeText(int index);
 
 // The box's whole description: caption, range, unit, what it does, and the label's own tool tip
 // when the field has one. One paragraph per part, joined with "\n".
-std::string fieldDescription(int index);
+[[nodiscard]] std::string fieldDescription(int index);
 
 // The values the loaded cars hold in a box (whole numbers for the integer boxes, real values for
 // the 16.16 boxes), over every car in use. Nothing for the remap, name and door boxes or when no
@@ -37,12 +37,13 @@ struct ObservedRange {
     double low = 0, high = 0;
     int cars = 0;
 };
-std::optional<ObservedRange> observedRange(const CarTable& cars, int index);
+[[nodiscard]] std::optional<ObservedRange> observedRange(const CarTable& cars, int index);
 
 // The observed range when it is much narrower than the box's limits (a quarter of their span or
 // less), so worth telling: "the level's cars: 12 to 40". Nothing otherwise.
-std::optional<ObservedRange> narrowerObservedRange(const CarTable& cars, int index);
-std::string observedRangeText(const ObservedRange& range); // "the level's cars: 12 to 40"
+[[nodiscard]] std::optional<ObservedRange> narrowerObservedRange(const CarTable& cars, int index);
+[[nodiscard]] std::string
+observedRangeText(const ObservedRange& range); // "the level's cars: 12 to 40"
 
 // How a box's text stands while it is being typed.
 enum class FieldTextState {
@@ -50,6 +51,6 @@ enum class FieldTextState {
     Unfinished, // not yet a number but may become one ("", "-", ".", "-.", "1e")
     NotANumber  // can never become a number by typing on ("abc", "12x")
 };
-FieldTextState fieldTextState(int index, std::string_view text);
+[[nodiscard]] FieldTextState fieldTextState(int index, std::string_view text);
 
 } // namespace torquil

@@ -54,9 +54,9 @@ inline constexpr int kCarFieldCount = 47;
 inline constexpr int kNameBox = 42;
 inline constexpr int kValueBox = 37; // writes all four value entries
 
-const std::array<CarField, kCarFieldCount>& carFields();
-const CarField* carField(int index);                   // nullptr outside 0..46
-const CarField* carFieldByName(std::string_view name); // nullptr when unknown
+[[nodiscard]] const std::array<CarField, kCarFieldCount>& carFields();
+[[nodiscard]] const CarField* carField(int index);                   // nullptr outside 0..46
+[[nodiscard]] const CarField* carFieldByName(std::string_view name); // nullptr when unknown
 
 // Which remap (0..11) and door (0-based in doorList) the remap and door boxes stand for.
 struct FieldCursor {

@@ -55,7 +55,7 @@ struct CarTable {
     std::int32_t lowest = 32000;
     std::int32_t count = 0;
 
-    CarEntry* find(int asn) {
+    [[nodiscard]] CarEntry* find(int asn) {
         if (asn <= 0 || asn >= static_cast<int>(slots.size()) || !slots[asn].inUse) return nullptr;
         return &slots[asn];
     }

@@ -21,9 +21,9 @@ struct NamedValue {
 };
 
 // The record's fixed part (without the door records) in file order.
-std::vector<NamedValue> carRecordValues(const CarInfo& info);
+[[nodiscard]] std::vector<NamedValue> carRecordValues(const CarInfo& info);
 // "door[i].rpx", "door[i].rpy", "door[i].object", "door[i].delta" for every door record.
-std::vector<NamedValue> carDoorValues(const std::vector<DoorRec>& doors);
+[[nodiscard]] std::vector<NamedValue> carDoorValues(const std::vector<DoorRec>& doors);
 
 // An editor box addressed by name: "width", "rbp_mass", "value" (all four), "name",
 // "remap24[i].H|L|S", "remap8[i]", "door[i].rpx|rpy|object|delta". nullopt for anything else.
@@ -31,6 +31,6 @@ struct FieldAddress {
     int index = -1;
     FieldCursor at;
 };
-std::optional<FieldAddress> carFieldAddress(std::string_view name);
+[[nodiscard]] std::optional<FieldAddress> carFieldAddress(std::string_view name);
 
 } // namespace torquil

@@ -24,7 +24,7 @@ struct CarNames {
     // ENGLISH.FXT as the load found it, to notice another program's (or run's) save since.
     FileStamp fxtStamp;
 
-    std::string nameOf(int model) const {
+    [[nodiscard]] std::string nameOf(int model) const {
         return model >= 0 && model < kCarNameCount ? names[static_cast<std::size_t>(model)]
                                                    : std::string{};
     }

@@ -62,10 +62,6 @@ void rememberFxtState(CarNames& names, const fs::path& fxt) {
     names.fxtStamp = stampOf(fxt);
 }
 
-bool fxtChangedSinceLoad(const CarNames& names, const fs::path& fxt) {
-    return stampOf(fxt) != names.fxtStamp;
-}
-
 bool loadCarNames(CarNames& names, const StyleFileState& style, FormatContext& ctx) {
     Platform& platform = ctx.platform;
     names = CarNames{};
@@ -128,10 +124,10 @@ bool saveCarNames(CarNames& names, const StyleFileState& style, FormatContext& c
     // Only over the file the names were read from, under its lock.
     const CommitFile files[] = {{fxt, coded, names.fxtStamp}};
     const CommitResult result = commitFiles(files);
-    for (const std::string& found : result.found) platform.message(found);
-    if (!result.committed()) {
+    for (const std::string& found : foundBy(result)) platform.message(found);
+    if (!result) {
         platform.message(std::string("Error occured during write of FXT file.") + "\r" +
-                         commitFailureMessage(result, files));
+                         result.message());
         return false;
     }
     rememberFxtState(names, fxt);

@@ -30,9 +30,8 @@ struct StyleFileState;
 // file); `names` then remembers the new file.
 [[nodiscard]] bool saveCarNames(CarNames& names, const StyleFileState& style, FormatContext& ctx);
 
-// What ENGLISH.FXT looks like now (after a load or a save of it), and whether it changed since.
+// What ENGLISH.FXT looks like now (after a load or a save of it).
 void rememberFxtState(CarNames& names, const std::filesystem::path& fxt);
-[[nodiscard]] bool fxtChangedSinceLoad(const CarNames& names, const std::filesystem::path& fxt);
 
 // The note shown after car names were saved.
 inline constexpr const char* kCarNamesSavedNote =

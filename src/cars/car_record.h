@@ -12,10 +12,10 @@ namespace torquil {
 using CarFixedBytes = std::array<std::uint8_t, CarInfo::kFixedSize>;
 using DoorBytes = std::array<std::uint8_t, CarInfo::kDoorSize>;
 
-CarInfo decodeCarFixed(const CarFixedBytes& bytes);
-CarFixedBytes encodeCarFixed(const CarInfo& info);
+[[nodiscard]] CarInfo decodeCarFixed(const CarFixedBytes& bytes);
+[[nodiscard]] CarFixedBytes encodeCarFixed(const CarInfo& info);
 
-DoorRec decodeDoor(const DoorBytes& bytes);
-DoorBytes encodeDoor(const DoorRec& door);
+[[nodiscard]] DoorRec decodeDoor(const DoorBytes& bytes);
+[[nodiscard]] DoorBytes encodeDoor(const DoorRec& door);
 
 } // namespace torquil

@@ -9,6 +9,6 @@ namespace torquil {
 // The field that holds byte `offset` of a car info record: "max_speed", "remap24[3]",
 // "value[1]", ...; offsets from 174 on are door records ("door 1" is the first). Empty for a
 // negative offset.
-std::string carRecordFieldAt(int offset);
+[[nodiscard]] std::string carRecordFieldAt(int offset);
 
 } // namespace torquil

@@ -13,18 +13,18 @@ namespace torquil {
 // decimals. A value exactly halfway between two thousandths rounds away from zero (4096 gives
 // "0.063"), as the car editor shows it; a negative value keeps its sign even when it
 // rounds to zero ("-0.000").
-std::string float32in(std::int32_t stored);
+[[nodiscard]] std::string float32in(std::int32_t stored);
 
 // Text -> stored value: the text read as a number, times 65536, rounded to the nearest integer
 // with halves to even. Text that is not a number gives 0; results beyond the 32-bit range are
 // clamped to it.
-std::int32_t float32out(const std::string& text);
+[[nodiscard]] std::int32_t float32out(const std::string& text);
 
 // Reads a whole text box as a number: blanks around it allowed, an optional sign, digits with
 // an optional fraction and exponent. Anything else gives nothing.
-std::optional<double> parseNumber(std::string_view text);
+[[nodiscard]] std::optional<double> parseNumber(std::string_view text);
 
 // A real number to a whole number, halves to even (how box texts become whole numbers).
-std::int64_t wholeNumber(double value);
+[[nodiscard]] std::int64_t wholeNumber(double value);
 
 } // namespace torquil

@@ -140,9 +140,8 @@ bool decodeFxtFile(const fs::path& fxt, std::vector<std::uint8_t>& text, CarName
     {
         ProgressScope progress(platform.progress(), "Reading FXT file", "Reading Car Names...",
                                100);
-        std::vector<std::uint8_t> coded;
-        if (readWholeFile(fxt, coded)) {
-            text = decodeFxtBytes(coded, names, percentOf(progress, platform, coded.size()));
+        if (const auto coded = readWholeFile(fxt)) {
+            text = decodeFxtBytes(*coded, names, percentOf(progress, platform, coded->size()));
             ok = true;
         }
     }
@@ -160,9 +159,9 @@ std::vector<std::uint8_t> encodeFxtWithProgress(std::span<const std::uint8_t> te
 bool fxt2txt(const fs::path& fxt, const fs::path& txt, CarNames* names, Platform& platform) {
     std::vector<std::uint8_t> text;
     if (!decodeFxtFile(fxt, text, names, platform)) return false;
-    if (const ReplaceFailure failure = replaceFileAtomically(txt, text)) {
+    if (const ReplaceResult written = replaceFileAtomically(txt, text); !written) {
         platform.message(std::string("Error occured during load of FXT file.") + "\r" +
-                         "The system said: " + describeCause(failure.cause) + ".");
+                         "The system said: " + written.error().cause + ".");
         return false;
     }
     return true;
@@ -181,18 +180,19 @@ bool txt2fxt(const fs::path& txt, const fs::path& fxt, Platform& platform,
     for (const std::string& text : recovered.found) platform.message(text);
     // The coded file as it is now: replaced only if no other run replaces it meanwhile.
     const FileStamp before = stampOf(fxt);
-    std::vector<std::uint8_t> text;
-    if (!readWholeFile(txt, text)) {
+    const auto readText = readWholeFile(txt);
+    if (!readText) {
         platform.message("Error occured during write of FXT file.");
         return false;
     }
+    const std::vector<std::uint8_t>& text = *readText;
     const std::vector<std::uint8_t> coded = encodeFxtWithProgress(text, platform);
     const CommitFile files[] = {{fxt, coded, before}};
     const CommitResult result = commitFiles(files, commit);
-    for (const std::string& found : result.found) platform.message(found);
-    if (!result.committed()) {
+    for (const std::string& found : foundBy(result)) platform.message(found);
+    if (!result) {
         platform.message(std::string("Error occured during write of FXT file.") + "\r" +
-                         commitFailureMessage(result, files));
+                         result.message());
         return false;
     }
     return true;

@@ -24,22 +24,23 @@ struct Hsv {
     double v = 0; // 0..1
 };
 
-Hsv rgbToHsv(std::uint32_t rgb);
-std::uint32_t hsvToRgb(const Hsv& hsv);
+[[nodiscard]] Hsv rgbToHsv(std::uint32_t rgb);
+[[nodiscard]] std::uint32_t hsvToRgb(const Hsv& hsv);
 
 // One colour through a remap's hue turn (degrees) and saturation change (percent).
-std::uint32_t remappedColour(std::uint32_t rgb, int hue, int saturation);
+[[nodiscard]] std::uint32_t remappedColour(std::uint32_t rgb, int hue, int saturation);
 
 // The whole CLUT through remap (H, L, S); colour 0 (transparent) is kept as it is. A remap of
 // (0, 0, 0) gives the base CLUT back unchanged.
-ClutColours remapClut(const ClutColours& base, const std::array<std::int16_t, 3>& hls);
+[[nodiscard]] ClutColours remapClut(const ClutColours& base,
+                                    const std::array<std::int16_t, 3>& hls);
 
 // Whether another remap of the car has the same values as remap `index` (the 24-bit triple, or
 // the 8-bit palette index). Out-of-range indexes are never in use.
-bool remapInUse(const CarInfo& info, int index, bool is24);
+[[nodiscard]] bool remapInUse(const CarInfo& info, int index, bool is24);
 
 // How many different colourings remaps first..last give (equal remaps count once).
-int distinctRemaps(const CarInfo& info, int first, int last, bool is24);
+[[nodiscard]] int distinctRemaps(const CarInfo& info, int first, int last, bool is24);
 
 // The coloration lines the editor shows for a car: which of its remaps the game picks from for
 // random traffic, a respray and a random car leaving its parking place. The game's exact use of
@@ -55,6 +56,7 @@ inline constexpr std::array<ColorationLine, 3> kColorationLines{{
 }};
 
 // The text after a coloration caption, e.g. "remaps 1 to 11 (4 different)" or "remap 0".
-std::string describeColoration(const CarInfo& info, const ColorationLine& line, bool is24);
+[[nodiscard]] std::string describeColoration(const CarInfo& info, const ColorationLine& line,
+                                             bool is24);
 
 } // namespace torquil

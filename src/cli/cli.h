@@ -42,24 +42,26 @@ struct CommonOptions {
 };
 
 // A file named on the command line (UTF-8 text) as a path, in every script.
-std::filesystem::path argumentPath(const std::string& utf8);
+[[nodiscard]] std::filesystem::path argumentPath(const std::string& utf8);
 
 // Builds the session options (debug mode, work directory, dump flags) from the common options;
 // throws UsageError for an unknown dump kind.
-AppOptions makeAppOptions(const Context& ctx, const CommonOptions& common);
+[[nodiscard]] AppOptions makeAppOptions(const Context& ctx, const CommonOptions& common);
 // A console platform set up with the --answer given.
-std::unique_ptr<ConsolePlatform> makePlatform(const Context& ctx, const CommonOptions& common);
+[[nodiscard]] std::unique_ptr<ConsolePlatform> makePlatform(const Context& ctx,
+                                                            const CommonOptions& common);
 
 // Loads a style for a command with output of its own: details lines are not echoed, message
 // boxes still go to standard error. Returns nullptr (and sets ctx.exitCode) when the load failed.
-std::unique_ptr<StyleSession> loadStyle(Context& ctx, ConsolePlatform& platform,
-                                        const AppOptions& options, const std::string& style,
-                                        int loadOption);
+[[nodiscard]] std::unique_ptr<StyleSession> loadStyle(Context& ctx, ConsolePlatform& platform,
+                                                      const AppOptions& options,
+                                                      const std::string& style, int loadOption);
 
 // Refuses an output that is one of `guarded` (the level's files, the command's inputs): prints
 // "command: why" to standard error, sets the failed exit status and returns true.
-bool refuseOutput(Context& ctx, const std::string& command, const std::filesystem::path& output,
-                  const std::vector<GuardedFile>& guarded);
+[[nodiscard]] bool refuseOutput(Context& ctx, const std::string& command,
+                                const std::filesystem::path& output,
+                                const std::vector<GuardedFile>& guarded);
 
 // Each command file provides one of these; cli_app.cpp calls them all.
 void registerOpenCommand(Command& app, Context& ctx);

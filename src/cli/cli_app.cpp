@@ -75,8 +75,7 @@ std::unique_ptr<StyleSession> loadStyle(Context& ctx, ConsolePlatform& platform,
     platform.setDetailsEcho(false);
     auto session = std::make_unique<StyleSession>(options);
     prepareStyle(session->style, std::filesystem::absolute(argumentPath(style)), loadOption);
-    LoadOutcome outcome = initHeader(*session, platform, standardLoaders());
-    if (outcome != LoadOutcome::Loaded) {
+    if (!initHeader(*session, platform, standardLoaders())) {
         ctx.exitCode = kExitFailed;
         return nullptr;
     }
@@ -85,9 +84,9 @@ std::unique_ptr<StyleSession> loadStyle(Context& ctx, ConsolePlatform& platform,
 
 bool refuseOutput(Context& ctx, const std::string& command, const std::filesystem::path& output,
                   const std::vector<GuardedFile>& guarded) {
-    const std::string clash = outputClash(output, guarded);
-    if (clash.empty()) return false;
-    ctx.err << command << ": " << clash << '\n';
+    const Result<void> allowed = checkOutput(output, guarded);
+    if (allowed) return false;
+    ctx.err << command << ": " << allowed.message() << '\n';
     ctx.exitCode = kExitFailed;
     return true;
 }

@@ -173,11 +173,11 @@ void registerCarSetCommand(Command& app, Context& ctx) {
             const CarNameVerdict verdict =
                 checkCarName(session->names, edited.info.model, edited.name);
             if (!verdict) {
-                ctx.err << "car-set: " << verdict.reason << '\n';
-                ctx.exitCode =
-                    verdict.check == CarNameCheck::NoPlace || verdict.check == CarNameCheck::BadText
-                        ? kExitUsage
-                        : kExitFailed;
+                ctx.err << "car-set: " << verdict.message() << '\n';
+                const CarNameCheck check = verdict.error().check;
+                ctx.exitCode = check == CarNameCheck::NoPlace || check == CarNameCheck::BadText
+                                   ? kExitUsage
+                                   : kExitFailed;
                 return;
             }
         }
@@ -189,8 +189,8 @@ void registerCarSetCommand(Command& app, Context& ctx) {
             edit.doors = edited.doorList;
         }
         if (nameChanged) edit.name = edited.name;
-        if (std::string why; !editCar(*session, args->asn, edit, &why)) {
-            ctx.err << "car-set: " << why << "; nothing written\n";
+        if (const Result<void> edited = editCar(*session, args->asn, edit); !edited) {
+            ctx.err << "car-set: " << edited.message() << "; nothing written\n";
             ctx.exitCode = kExitFailed;
             return;
         }

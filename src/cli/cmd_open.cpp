@@ -32,8 +32,7 @@ void registerOpenCommand(Command& app, Context& ctx) {
         StyleSession session(options);
         prepareStyle(session.style, std::filesystem::absolute(argumentPath(args->style)),
                      args->tiles ? kLoadTiles : kLoadSprites);
-        LoadOutcome outcome = initHeader(session, *platform, standardLoaders());
-        if (outcome == LoadOutcome::Loaded) {
+        if (initHeader(session, *platform, standardLoaders())) {
             ctx.err << "caption: " << session.caption << '\n';
             ctx.exitCode = kExitOk;
         } else {

@@ -22,7 +22,7 @@ namespace torquil::cli {
 class UsageError : public std::runtime_error {
 public:
     UsageError(std::string where, const std::string& what);
-    const std::string& where() const { return where_; }
+    [[nodiscard]] const std::string& where() const { return where_; }
 
 private:
     std::string where_;

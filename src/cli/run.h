@@ -13,7 +13,7 @@ inline constexpr int kExitFailed = 1;
 inline constexpr int kExitUsage = 2;
 
 // Parses and runs a whole command line; returns the exit status.
-int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err);
-int run(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+[[nodiscard]] int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err);
+[[nodiscard]] int run(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 
 } // namespace torquil::cli

@@ -12,8 +12,8 @@ namespace torquil::cli {
 
 // Selects sprite `asn` as the board would. The search's own messages ("ASN:n not found.", "not
 // loaded") go to standard error; false sets the failed exit status.
-inline bool pickSprite(Context& ctx, StyleSession& session, Platform& platform, int asn,
-                       const std::string& command) {
+[[nodiscard]] inline bool pickSprite(Context& ctx, StyleSession& session, Platform& platform,
+                                     int asn, const std::string& command) {
     if (asn > 0 && searchNSelect(session, platform, asn) == SearchResult::Selected &&
         session.selectedSprite())
         return true;

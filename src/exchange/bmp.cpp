@@ -145,8 +145,8 @@ bool writeBmp(const ColourTables& styleColours, const StyleFileState& style, con
     out.close();
     if (errors.hasPending()) return false;
     const std::vector<std::uint8_t> bytes = out.takeBytes();
-    if (const ReplaceFailure failure = replaceFileAtomically(file, bytes)) {
-        errors.raise(err::PathFileAccess, file.string() + ": " + describeCause(failure.cause));
+    if (const ReplaceResult written = replaceFileAtomically(file, bytes); !written) {
+        errors.raise(err::PathFileAccess, file.string() + ": " + written.error().cause);
         return false;
     }
     return true;

@@ -38,7 +38,7 @@ inline constexpr std::int64_t kBmpMinimumFileSize = 255;
                                       const SpriteTables& sprites, const SpriteRec& sprite);
 
 // Row length in the file: the width rounded up to a multiple of 4.
-inline std::int64_t bmpRowLength(std::int64_t width) {
+[[nodiscard]] inline std::int64_t bmpRowLength(std::int64_t width) {
     return (width + 3) / 4 * 4;
 }
 

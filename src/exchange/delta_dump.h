@@ -26,7 +26,9 @@ class DeltaSaveDump {
 public:
     explicit DeltaSaveDump(const std::filesystem::path& file);
     // Only deltas 220 to 255 and those above 380 are logged; the others are saved silently.
-    static bool logs(int index) { return (index >= 220 && index <= 255) || index > 380; }
+    [[nodiscard]] static bool logs(int index) {
+        return (index >= 220 && index <= 255) || index > 380;
+    }
     void beginDelta(int index, std::int32_t newPtr);
     void run(int index, int runIndex, const RunLine& run);
     void endDelta(std::int32_t ptr, std::int16_t size);

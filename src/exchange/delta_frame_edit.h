@@ -23,7 +23,9 @@ namespace torquil {
 // file order, touching pixels merged (at most 255 a run). Refused as runsFromFrame refuses (a
 // first pixel at the sprite's top-left, more than 32767 bytes), and when two pixels lie further
 // apart than a run's 16-bit offset can reach.
-FrameRuns runsFromEditedFrame(const DeltaRec& delta, std::span<const std::uint8_t> base,
-                              std::span<const std::uint8_t> frame, int width, int height);
+[[nodiscard]] FrameRuns runsFromEditedFrame(const DeltaRec& delta,
+                                            std::span<const std::uint8_t> base,
+                                            std::span<const std::uint8_t> frame, int width,
+                                            int height);
 
 } // namespace torquil

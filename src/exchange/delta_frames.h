@@ -18,22 +18,24 @@ inline constexpr int kDeltaRowPitch = 256;
 inline constexpr std::int64_t kDeltaMaxBytes = 32767; // a delta's size field is 16-bit signed
 
 // The runs a save writes: those before the first run with offset 0 (which ends a delta).
-std::span<const RunLine> usedRuns(const DeltaRec& delta);
+[[nodiscard]] std::span<const RunLine> usedRuns(const DeltaRec& delta);
 
 // Draws the delta's runs into `frame` (width x height, row-major). Pixels that would fall outside
-// the sprite are not drawn; returns how many were left out.
+// the sprite are not drawn; returns how many were left out, for the callers that report them (a
+// count, not a failure: most draw and go on).
 int drawDelta(const DeltaRec& delta, int width, int height, std::span<std::uint8_t> frame);
 
 // The delta set picture: frame i (0-based) at x = i * width of a (width * count) x height picture.
 // A dirty frame is the sprite with delta i drawn over it, a clean one colour 0 with delta i's
 // pixels.
-std::vector<std::uint8_t> deltaSetPicture(std::span<const std::uint8_t> sprite, int width,
-                                          int height, const std::vector<const DeltaRec*>& deltas,
-                                          bool clean);
+[[nodiscard]] std::vector<std::uint8_t> deltaSetPicture(std::span<const std::uint8_t> sprite,
+                                                        int width, int height,
+                                                        const std::vector<const DeltaRec*>& deltas,
+                                                        bool clean);
 
 // Frame i of a delta set picture.
-std::vector<std::uint8_t> deltaSetFrame(std::span<const std::uint8_t> picture, int width,
-                                        int height, int index);
+[[nodiscard]] std::vector<std::uint8_t> deltaSetFrame(std::span<const std::uint8_t> picture,
+                                                      int width, int height, int index);
 
 struct FrameRuns {
     bool ok = false;
@@ -46,12 +48,12 @@ struct FrameRuns {
 // set, colour 0 everywhere for a clean one), in runs within one sprite row, runs that touch merged
 // (a row of at most 255 pixels is one run at most). Refused when the first run would start at the
 // sprite's top-left pixel (an offset of 0 ends a delta) or the delta would pass 32767 bytes.
-FrameRuns runsFromFrame(std::span<const std::uint8_t> base, std::span<const std::uint8_t> frame,
-                        int width, int height);
+[[nodiscard]] FrameRuns runsFromFrame(std::span<const std::uint8_t> base,
+                                      std::span<const std::uint8_t> frame, int width, int height);
 
 // The last step of every frame encoder: refused past 32767 bytes, else ok, an empty delta given
 // the single empty run line a delta of size 0 loads with.
-FrameRuns finishFrameRuns(FrameRuns out);
+[[nodiscard]] FrameRuns finishFrameRuns(FrameRuns out);
 
 // What the command line tells about one delta.
 struct DeltaExtent {
@@ -62,6 +64,6 @@ struct DeltaExtent {
     int right = -1, bottom = -1;
     int outside = 0; // pixels that fall outside the sprite
 };
-DeltaExtent deltaExtent(const DeltaRec& delta, int width, int height);
+[[nodiscard]] DeltaExtent deltaExtent(const DeltaRec& delta, int width, int height);
 
 } // namespace torquil

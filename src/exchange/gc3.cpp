@@ -232,7 +232,9 @@ bool writeGC3(const fs::path& modStyle, const fs::path& origStyle, const fs::pat
     std::vector<std::uint8_t> inputs[4];
     const fs::path* paths[4] = {&modStyle, &origStyle, &modFxt, &origFxt};
     for (int i = 0; i < 4; ++i) {
-        if (!readWholeFile(*paths[i], inputs[i])) {
+        auto read = readWholeFile(*paths[i]);
+        if (read) inputs[i] = std::move(read).value();
+        if (!read) {
             platform.message(std::string(kWriteError) + "\r" + "Unable to read " +
                              paths[i]->string() + ".");
             return false;
@@ -327,9 +329,9 @@ bool writeGC3(const fs::path& modStyle, const fs::path& origStyle, const fs::pat
         platform.message(std::string(kWriteError) + "\r" + leftovers.busy.front());
         return false;
     }
-    if (const ReplaceFailure failure = replaceFileAtomically(pack, bytes)) {
+    if (const ReplaceResult written = replaceFileAtomically(pack, bytes); !written) {
         platform.message(std::string(kWriteError) + "\r" + pack.string() + ": " +
-                         describeCause(failure.cause) + ".");
+                         written.error().cause + ".");
         return false;
     }
     return true;

@@ -46,7 +46,7 @@ struct Gc3Record {
     std::int32_t position = 0; // 1-based position of the run's last byte
     std::int32_t length = 0;
     std::vector<std::uint8_t> data;
-    std::int64_t first() const { return std::int64_t{position} - length + 1; }
+    [[nodiscard]] std::int64_t first() const { return std::int64_t{position} - length + 1; }
 };
 
 [[nodiscard]] std::vector<std::uint8_t> encodeGc3Header(const Gc3Header& header);
@@ -54,9 +54,9 @@ struct Gc3Record {
 
 // Seconds since local midnight; the pack's `encrypt` byte is taken from it.
 using Gc3Clock = std::function<double()>;
-double secondsSinceMidnight();
+[[nodiscard]] double secondsSinceMidnight();
 // round(seconds) mod 255, ties to the even number.
-std::uint8_t gc3EncryptByte(double seconds);
+[[nodiscard]] std::uint8_t gc3EncryptByte(double seconds);
 
 // Appends the difference records of one pair of open files to the open pack at its current
 // position: the modified file is walked in 4096-byte blocks with the unmodified file read in

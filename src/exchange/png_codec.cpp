@@ -184,15 +184,12 @@ PngDecoded decodeIndexedPng(std::span<const std::uint8_t> bytes, int expectedWid
     return result;
 }
 
-std::vector<std::uint8_t> encodeIndexedPng(std::span<const std::uint8_t> pixels, int width,
-                                           int height, const BmpColourTable& colours,
-                                           std::string& error) {
+Result<std::vector<std::uint8_t>> encodeIndexedPng(std::span<const std::uint8_t> pixels, int width,
+                                                   int height, const BmpColourTable& colours) {
     std::vector<std::uint8_t> out;
     if (width <= 0 || height <= 0 ||
-        pixels.size() < static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) {
-        error = "no picture to write";
-        return out;
-    }
+        pixels.size() < static_cast<std::size_t>(width) * static_cast<std::size_t>(height))
+        return fail(kPngEncodeFailed, "no picture to write");
     // libpng takes non-const row pointers even for writing; it does not change the rows.
     std::vector<png_bytep> rows(static_cast<std::size_t>(height));
     for (int y = 0; y < height; ++y)
@@ -203,8 +200,8 @@ std::vector<std::uint8_t> encodeIndexedPng(std::span<const std::uint8_t> pixels,
     WriteTarget target{&out, {}};
     if (!encodeRows(&target, rows.data(), static_cast<png_uint_32>(width),
                     static_cast<png_uint_32>(height), palette)) {
-        error = target.message[0] ? target.message : "libpng could not start";
-        out.clear();
+        return fail(kPngEncodeFailed,
+                    target.message[0] ? target.message : "libpng could not start");
     }
     return out;
 }

@@ -2,6 +2,7 @@
 // 8-bit palette PNG pictures in memory, through libpng: what a sprite or a delta set looks like on
 // its way to a paint program and back. Plain bytes and tables in, plain bytes and tables out.
 
+#include "base/result.h"
 #include "exchange/palette_compare.h"
 
 #include <cstdint>
@@ -41,21 +42,22 @@ inline constexpr std::int64_t kPngMaxPixels = std::int64_t{1} << 24;
 // Decodes an 8-bit palette PNG. With a nonzero expected width the header must give exactly
 // expectedWidth x expectedHeight; that is checked before any pixel is decoded. tRNS and every other
 // ancillary chunk are ignored: the indexes come through as the file holds them.
-PngDecoded decodeIndexedPng(std::span<const std::uint8_t> bytes, int expectedWidth = 0,
-                            int expectedHeight = 0);
+[[nodiscard]] PngDecoded decodeIndexedPng(std::span<const std::uint8_t> bytes,
+                                          int expectedWidth = 0, int expectedHeight = 0);
 
-// Encodes width x height indexes as an 8-bit palette PNG with all 256 colours. Returns an empty
-// vector (and libpng's reason in `error`) when libpng fails.
-std::vector<std::uint8_t> encodeIndexedPng(std::span<const std::uint8_t> pixels, int width,
-                                           int height, const BmpColourTable& colours,
-                                           std::string& error);
+// Encodes width x height indexes as an 8-bit palette PNG with all 256 colours. A failure's cause
+// is libpng's reason (or kPngUnsupported).
+[[nodiscard]] Result<std::vector<std::uint8_t>>
+encodeIndexedPng(std::span<const std::uint8_t> pixels, int width, int height,
+                 const BmpColourTable& colours);
+inline constexpr const char* kPngEncodeFailed = "Cannot encode the picture as PNG";
 
 // False in a build without libpng (TORQUIL_PNG=OFF): then decoding gives Damaged and encoding
 // fails, both with kPngUnsupported as the reason.
-bool pngSupported();
+[[nodiscard]] bool pngSupported();
 inline constexpr const char* kPngUnsupported = "PNG pictures are not supported in this build";
 
 // True when the file name ends in ".png" (any case).
-bool hasPngExtension(const std::string& fileName);
+[[nodiscard]] bool hasPngExtension(const std::string& fileName);
 
 } // namespace torquil

@@ -12,10 +12,9 @@ PngDecoded decodeIndexedPng(std::span<const std::uint8_t>, int, int) {
     return result;
 }
 
-std::vector<std::uint8_t> encodeIndexedPng(std::span<const std::uint8_t>, int, int,
-                                           const BmpColourTable&, std::string& error) {
-    error = kPngUnsupported;
-    return {};
+Result<std::vector<std::uint8_t>> encodeIndexedPng(std::span<const std::uint8_t>, int, int,
+                                                   const BmpColourTable&) {
+    return fail(kPngEncodeFailed, kPngUnsupported);
 }
 
 bool pngSupported() {

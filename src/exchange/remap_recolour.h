@@ -19,7 +19,7 @@ struct StyleFileState;
 // is left alone when its CLUT cannot be told apart: outside the tables, the sprite's own CLUT, or
 // a CLUT that some sprite or tile draws with (identical CLUTs are stored once and shared).
 // Returns the number of CLUTs recoloured; 0 when the sprite is not a loaded car.
-int autoCorrectRemaps(ColourTables& colours, const CarTable& cars, const StyleFileState& style,
-                      const SpriteRec& sprite);
+[[nodiscard]] int autoCorrectRemaps(ColourTables& colours, const CarTable& cars,
+                                    const StyleFileState& style, const SpriteRec& sprite);
 
 } // namespace torquil

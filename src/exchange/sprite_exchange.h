@@ -16,7 +16,8 @@ struct SpriteRec;
 [[nodiscard]] std::vector<std::uint8_t> spritePixels(const Pages& pages, const SpriteRec& sprite);
 // Copies width x height pixels (top row first) into the sprite's rectangle of its page, clipped
 // to the page, advancing the progress form once per row. Returns the rectangle written.
-PageArea putSpritePixels(Pages& pages, const SpriteRec& sprite,
-                         const std::vector<std::uint8_t>& pixels, ProgressSink& progress);
+[[nodiscard]] PageArea putSpritePixels(Pages& pages, const SpriteRec& sprite,
+                                       const std::vector<std::uint8_t>& pixels,
+                                       ProgressSink& progress);
 
 } // namespace torquil

@@ -23,7 +23,7 @@ struct TransparencyMask {
     std::vector<std::uint32_t> rgb;
     std::string title = "Transparency test...";
     std::string toolTip = "OK if you see a white shape in a red background.";
-    std::uint32_t at(int x, int y) const {
+    [[nodiscard]] std::uint32_t at(int x, int y) const {
         return rgb[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
                    static_cast<std::size_t>(x)];
     }
@@ -45,6 +45,6 @@ enum class TransparencyOutcome {
 [[nodiscard]] std::optional<std::uint8_t> backgroundIndex(const Pages& pages,
                                                           const SpriteRec& sprite);
 // Exchanges `index` and index 0 in the sprite's pixels on its page; returns the area changed.
-PageArea swapWithZero(Pages& pages, const SpriteRec& sprite, std::uint8_t index);
+[[nodiscard]] PageArea swapWithZero(Pages& pages, const SpriteRec& sprite, std::uint8_t index);
 
 } // namespace torquil

@@ -76,8 +76,8 @@ private:
 };
 
 // Splits a message text at carriage returns (and line feeds) into its lines.
-std::vector<std::string> messageLines(const std::string& text);
-std::string answerName(Answer answer);
-std::optional<Answer> parseAnswer(const std::string& word);
+[[nodiscard]] std::vector<std::string> messageLines(const std::string& text);
+[[nodiscard]] std::string answerName(Answer answer);
+[[nodiscard]] std::optional<Answer> parseAnswer(const std::string& word);
 
 } // namespace torquil

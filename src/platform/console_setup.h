@@ -9,7 +9,7 @@
 namespace torquil {
 
 // The program's arguments, the program name first, each in UTF-8.
-std::vector<std::string> utf8Arguments(int argc, char** argv);
+[[nodiscard]] std::vector<std::string> utf8Arguments(int argc, char** argv);
 
 // Puts standard output and standard error in binary mode (a no-op outside Windows).
 void setBinaryStdio();

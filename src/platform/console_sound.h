@@ -8,6 +8,6 @@
 namespace torquil {
 
 // False, with the reason in `why`, when nothing could be played.
-bool playWavFileSync(const std::filesystem::path& wav, std::string& why);
+[[nodiscard]] bool playWavFileSync(const std::filesystem::path& wav, std::string& why);
 
 } // namespace torquil

@@ -14,8 +14,9 @@ class DumpFile {
 public:
     DumpFile() = default;
     // Opens (and empties) folder/name; on failure raises 75 and stays closed.
-    bool open(const std::filesystem::path& folder, const std::string& name, ErrorState& errors);
-    bool isOpen() const { return out_.is_open(); }
+    [[nodiscard]] bool open(const std::filesystem::path& folder, const std::string& name,
+                            ErrorState& errors);
+    [[nodiscard]] bool isOpen() const { return out_.is_open(); }
     void line(const std::string& text) {
         if (out_.is_open()) out_ << text << '\n';
     }

@@ -20,9 +20,9 @@ struct Message {
 };
 
 // The answer that changes nothing: Cancel where offered, else No, else OK.
-Answer safeAnswer(Buttons buttons);
+[[nodiscard]] Answer safeAnswer(Buttons buttons);
 // Whether an answer is one of the buttons offered.
-bool answerOffered(Buttons buttons, Answer answer);
+[[nodiscard]] bool answerOffered(Buttons buttons, Answer answer);
 
 // Modal message boxes.
 class MessageSink {
@@ -43,7 +43,7 @@ public:
     virtual void setValue(int value) = 0;
     virtual void close() = 0;
     // gStopRequested: set by the Stop button, read by the loops.
-    virtual bool stopRequested() const = 0;
+    [[nodiscard]] virtual bool stopRequested() const = 0;
     virtual void requestStop() = 0;
 };
 
@@ -58,7 +58,7 @@ public:
 class SettingsStore {
 public:
     virtual ~SettingsStore() = default;
-    virtual std::string get(const std::string& section, const std::string& key) = 0;
+    [[nodiscard]] virtual std::string get(const std::string& section, const std::string& key) = 0;
     virtual void set(const std::string& section, const std::string& key,
                      const std::string& value) = 0;
 };
@@ -67,9 +67,9 @@ public:
 class SoundPlayer {
 public:
     virtual ~SoundPlayer() = default;
-    virtual bool playWavSync(const std::filesystem::path& wav) = 0;
+    [[nodiscard]] virtual bool playWavSync(const std::filesystem::path& wav) = 0;
     // Whether there is a device to play on (without one, playing does nothing).
-    virtual bool hasOutput() const { return true; }
+    [[nodiscard]] virtual bool hasOutput() const { return true; }
 };
 
 // The rest of the desktop: hourglass, event pump, external text editor, help.
@@ -80,9 +80,9 @@ public:
     // "Let pending events run" (DoEvents).
     virtual void processEvents() = 0;
     // Opens a text file in the system's text editor; false when that failed.
-    virtual bool openTextFile(const std::filesystem::path& file) = 0;
-    virtual bool hasHelp() const = 0;
-    virtual bool showHelp(int context) = 0;
+    [[nodiscard]] virtual bool openTextFile(const std::filesystem::path& file) = 0;
+    [[nodiscard]] virtual bool hasHelp() const = 0;
+    [[nodiscard]] virtual bool showHelp(int context) = 0;
     // Repaints the page board from the page image (a page has arrived, pixels changed).
     virtual void refreshBoard() {}
 };

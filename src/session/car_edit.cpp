@@ -7,49 +7,52 @@
 
 namespace torquil {
 
-namespace {}
+namespace {
 
-CarFieldEdit editCarField(StyleSession& session, int asn, int index, const std::string& text,
-                          std::string* clampReport, std::string* why) {
-    if (clampReport) clampReport->clear();
-    if (why) why->clear();
-    auto refuse = [&](CarFieldEdit result, std::string reason) {
-        if (why) *why = std::move(reason);
-        return result;
-    };
+CarFieldFailure fieldRefused(CarFieldRefusal refusal, std::string reason) {
+    CarFieldFailure f;
+    f.message = std::move(reason);
+    f.refusal = refusal;
+    return f;
+}
+
+} // namespace
+
+Result<std::string, CarFieldFailure> editCarField(StyleSession& session, int asn, int index,
+                                                  const std::string& text) {
+    const auto refuse = fieldRefused;
     const CarEntry* current = session.cars.find(asn);
-    if (!current) return refuse(CarFieldEdit::NoSuchCar, "the car has no record");
-    if (!carField(index)) return refuse(CarFieldEdit::NoSuchField, "no such field");
+    if (!current) return refuse(CarFieldRefusal::NoSuchCar, "the car has no record");
+    if (!carField(index)) return refuse(CarFieldRefusal::NoSuchField, "no such field");
 
     CarEdit edit;
     if (index == kNameBox) {
         // Checked before the edit, so that a refused name leaves no step in the history.
         const CarNameVerdict verdict = checkCarName(session.names, current->info.model, text);
-        if (!verdict) return refuse(CarFieldEdit::NameRefused, verdict.reason);
+        if (!verdict) return refuse(CarFieldRefusal::NameRefused, verdict.message());
         edit.name = text;
-        std::string reason;
-        if (!editCar(session, asn, edit, &reason)) return refuse(CarFieldEdit::NameRefused, reason);
-        return CarFieldEdit::Stored;
+        if (const Result<void> edited = editCar(session, asn, edit); !edited)
+            return refuse(CarFieldRefusal::NameRefused, edited.message());
+        return std::string();
     }
     CarEntry edited = *current;
     const FieldCheck check = clampFieldText(index, textOnLeave(text));
-    if (clampReport) *clampReport = check.report;
     switch (setFieldText(edited, index, check.text)) {
     case FieldStore::Stored:
         break;
     case FieldStore::NotANumber:
-        return refuse(CarFieldEdit::NotANumber, "not a number");
+        return refuse(CarFieldRefusal::NotANumber, "not a number");
     case FieldStore::DoesNotFit:
-        return refuse(CarFieldEdit::DoesNotFit, doesNotFitReason(index, check.text));
+        return refuse(CarFieldRefusal::DoesNotFit, doesNotFitReason(index, check.text));
     case FieldStore::NoSuchField:
-        return refuse(CarFieldEdit::NoSuchField, "no such field");
+        return refuse(CarFieldRefusal::NoSuchField, "no such field");
     }
     edit.info = edited.info;
     edit.doors = edited.doorList;
     // The car was found above and a record edit has no name to refuse.
     if (!editCar(session, asn, edit))
-        return refuse(CarFieldEdit::NoSuchCar, "the car has no record");
-    return CarFieldEdit::Stored;
+        return refuse(CarFieldRefusal::NoSuchCar, "the car has no record");
+    return check.report;
 }
 
 } // namespace torquil

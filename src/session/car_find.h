@@ -12,9 +12,9 @@ class StyleSession;
 
 // Absolute sprite numbers of the matching cars, in ASN order. A number that no loaded car has is
 // returned as it is, so that Find Car can still select any sprite by its ASN.
-std::vector<int> findCars(const StyleSession& session, const std::string& query);
+[[nodiscard]] std::vector<int> findCars(const StyleSession& session, const std::string& query);
 
 // The match to select next: the first one after `current` (ASN), else the first; 0 when none.
-int nextMatch(const std::vector<int>& matches, int current);
+[[nodiscard]] int nextMatch(const std::vector<int>& matches, int current);
 
 } // namespace torquil

@@ -28,7 +28,10 @@ std::string levelText(int level) {
 bool readIfPresent(const fs::path& path, std::vector<std::uint8_t>& out) {
     out.clear();
     std::error_code ec;
-    return !fs::exists(path, ec) || readWholeFile(path, out);
+    if (!fs::exists(path, ec)) return true;
+    auto read = readWholeFile(path);
+    if (read) out = std::move(read).value();
+    return read.ok();
 }
 
 // The car names whose text the pack and the file hold differently where they conflict.
@@ -106,10 +109,13 @@ CarPackFiles levelBackups(const StyleFileState& style) {
 }
 
 bool readCarPack(const fs::path& path, CarPackFile& out, Platform& platform) {
-    std::vector<std::uint8_t> bytes;
     std::string why;
     std::error_code ec;
-    if (!fs::is_regular_file(path, ec) || !readWholeFile(path, bytes))
+    const auto read = fs::is_regular_file(path, ec)
+                          ? readWholeFile(path)
+                          : Result<std::vector<std::uint8_t>>(torquil::fail("not a file"));
+    const std::vector<std::uint8_t> bytes = read.valueOr({});
+    if (!read)
         why = "cannot read " + path.string();
     else if (!parseGc3(bytes, out.pack, why) && why.empty())
         why = "not a GC3 pack";
@@ -198,9 +204,10 @@ CarPackApplied applyCarPack(const fs::path& packPath, const CarPackFiles& files,
     // One writer of each file at a time; the files are read under the locks.
     FileLock styleLock, fxtLock;
     for (auto [lock, file] : {std::pair{&styleLock, &files.style}, std::pair{&fxtLock, &files.fxt}})
-        if (!file->empty() &&
-            lock->acquire(*file, lockProgramName()) == FileLock::Result::HeldByOther)
-            return fail(ApplyResult::Failed, lockHeldMessage(*file, lock->holder()));
+        if (!file->empty())
+            if (const FileLock::Acquired taken = lock->acquire(*file, lockProgramName());
+                !taken && taken.error().refusal == LockRefusal::HeldByOther)
+                return fail(ApplyResult::Failed, taken.message());
 
     CarPackPlan plan = planCarPack(pack, files);
     if (!plan.applies()) {
@@ -231,9 +238,10 @@ CarPackApplied applyCarPack(const fs::path& packPath, const CarPackFiles& files,
         kept += "\r  " + t.path.string() + " (as it was: " + backupPathOf(t.path).string() + ")";
     }
     // Every changed file is complete and on the disk before any original is replaced.
-    if (const ReplaceFailure failure = replaceFilesAtomically(writes))
-        return fail(ApplyResult::Failed, std::string(kWriteError) + "\r" + failure.file.string() +
-                                             ": " + describeCause(failure.cause) + ".");
+    if (const ReplaceResult written = replaceFilesAtomically(writes); !written)
+        return fail(ApplyResult::Failed, std::string(kWriteError) + "\r" +
+                                             written.error().file.string() + ": " +
+                                             written.error().cause + ".");
     out.message = "GC3 car pack " + packPath.filename().string() + " applied to:" + kept;
     return out;
 }

@@ -22,9 +22,9 @@ struct CarPackFiles {
     std::filesystem::path style, fxt;
 };
 // The open style file and the ENGLISH.FXT beside it (found ignoring case).
-CarPackFiles levelFiles(const StyleFileState& style);
+[[nodiscard]] CarPackFiles levelFiles(const StyleFileState& style);
 // The ".bak" copies of the level's files that the save keeps; an empty path where there is none.
-CarPackFiles levelBackups(const StyleFileState& style);
+[[nodiscard]] CarPackFiles levelBackups(const StyleFileState& style);
 
 // A pack as read from its file: its runs, and the trailer and unmodified bytes of packs written
 // here.
@@ -54,7 +54,7 @@ struct CarPackPlan {
     Gc3Outcome outcome = Gc3Outcome::Applied;
     std::string refusal;
     std::vector<std::string> conflicts; // "Zed (ASN 19): Max Speed", "car name 3", ...
-    bool applies() const { return refusal.empty(); }
+    [[nodiscard]] bool applies() const { return refusal.empty(); }
 };
 [[nodiscard]] CarPackPlan planCarPack(const CarPackFile& pack, const CarPackFiles& files);
 

@@ -71,8 +71,10 @@ struct CarPackPreview {
     bool deltaStore = false;
     std::vector<std::string> otherSections; // in file order: "header", "sprite info", ...
 
-    bool forOpenLevel() const { return packLevel == openLevel; }
-    bool changesNothing() const { return styleBytesChanged == 0 && fxtBytesChanged == 0; }
+    [[nodiscard]] bool forOpenLevel() const { return packLevel == openLevel; }
+    [[nodiscard]] bool changesNothing() const {
+        return styleBytesChanged == 0 && fxtBytesChanged == 0;
+    }
 };
 
 // The preview of `pack` taking the files from `*Before` to `*After` (as planCarPack gives them;
@@ -93,6 +95,6 @@ describeStylePositions(const std::filesystem::path& stylePath,
                        const std::vector<std::int64_t>& positions);
 
 // The preview as lines of text, as the command line prints it and the window lists it.
-std::vector<std::string> carPackPreviewLines(const CarPackPreview& preview);
+[[nodiscard]] std::vector<std::string> carPackPreviewLines(const CarPackPreview& preview);
 
 } // namespace torquil

@@ -17,18 +17,19 @@ class StyleSession;
 struct SpriteRec;
 
 // The sprite's deltas in its order, from the delta table; nullptr where an index lies outside it.
-std::vector<const DeltaRec*> spriteDeltas(const StyleSession& session, const SpriteRec& sprite);
+[[nodiscard]] std::vector<const DeltaRec*> spriteDeltas(const StyleSession& session,
+                                                        const SpriteRec& sprite);
 
 // The suggested file name: the sprite's BMP name with "_deltas" (dirty) or "_deltas_clean"
 // before the extension, e.g. "CAR1_5_deltas_clean.bmp".
-std::string deltaSetFileName(const StyleSession& session, const SpriteRec& sprite, bool clean,
-                             const std::string& extension = ".bmp");
+[[nodiscard]] std::string deltaSetFileName(const StyleSession& session, const SpriteRec& sprite,
+                                           bool clean, const std::string& extension = ".bmp");
 
 // Writes the selected sprite's delta set (dirty: the sprite under each delta; clean: colour 0
 // under it) as BMP, or PNG when the name ends in .png. False with a message when the sprite has
 // no deltas; false when the file could not be written.
-bool exportDeltaSet(StyleSession& session, Platform& platform, const std::filesystem::path& file,
-                    bool clean);
+[[nodiscard]] bool exportDeltaSet(StyleSession& session, Platform& platform,
+                                  const std::filesystem::path& file, bool clean);
 
 // The frames the delta view shows, as 0x00RRGGBB pixels through the sprite's colours: each delta
 // over the sprite (withCar) or alone on colour 0.
@@ -36,7 +37,8 @@ struct DeltaViewFrames {
     int width = 0, height = 0;
     std::vector<std::vector<std::uint32_t>> frames;
 };
-DeltaViewFrames deltaViewFrames(const StyleSession& session, const SpriteRec& sprite, bool withCar);
+[[nodiscard]] DeltaViewFrames deltaViewFrames(const StyleSession& session, const SpriteRec& sprite,
+                                              bool withCar);
 
 // One line per delta for the command line.
 struct DeltaListing {
@@ -45,6 +47,7 @@ struct DeltaListing {
     std::int32_t ptr = 0;
     DeltaExtent extent;
 };
-std::vector<DeltaListing> listDeltas(const StyleSession& session, const SpriteRec& sprite);
+[[nodiscard]] std::vector<DeltaListing> listDeltas(const StyleSession& session,
+                                                   const SpriteRec& sprite);
 
 } // namespace torquil

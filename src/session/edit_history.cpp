@@ -87,7 +87,7 @@ EditScope::EditScope(StyleSession& session, unsigned touches, std::string name)
 }
 
 EditScope::~EditScope() {
-    end();
+    (void)end(); // whether a step was pushed is the business of an explicit end() only
 }
 
 bool EditScope::end() {

@@ -28,18 +28,18 @@ public:
 
     // Adds a step just done (an empty one is dropped); steps that were undone are forgotten.
     // Returns false when the step was empty.
-    bool push(EditStep step);
+    [[nodiscard]] bool push(EditStep step);
 
-    bool canUndo() const { return cursor_ > 0; }
-    bool canRedo() const { return cursor_ < steps_.size(); }
+    [[nodiscard]] bool canUndo() const { return cursor_ > 0; }
+    [[nodiscard]] bool canRedo() const { return cursor_ < steps_.size(); }
     // Names of the step that undo or redo would take ("Import Sprite 61"); empty when none.
-    std::string undoName() const;
-    std::string redoName() const;
+    [[nodiscard]] std::string undoName() const;
+    [[nodiscard]] std::string redoName() const;
 
     // Takes the last done step back (or does the next undone one again) on the session's tables,
     // repaints its rectangles and sets the dirty flags. nullptr when there was nothing to do.
-    const EditStep* undo(StyleSession& session);
-    const EditStep* redo(StyleSession& session);
+    [[nodiscard]] const EditStep* undo(StyleSession& session);
+    [[nodiscard]] const EditStep* redo(StyleSession& session);
 
     // A save ran: the tables as they are now are what the file holds, except for the parts the
     // save left flagged (a failed step).
@@ -47,17 +47,17 @@ public:
     // Forgets every step; the state now is the saved one (a load, or a new file).
     void clear(const StyleFileState& style);
 
-    std::size_t size() const { return steps_.size(); }
-    std::size_t cursor() const { return cursor_; }
-    std::size_t bytes() const { return bytes_; }
+    [[nodiscard]] std::size_t size() const { return steps_.size(); }
+    [[nodiscard]] std::size_t cursor() const { return cursor_; }
+    [[nodiscard]] std::size_t bytes() const { return bytes_; }
     // The cursor stands where the file was last saved (the flags hold only what the save left).
-    bool atSavePoint() const { return cursor_ == saved_; }
-    const HistoryLimits& limits() const { return limits_; }
+    [[nodiscard]] bool atSavePoint() const { return cursor_ == saved_; }
+    [[nodiscard]] const HistoryLimits& limits() const { return limits_; }
 
 private:
     friend class EditScope;
     // The dirty marks at the cursor: what the save left plus every step between the save and here.
-    DirtyMarks marksAtCursor() const;
+    [[nodiscard]] DirtyMarks marksAtCursor() const;
     void trim();
 
     HistoryLimits limits_;
@@ -86,9 +86,9 @@ public:
     // The step's name when the edit turned out otherwise ("Overwrite CLUT 3" for a refused import
     // that changed the CLUT); only the outermost scope's name counts.
     void rename(std::string name) { name_ = std::move(name); }
-    bool outermost() const { return outermost_; }
+    [[nodiscard]] bool outermost() const { return outermost_; }
     // Ends the scope before its end of life; true when it pushed a step (outermost only).
-    bool end();
+    [[nodiscard]] bool end();
 
 private:
     StyleSession& session_;
@@ -98,6 +98,6 @@ private:
 };
 
 // The name of a step: "Import Sprite 61".
-std::string stepName(const char* what, int number);
+[[nodiscard]] std::string stepName(const char* what, int number);
 
 } // namespace torquil

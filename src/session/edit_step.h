@@ -39,17 +39,19 @@ struct DirtyMarks {
     bool layout = false;            // the sprite info section is written whole (gLayoutChanged)
     std::vector<std::int16_t> cars; // absolute sprite numbers, each once, entry 0 not included
 
-    static DirtyMarks of(const StyleFileState& style);
+    [[nodiscard]] static DirtyMarks of(const StyleFileState& style);
     // Sets the style's flags and gSaveCarInfo to exactly these marks.
     void applyTo(StyleFileState& style) const;
     void add(const DirtyMarks& other);
-    bool empty() const { return !pages && !clut && !deltas && !names && !layout && cars.empty(); }
+    [[nodiscard]] bool empty() const {
+        return !pages && !clut && !deltas && !names && !layout && cars.empty();
+    }
     bool operator==(const DirtyMarks&) const = default;
 };
 
 // The sprite's rectangle on its page (clipped to the page): where the edits of a sprite paint, and
 // so where undo repaints a CLUT change.
-PageArea spriteArea(const SpriteRec& sprite);
+[[nodiscard]] PageArea spriteArea(const SpriteRec& sprite);
 
 // The sprite records of every page and the page count, as an edit that moves or resizes a sprite
 // or changes its delta count leaves them.
@@ -62,17 +64,15 @@ struct SpriteLayout {
 class EditStep {
 public:
     // The menu's name of the step ("Import Sprite 61").
-    const std::string& name() const { return name_; }
+    [[nodiscard]] const std::string& name() const { return name_; }
     // What the step left to be saved: the kinds of tables it changed and the flags it set.
-    const DirtyMarks& marks() const { return marks_; }
-    const DirtyMarks& flagsBefore() const { return flagsBefore_; }
-    const DirtyMarks& flagsAfter() const { return flagsAfter_; }
+    [[nodiscard]] const DirtyMarks& marks() const { return marks_; }
     // Rectangles of the page image that the step repaints when it is undone or redone.
-    const std::vector<PageArea>& repaintRects() const { return repaint_; }
+    [[nodiscard]] const std::vector<PageArea>& repaintRects() const { return repaint_; }
     // Nothing changed: neither a table nor a flag.
-    bool empty() const;
+    [[nodiscard]] bool empty() const;
     // Memory the step keeps, roughly in bytes.
-    std::size_t bytes() const;
+    [[nodiscard]] std::size_t bytes() const;
 
     // Put the tables back as they were before (undo) or after (redo) the edit and repaint the
     // step's rectangles. The dirty flags are the history's business (they depend on the save).
@@ -131,7 +131,7 @@ public:
     // A rectangle that the edit painted, repainted again on undo and redo (a CLUT change shows
     // only where the edit painted it).
     void touch(const PageArea& rect);
-    EditStep finish(const StyleSession& session, std::string name);
+    [[nodiscard]] EditStep finish(const StyleSession& session, std::string name);
 
 private:
     struct Snapshot;

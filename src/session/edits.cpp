@@ -34,21 +34,21 @@ int spriteOfBitmap(StyleSession& session, const BitmapTarget& target) {
 
 } // namespace
 
-bool editCar(StyleSession& session, int asn, const CarEdit& edit, std::string* why) {
-    if (why) why->clear();
+Result<void> editCar(StyleSession& session, int asn, const CarEdit& edit) {
     CarEntry* car = session.cars.find(asn);
-    if (!car) {
-        if (why) *why = "there is no car record at absolute sprite number " + std::to_string(asn);
-        return false;
-    }
+    if (!car)
+        return fail("there is no car record at absolute sprite number " + std::to_string(asn));
     EditScope scope(session, kTouchCars | kTouchNames, stepName("Edit Car", asn));
     if (edit.info || edit.doors) {
         if (edit.info) car->info = *edit.info;
         if (edit.doors) car->doorList = *edit.doors;
         session.style.gSaveCarInfo.push_back(static_cast<std::int16_t>(asn));
     }
-    if (edit.name) return renameCarModel(session, car->info.model, *edit.name, why);
-    return true;
+    if (edit.name)
+        if (const CarNameVerdict renamed = renameCarModel(session, car->info.model, *edit.name);
+            !renamed)
+            return fail(renamed.message());
+    return {};
 }
 
 void markAllChanged(StyleSession& session) {
@@ -64,19 +64,15 @@ void markAllChanged(StyleSession& session) {
         if (slots[asn].inUse) style.gSaveCarInfo.push_back(static_cast<std::int16_t>(asn));
 }
 
-bool renameCarModel(StyleSession& session, int model, const std::string& name, std::string* why) {
-    if (why) why->clear();
-    if (const CarNameVerdict verdict = checkCarName(session.names, model, name); !verdict) {
-        if (why) *why = verdict.reason;
-        return false;
-    }
+CarNameVerdict renameCarModel(StyleSession& session, int model, const std::string& name) {
+    if (CarNameVerdict verdict = checkCarName(session.names, model, name); !verdict) return verdict;
     EditScope scope(session, kTouchCars | kTouchNames, stepName("Rename Model", model));
     session.names.names[static_cast<std::size_t>(model)] = name;
     session.style.gCarNamesChanged = true;
     // Every loaded car of the model shows the new name.
     for (CarEntry& car : session.cars.slots)
         if (car.inUse && car.info.model == model) car.name = name;
-    return true;
+    return {};
 }
 
 bool importSprite(StyleSession& session, Platform& platform) {
@@ -127,7 +123,7 @@ bool importSpriteNamedBy(StyleSession& session, Platform& platform, const fs::pa
     const fs::path expected = session.workPath(bmpFileName(session));
     std::error_code ec;
     if (!fs::equivalent(file, expected, ec)) {
-        if (copyFileAtomically(file, expected)) {
+        if (!copyFileAtomically(file, expected)) {
             platform.message("Unable to copy " + file.string() + " to " + expected.string(),
                              Buttons::Ok, Icon::Warning);
             return false;
@@ -215,7 +211,9 @@ bool comparePalette(StyleSession& session, Platform& platform, int clut,
                                "This will also effect the sprite's Deltas and Remaps.\r"
                                "Would you like to AutoCorrect the Remaps? (recommended)",
                                "Palette Change", Buttons::YesNo, Icon::Question, true};
-        if (platform.messages().show(question) == Answer::Yes) autoCorrectRemaps(session, *sprite);
+        // How many remaps were recoloured is not reported: the board shows them.
+        if (platform.messages().show(question) == Answer::Yes)
+            (void)autoCorrectRemaps(session, *sprite);
     }
 
     // The board shows the memory picture; only the caller's own sprite is repainted there, so

@@ -5,7 +5,9 @@
 // Each one records itself as one step of the session's undo history (an EditScope); an edit made
 // of other edits (an import that overwrites a CLUT) is one step, named by the outermost.
 
+#include "base/result.h"
 #include "cars/car_info.h"
+#include "cars/car_name_rules.h"
 #include "exchange/palette_compare.h"
 #include "exchange/transparency.h"
 
@@ -32,18 +34,17 @@ struct CarEdit {
 };
 
 // Applies a car edit to the car at absolute sprite number `asn`: the record first (the car goes
-// into gSaveCarInfo), then the name through renameCarModel. False when there is no car at `asn`
+// into gSaveCarInfo), then the name through renameCarModel. Fails when there is no car at `asn`
 // (nothing changed) or when the name was refused by checkCarName (cars/car_name_rules.h; the
-// record is still applied); `why`, when given, then holds the reason for the user.
-[[nodiscard]] bool editCar(StyleSession& session, int asn, const CarEdit& edit,
-                           std::string* why = nullptr);
+// record is still applied); the failure's message is the reason for the user.
+[[nodiscard]] Result<void> editCar(StyleSession& session, int asn, const CarEdit& edit);
 
 // Gives car `model` a new name in the names table and in every loaded car of that model, and
-// sets gCarNamesChanged. False (and nothing changed, the reason in `why`) when checkCarName
-// refuses it: a model outside the names table, no ENGLISH.FXT or no entry of the model in it (the
-// save would drop the name), a line break in the name.
-[[nodiscard]] bool renameCarModel(StyleSession& session, int model, const std::string& name,
-                                  std::string* why = nullptr);
+// sets gCarNamesChanged. Fails (and nothing changed) with checkCarName's refusal: a model outside
+// the names table, no ENGLISH.FXT or no entry of the model in it (the save would drop the name),
+// a line break in the name.
+[[nodiscard]] CarNameVerdict renameCarModel(StyleSession& session, int model,
+                                            const std::string& name);
 
 // Sprite import: reads workDir / bmpFileName() back into the selected sprite. The pixels go into
 // the page and the sprite's rectangle is repainted in the page image; the palette may overwrite

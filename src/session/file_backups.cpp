@@ -39,9 +39,10 @@ bool BackupRegistry::ensure(const fs::path& file, const std::span<const std::uin
         handled_.insert(id);
         return true;
     }
-    if (const ReplaceFailure failure =
-            content ? replaceFileAtomically(bak, *content) : copyFileAtomically(file, bak)) {
-        ec = failure.cause;
+    if (const ReplaceResult written =
+            content ? replaceFileAtomically(bak, *content) : copyFileAtomically(file, bak);
+        !written) {
+        ec = written.error().code;
         return false;
     }
     handled_.insert(id);

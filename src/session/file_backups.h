@@ -13,27 +13,27 @@
 namespace torquil {
 
 // The name of a file's backup: the file's full name with ".bak" appended.
-std::filesystem::path backupPathOf(const std::filesystem::path& file);
+[[nodiscard]] std::filesystem::path backupPathOf(const std::filesystem::path& file);
 
 class BackupRegistry {
 public:
     // Makes the backup of `file` the first time this registry is asked about it. True when the
     // backup exists afterwards, or when there is no file to back up; false (ec set) when the copy
     // could not be written, in which case a later call tries again.
-    bool ensureBackup(const std::filesystem::path& file, std::error_code& ec);
+    [[nodiscard]] bool ensureBackup(const std::filesystem::path& file, std::error_code& ec);
     // The same with the file's content already in memory: the backup is written from `content`
     // instead of reading the file again.
-    bool ensureBackup(const std::filesystem::path& file, std::span<const std::uint8_t> content,
-                      std::error_code& ec);
+    [[nodiscard]] bool ensureBackup(const std::filesystem::path& file,
+                                    std::span<const std::uint8_t> content, std::error_code& ec);
     // Whether `file` was already dealt with in this run.
-    bool handled(const std::filesystem::path& file) const;
+    [[nodiscard]] bool handled(const std::filesystem::path& file) const;
     // Forgets every file (for tests: a fresh run of the program).
     void reset();
 
 private:
-    bool ensure(const std::filesystem::path& file, const std::span<const std::uint8_t>* content,
-                std::error_code& ec);
-    static std::filesystem::path key(const std::filesystem::path& file);
+    [[nodiscard]] bool ensure(const std::filesystem::path& file,
+                              const std::span<const std::uint8_t>* content, std::error_code& ec);
+    [[nodiscard]] static std::filesystem::path key(const std::filesystem::path& file);
 
     mutable std::mutex mutex_;
     std::set<std::filesystem::path> handled_;

@@ -79,7 +79,7 @@ std::unique_ptr<StyleSession> loadLevelBytes(const std::filesystem::path& styleP
         return true;
     };
     // Warnings of a load that then opens the file refuse nothing: the editor opens it.
-    if (initHeaderFromBytes(*session, quiet, loaders, style) == LoadOutcome::Loaded) return session;
+    if (initHeaderFromBytes(*session, quiet, loaders, style)) return session;
     why.clear();
     for (const std::string& line : quiet.said) why += (why.empty() ? "" : "\r") + line;
     if (why.empty()) why = "The editor could not open the result.";

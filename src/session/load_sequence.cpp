@@ -99,6 +99,13 @@ std::string unreadableCause(const std::filesystem::path& path) {
     return describeCause(std::error_code(errno ? errno : EACCES, std::generic_category()));
 }
 
+LoadFailure loadFailed(LoadProblem problem, std::string text) {
+    LoadFailure f;
+    f.message = std::move(text);
+    f.problem = problem;
+    return f;
+}
+
 LoadOutcome fail(StyleSession& s, Platform& platform, BinaryFile& file) {
     file.close();
     std::string text = loadFailureMessage(s.stepText, s.style.path);
@@ -114,7 +121,7 @@ LoadOutcome fail(StyleSession& s, Platform& platform, BinaryFile& file) {
     s.style.loaded = false;
     s.style.clearDirtyFlags();
     s.selection.clear();
-    return LoadOutcome::Failed;
+    return loadFailed(LoadProblem::Failed, std::move(text));
 }
 
 } // namespace
@@ -133,13 +140,14 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
 
     std::error_code ec;
     if (!std::filesystem::is_regular_file(style.path, ec)) {
-        platform.message("Error: " + style.path.string() + " file error or not found.");
-        return LoadOutcome::FileMissing;
+        std::string text = "Error: " + style.path.string() + " file error or not found.";
+        platform.message(text);
+        return loadFailed(LoadProblem::FileMissing, std::move(text));
     }
 
     // A save of this level that was cut short is finished or rolled back (and said so) before
     // either of its files is read, so the load never sees half of it.
-    reportInterruptedSaves(style.path, platform);
+    (void)reportInterruptedSaves(style.path, platform); // the messages were shown
 
     BinaryFile file(s.errors);
     // A load fills a fresh session: no error of an earlier command belongs to it.
@@ -212,7 +220,7 @@ LoadOutcome loadOpenedStyle(StyleSession& s, BinaryFile& file, Platform& platfor
     s.caption =
         windowCaption(style.gStyleFileName, style.gMapNumber, style.gIs24Bit, style.loadOption);
     file.close();
-    return LoadOutcome::Loaded;
+    return {};
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 // Opening a style file: read the header, find the sections, run the loaders in the game's
 // order, read and paint the pages, and set the caption.
 
+#include "base/result.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -14,11 +16,19 @@ class StyleSession;
 struct LoaderSet;
 struct StyleFileState;
 
-enum class LoadOutcome {
-    Loaded,      // the file is open; caption set, commands on
+// Why a load did not open the file.
+enum class LoadProblem {
     FileMissing, // "file error or not found": nothing changed
     Failed       // a loader failed or a run-time error was pending: the load error message
 };
+
+// A load that did not open the file; its message is the one the user was shown.
+struct LoadFailure : Failure {
+    LoadProblem problem = LoadProblem::Failed;
+};
+
+// Success: the file is open, the caption set, the commands on.
+using LoadOutcome = Result<void, LoadFailure>;
 
 // What the open dialog sets before a load: full path, upper-cased name, level, kind, option.
 void prepareStyle(StyleFileState& style, const std::filesystem::path& path, int loadOption);

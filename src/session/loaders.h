@@ -26,9 +26,9 @@ struct LoaderSet {
 };
 
 // The loaders of every part of the program, in the game's load order.
-LoaderSet standardLoaders();
+[[nodiscard]] LoaderSet standardLoaders();
 
 // The painter that colours pages from the session's sprite and colour tables.
-std::unique_ptr<PagePainter> makePagePainter(const StyleSession& session);
+[[nodiscard]] std::unique_ptr<PagePainter> makePagePainter(const StyleSession& session);
 
 } // namespace torquil

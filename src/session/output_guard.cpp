@@ -55,11 +55,11 @@ std::vector<GuardedFile> levelFiles(const fs::path& style) {
     return files;
 }
 
-std::string outputClash(const fs::path& output, const std::vector<GuardedFile>& guarded) {
+Result<void> checkOutput(const fs::path& output, const std::vector<GuardedFile>& guarded) {
     for (const GuardedFile& file : guarded)
         if (sameFile(output, file.path))
-            return "the output " + utf8Of(resolved(output)) + " is " + file.role +
-                   "; nothing was written. Choose another file name.";
+            return fail("the output " + utf8Of(resolved(output)) + " is " + file.role +
+                        "; nothing was written. Choose another file name.");
     return {};
 }
 

@@ -36,17 +36,17 @@ bool writePicture(StyleSession& session, Platform& platform, const fs::path& fil
     session.errors.clear();
     const BmpColourTable colours =
         session.style.gIs24Bit ? clutColourTable(session, clut) : palette8ColourTable(session);
-    std::string why;
-    const std::vector<std::uint8_t> bytes = encodeIndexedPng(pixels, width, height, colours, why);
-    if (bytes.empty()) {
-        platform.message("The picture " + file.string() + " could not be written: " + why,
+    const auto encoded = encodeIndexedPng(pixels, width, height, colours);
+    if (!encoded) {
+        platform.message("The picture " + file.string() +
+                             " could not be written: " + encoded.error().cause,
                          Buttons::Ok, Icon::Warning);
         return false;
     }
+    const std::vector<std::uint8_t>& bytes = *encoded;
     // Written whole in one replace: the old picture or the new one.
-    if (const ReplaceFailure failure = replaceFileAtomically(file, bytes)) {
-        session.errors.raise(err::PathFileAccess,
-                             file.string() + ": " + describeCause(failure.cause));
+    if (const ReplaceResult written = replaceFileAtomically(file, bytes); !written) {
+        session.errors.raise(err::PathFileAccess, file.string() + ": " + written.error().cause);
         return false;
     }
     return true;

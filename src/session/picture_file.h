@@ -15,16 +15,20 @@ class StyleSession;
 
 // Writes width x height indexes with the style's colours for CLUT `clut`: PNG when the name ends
 // in .png, else BMP exactly as writeBmp writes it. True when written.
-bool writePicture(StyleSession& session, Platform& platform, const std::filesystem::path& file,
-                  std::span<const std::uint8_t> pixels, int clut, int width, int height);
+[[nodiscard]] bool writePicture(StyleSession& session, Platform& platform,
+                                const std::filesystem::path& file,
+                                std::span<const std::uint8_t> pixels, int clut, int width,
+                                int height);
 
 // Reads a picture of exactly width x height for CLUT `clut` (BMP, or PNG by the name), with the
 // import's messages and palette questions. False, with `pixels` untouched, when it was refused.
-bool readPicture(StyleSession& session, Platform& platform, const std::filesystem::path& file,
-                 int clut, int width, int height, std::vector<std::uint8_t>& pixels);
+[[nodiscard]] bool readPicture(StyleSession& session, Platform& platform,
+                               const std::filesystem::path& file, int clut, int width, int height,
+                               std::vector<std::uint8_t>& pixels);
 
 // The PNG half of readPicture.
-bool readPng(StyleSession& session, Platform& platform, const std::filesystem::path& file, int clut,
-             int width, int height, std::vector<std::uint8_t>& pixels);
+[[nodiscard]] bool readPng(StyleSession& session, Platform& platform,
+                           const std::filesystem::path& file, int clut, int width, int height,
+                           std::vector<std::uint8_t>& pixels);
 
 } // namespace torquil

@@ -107,7 +107,7 @@ private:
     // Replaces the style file and ENGLISH.FXT with their new content as one transaction: both
     // or neither. False when nothing was written (out_ says why, the message was shown).
     bool writeFiles();
-    bool styleFailed(const CommitResult& failure);
+    bool styleFailed(const CommitFailure& failure);
 
     StyleSession& s_;
     Platform& platform_;
@@ -159,14 +159,14 @@ bool SaveRun::openContent() {
         error_ = err::PathFileAccess;
         return false;
     }
-    std::vector<std::uint8_t> bytes;
     styleReadAs_ = stampOf(style.path);
-    if (!readWholeFile(style.path, bytes)) {
-        out_.cause = describeCause(std::error_code(errno, std::generic_category()));
+    auto bytes = readWholeFile(style.path);
+    if (!bytes) {
+        out_.cause = bytes.error().cause;
         error_ = err::PathFileAccess;
         return false;
     }
-    file_.openInMemory(style.path, std::move(bytes));
+    file_.openInMemory(style.path, std::move(bytes).value());
     return true;
 }
 
@@ -214,8 +214,9 @@ bool SaveRun::buildNames() {
         if (saver) (void)saver(s_, platform_, fxtBytes_);
         return true;
     }
-    if (fxtLock_.acquire(replacedFileOf(fxtPath_), lockProgramName()) ==
-        FileLock::Result::HeldByOther) {
+    if (const FileLock::Acquired taken =
+            fxtLock_.acquire(replacedFileOf(fxtPath_), lockProgramName());
+        !taken && taken.error().refusal == LockRefusal::HeldByOther) {
         s_.stepText = "Save Car Names";
         (void)refuse(lockHeldMessage(fxtPath_, fxtLock_.holder()));
         return false;
@@ -230,8 +231,11 @@ bool SaveRun::buildNames() {
         return false;
     }
     // Names that come out as the file already holds them leave it (and its .bak) alone.
-    std::vector<std::uint8_t> old;
-    if (!options_.writeUnchanged && readWholeFile(fxtPath_, old) && old == fxtBytes_) {
+    const auto unchanged = [this] {
+        const auto old = readWholeFile(fxtPath_);
+        return old && *old == fxtBytes_;
+    };
+    if (!options_.writeUnchanged && unchanged()) {
         writeNames_ = false;
         s_.style.gCarNamesChanged = false;
         return true;
@@ -269,13 +273,15 @@ bool SaveRun::writeFiles() {
                                      Icon::Warning) == Answer::Yes;
         };
     const CommitResult result = commitFiles(files, commit);
-    for (const std::string& text : result.found)
+    for (const std::string& text : foundBy(result))
         platform_.message(text, Buttons::Ok, Icon::Warning);
-    switch (result.outcome) {
-    case CommitOutcome::Committed:
+    if (result) {
         if (styleChanged_) rememberFileState(s_.style);
         checkpoint("Files Replaced");
         return true;
+    }
+    const CommitFailure& failure = result.error();
+    switch (failure.outcome) {
     case CommitOutcome::Changed:
         // The user was asked and chose not to write over the other program's save.
         out_.result = SaveResult::Declined;
@@ -283,30 +289,30 @@ bool SaveRun::writeFiles() {
     case CommitOutcome::Busy:
     case CommitOutcome::HardLinked:
     case CommitOutcome::BackupFailed:
-        (void)refuse(commitFailureMessage(result, files));
+        (void)refuse(failure.message);
         return false;
     case CommitOutcome::WriteFailed:
         break;
     }
-    if (result.file == fxtPath_ || result.partly) {
+    if (failure.file == fxtPath_ || failure.partly) {
         s_.stepText = "Save Car Names";
-        out_.cause = describeCause(result.cause);
+        out_.cause = failure.cause;
         (void)refuse(std::string("Error occured during write of FXT file.") + "\r" +
-                     commitFailureMessage(result, files));
+                     failure.message);
         return false;
     }
     if (files.size() > 1)
         pairLine_ = "ENGLISH.FXT was not written either: " + fxtPath_.string() + " is as it was.";
-    return styleFailed(result);
+    return styleFailed(failure);
 }
 
-bool SaveRun::styleFailed(const CommitResult& failure) {
+bool SaveRun::styleFailed(const CommitFailure& failure) {
     s_.stepText = "Write STYLE file";
-    out_.cause = describeCause(failure.cause);
+    out_.cause = failure.cause;
     if (failure.ownerNotKept)
         out_.cause = "the new file could not be given the owner and group of the old one (" +
                      out_.cause + ")";
-    const std::error_condition c = failure.cause.default_error_condition();
+    const std::error_condition c = failure.code.default_error_condition();
     error_ = c == std::errc::no_space_on_device ? err::DiskFull : err::PathFileAccess;
     (void)fail(error_);
     return false;
@@ -320,8 +326,9 @@ SaveOutcome SaveRun::run() {
     begin("File Open");
     // One save of a file at a time, across every run of the program on this machine.
     if (toStyle || style.gCarNamesChanged) {
-        if (styleLock_.acquire(replacedFileOf(style.path), lockProgramName()) ==
-            FileLock::Result::HeldByOther)
+        if (const FileLock::Acquired taken =
+                styleLock_.acquire(replacedFileOf(style.path), lockProgramName());
+            !taken && taken.error().refusal == LockRefusal::HeldByOther)
             return refuse(lockHeldMessage(style.path, styleLock_.holder()));
         if (!styleLock_.staleHolder().empty())
             platform_.message(staleLockNote(styleLock_.lockPath(), styleLock_.staleHolder()),

@@ -41,7 +41,7 @@ struct SaverSet {
 };
 
 // The savers of every part of the program.
-SaverSet standardSavers();
+[[nodiscard]] SaverSet standardSavers();
 
 struct SaveOptions {
     SaverSet savers = standardSavers();
@@ -74,7 +74,7 @@ struct SaveOutcome {
     std::string cause;            // the system's cause of a failed write ("disk full")
 
     // The window disables the save command until the next change after a save that went through.
-    bool disableSaveCommand() const { return result == SaveResult::Saved; }
+    [[nodiscard]] bool disableSaveCommand() const { return result == SaveResult::Saved; }
 };
 
 // mnuSaveBlock_Click without the window: the real savers and this run's backups.
@@ -93,7 +93,8 @@ struct SaveOutcome {
 // the side and lock files it left, and says what it found (one message each); a save still
 // running in another run is named as such and left alone. Called by the load before it reads
 // either file. Returns how many messages were shown.
-int reportInterruptedSaves(const std::filesystem::path& styleFile, Platform& platform);
+[[nodiscard]] int reportInterruptedSaves(const std::filesystem::path& styleFile,
+                                         Platform& platform);
 
 // The question asked before a save splits a file from its other names (hard links).
 [[nodiscard]] std::string hardLinkQuestion(const std::filesystem::path& path, std::uint64_t names);

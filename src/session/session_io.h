@@ -33,7 +33,7 @@
 namespace torquil {
 
 // The format context of a session: its error state, the platform and the program's options.
-inline FormatContext formatContext(StyleSession& session, Platform& platform) {
+[[nodiscard]] inline FormatContext formatContext(StyleSession& session, Platform& platform) {
     return FormatContext{session.errors, platform, session.options};
 }
 
@@ -61,7 +61,7 @@ void repaintRect(StyleSession& session, const PagePainter& painter, int page, in
 [[nodiscard]] bool loadSpriteNumbers(StyleSession& session, BinaryFile& file, Platform& platform);
 [[nodiscard]] bool calcTileSpriteInfo(StyleSession& session, BinaryFile& file, Platform& platform);
 // Finds the sprite and selects it on the board (selection and gBoardOffset), or says why not.
-SearchResult searchNSelect(StyleSession& session, Platform& platform, int asn);
+[[nodiscard]] SearchResult searchNSelect(StyleSession& session, Platform& platform, int asn);
 [[nodiscard]] std::unique_ptr<PagePainter> makeSpritePagePainter(const StyleSession& session);
 
 // Cars and their names.
@@ -80,7 +80,7 @@ void dumpCarInfo(const StyleSession& session, Platform& platform, int asn);
 
 // Remaps of a car whose CLUT changed.
 [[nodiscard]] int remapPaletteIndexPosition(const StyleSession& session, int carOrder, int slot);
-int autoCorrectRemaps(StyleSession& session, const SpriteRec& sprite);
+[[nodiscard]] int autoCorrectRemaps(StyleSession& session, const SpriteRec& sprite);
 
 // Sprite pictures.
 [[nodiscard]] std::vector<std::uint8_t> spritePixels(const StyleSession& session,
@@ -100,7 +100,7 @@ int autoCorrectRemaps(StyleSession& session, const SpriteRec& sprite);
                            std::vector<std::uint8_t>& pixels);
 // Writes the selected sprite as workDir / bmpFileName(). Returns the full path of the file, or
 // an empty path when nothing is selected or the file could not be written.
-std::filesystem::path exportSprite(StyleSession& session, Platform& platform);
+[[nodiscard]] std::filesystem::path exportSprite(StyleSession& session, Platform& platform);
 // The same into a file of the caller's choosing (PNG when its name ends in .png); true when it
 // was written.
 [[nodiscard]] bool exportSpriteTo(StyleSession& session, Platform& platform,
@@ -110,11 +110,12 @@ std::filesystem::path exportSprite(StyleSession& session, Platform& platform);
 [[nodiscard]] std::filesystem::path sdtFilePath(const StyleSession& session);
 [[nodiscard]] std::filesystem::path rawFilePath(const StyleSession& session);
 [[nodiscard]] bool loadSDT(const StyleSession& session, SoundTable& table);
-SoundOutcome writeSoundWav(StyleSession& session, Platform& platform, std::int16_t soundNumber,
-                           double rateMultiplier, std::int16_t repeatCount,
-                           const std::filesystem::path& wav,
-                           SoundReading reading = SoundReading::Preview);
-SoundOutcome playSound(StyleSession& session, Platform& platform, std::int16_t soundNumber,
-                       double rateMultiplier, std::int16_t repeatCount);
+[[nodiscard]] SoundOutcome writeSoundWav(StyleSession& session, Platform& platform,
+                                         std::int16_t soundNumber, double rateMultiplier,
+                                         std::int16_t repeatCount, const std::filesystem::path& wav,
+                                         SoundReading reading = SoundReading::Preview);
+[[nodiscard]] SoundOutcome playSound(StyleSession& session, Platform& platform,
+                                     std::int16_t soundNumber, double rateMultiplier,
+                                     std::int16_t repeatCount);
 
 } // namespace torquil

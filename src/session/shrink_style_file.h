@@ -17,6 +17,7 @@ using SaveCheckpoint = std::function<void(std::string_view point)>;
 // Cuts the content held in memory (BinaryFile::openInMemory) so that it ends just before the
 // 1-based position endPosition, with the "Shrinking STYLE file" progress form. Returns 0, or
 // err::InvalidCall for a cut that would leave nothing.
-int shrinkStyleContent(BinaryFile& content, std::int64_t endPosition, Platform& platform);
+[[nodiscard]] int shrinkStyleContent(BinaryFile& content, std::int64_t endPosition,
+                                     Platform& platform);
 
 } // namespace torquil

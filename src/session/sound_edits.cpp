@@ -8,9 +8,10 @@ namespace torquil {
 
 namespace {
 
-std::string keepBackup(const std::filesystem::path& file) {
+Result<void> keepSoundBackup(const std::filesystem::path& file) {
     std::error_code ec;
-    return processBackups().ensureBackup(file, ec) ? std::string{} : describeCause(ec);
+    if (processBackups().ensureBackup(file, ec)) return {};
+    return fail("Cannot keep the unmodified " + file.string(), describeCause(ec));
 }
 
 } // namespace
@@ -27,7 +28,7 @@ SoundImportOutcome importSound(StyleSession& session, Platform& platform, int nu
                                const std::filesystem::path& file) {
     SoundReplacement change;
     const SoundImportOutcome outcome =
-        importSoundFile(session.style, platform, number, file, keepBackup, change);
+        importSoundFile(session.style, platform, number, file, keepSoundBackup, change);
     if (outcome == SoundImportOutcome::Done) {
         SoundHistory& history = session.soundHistory;
         history.steps.resize(history.cursor);
@@ -41,7 +42,7 @@ bool undoSoundImport(StyleSession& session, Platform& platform) {
     SoundHistory& history = session.soundHistory;
     if (!history.canUndo()) return false;
     if (!setSoundRecord(session.style, platform, history.steps[history.cursor - 1], true,
-                        keepBackup))
+                        keepSoundBackup))
         return false;
     --history.cursor;
     return true;
@@ -50,7 +51,8 @@ bool undoSoundImport(StyleSession& session, Platform& platform) {
 bool redoSoundImport(StyleSession& session, Platform& platform) {
     SoundHistory& history = session.soundHistory;
     if (!history.canRedo()) return false;
-    if (!setSoundRecord(session.style, platform, history.steps[history.cursor], false, keepBackup))
+    if (!setSoundRecord(session.style, platform, history.steps[history.cursor], false,
+                        keepSoundBackup))
         return false;
     ++history.cursor;
     return true;

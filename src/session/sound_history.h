@@ -15,11 +15,11 @@ struct SoundHistory {
     std::vector<SoundReplacement> steps;
     std::size_t cursor = 0; // steps before it are done
 
-    bool canUndo() const { return cursor > 0; }
-    bool canRedo() const { return cursor < steps.size(); }
+    [[nodiscard]] bool canUndo() const { return cursor > 0; }
+    [[nodiscard]] bool canRedo() const { return cursor < steps.size(); }
     // "Replace Sound 12"; empty when there is nothing to undo or redo.
-    std::string undoName() const;
-    std::string redoName() const;
+    [[nodiscard]] std::string undoName() const;
+    [[nodiscard]] std::string redoName() const;
 };
 
 } // namespace torquil

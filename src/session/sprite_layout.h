@@ -17,13 +17,14 @@ struct SpriteTables;
 struct StyleFileState;
 
 // Every sprite of the tables in file order (by absolute sprite number).
-std::vector<const SpriteRec*> spritesInFileOrder(const SpriteTables& sprites);
+[[nodiscard]] std::vector<const SpriteRec*> spritesInFileOrder(const SpriteTables& sprites);
 
 // The sprite info section: every sprite's head (12 bytes in a .G24 file, 10 in a .GRY one) and
 // its delta entries (size, ptr). `entryOffsets`, when given, receives for delta i the 0-based
 // offset of its entry within the section.
-std::vector<std::uint8_t> buildSpriteInfoSection(const StyleSession& session,
-                                                 std::vector<std::int64_t>* entryOffsets = nullptr);
+[[nodiscard]] std::vector<std::uint8_t>
+buildSpriteInfoSection(const StyleSession& session,
+                       std::vector<std::int64_t>* entryOffsets = nullptr);
 
 // Sets every delta's entry position (entryPos) to where the section at gSeekSpriteInfo holds it.
 void placeDeltaEntries(StyleSession& session);

@@ -46,10 +46,12 @@ public:
     SoundHistory soundHistory;
 
     // The currently selected sprite record, or nullptr.
-    const SpriteRec* selectedSprite() const;
-    SpriteRec* selectedSprite();
+    [[nodiscard]] const SpriteRec* selectedSprite() const;
+    [[nodiscard]] SpriteRec* selectedSprite();
     // Path of a file in the program's directory.
-    std::filesystem::path workPath(const std::string& name) const { return options.workPath(name); }
+    [[nodiscard]] std::filesystem::path workPath(const std::string& name) const {
+        return options.workPath(name);
+    }
 };
 
 } // namespace torquil

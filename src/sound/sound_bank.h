@@ -27,7 +27,7 @@ struct SoundTable {
     // SDT: index 0 is an unused zero record; the file's first record is index 1.
     std::vector<SdtRecord> SDT{SdtRecord{}};
     std::filesystem::path sdtPath, rawPath;
-    int lastIndex() const { return static_cast<int>(SDT.size()) - 1; }
+    [[nodiscard]] int lastIndex() const { return static_cast<int>(SDT.size()) - 1; }
 };
 
 // The bank's files for a style (found ignoring case); the names as they would be when missing.

@@ -22,13 +22,13 @@ std::string nameOf(const fs::path& file) {
 
 // The bank's lock (on its SDT), so that two runs never rewrite the pair at once.
 bool lockBank(const SoundTable& table, Platform& platform, FileLock& lock) {
-    switch (lock.acquire(table.sdtPath, lockProgramName())) {
-    case FileLock::Result::Taken:
-        return true;
-    case FileLock::Result::HeldByOther:
-        platform.message(lockHeldMessage(table.sdtPath, lock.holder()));
+    const FileLock::Acquired taken = lock.acquire(table.sdtPath, lockProgramName());
+    if (taken) return true;
+    switch (taken.error().refusal) {
+    case LockRefusal::HeldByOther:
+        platform.message(taken.message());
         return false;
-    case FileLock::Result::Unavailable:
+    case LockRefusal::Unavailable:
         platform.message("The sound bank could not be changed: no lock file can be made beside " +
                          table.sdtPath.string() +
                          " (a read-only folder?), so nothing was written.");
@@ -40,7 +40,9 @@ bool lockBank(const SoundTable& table, Platform& platform, FileLock& lock) {
 // The SDT's bytes with record `number` (1-based, as the table counts) set to `record`.
 bool sdtWithRecord(const SoundTable& table, int number, const SdtRecord& record,
                    std::vector<std::uint8_t>& bytes) {
-    if (!readWholeFile(table.sdtPath, bytes)) return false;
+    auto read = readWholeFile(table.sdtPath);
+    if (!read) return false;
+    bytes = std::move(read).value();
     const auto at = static_cast<std::size_t>((number - 1) * kSdtRecordSize);
     if (bytes.size() < at + kSdtRecordSize) bytes.resize(at + kSdtRecordSize, 0);
     putI32(bytes.data() + at, record.offset);
@@ -51,12 +53,12 @@ bool sdtWithRecord(const SoundTable& table, int number, const SdtRecord& record,
 
 bool keepBackups(const SoundTable& table, Platform& platform, const KeepBackup& keepBackup) {
     for (const fs::path& file : {table.rawPath, table.sdtPath}) {
-        const std::string why = keepBackup ? keepBackup(file) : std::string{};
-        if (!why.empty()) {
+        if (!keepBackup) continue;
+        if (const Result<void> kept = keepBackup(file); !kept) {
             platform.message(nameOf(file) +
                              " could not be copied to its .bak, so nothing was "
                              "written.\rThe system said: " +
-                             why + ".");
+                             kept.error().cause + ".");
             return false;
         }
     }
@@ -65,7 +67,7 @@ bool keepBackups(const SoundTable& table, Platform& platform, const KeepBackup& 
 
 void reportWriteFailure(Platform& platform, const ReplaceFailure& failure) {
     platform.message("The sound bank could not be saved: " + failure.file.string() + ": " +
-                     describeCause(failure.cause) + "." +
+                     describeCause(failure.code) + "." +
                      (failure.replaced == 0
                           ? "\rNothing was changed: both files are as they were."
                           : "\rThe RAW file holds the new samples but " + nameOf(failure.file) +
@@ -126,8 +128,8 @@ SoundImportOutcome replaceSound(const StyleFileState& style, Platform& platform,
         if (auto ec = copyRawRange(table.rawPath, 0, rawSize, write)) return ec;
         return write(sound.samples);
     };
-    if (const ReplaceFailure failure = replaceFilesAtomically(files)) {
-        reportWriteFailure(platform, failure);
+    if (const ReplaceResult written = replaceFilesAtomically(files); !written) {
+        reportWriteFailure(platform, written.error());
         return SoundImportOutcome::Refused;
     }
     return SoundImportOutcome::Done;
@@ -174,9 +176,9 @@ bool setSoundRecord(const StyleFileState& style, Platform& platform, const Sound
         return false;
     }
     if (!keepBackups(table, platform, keepBackup)) return false;
-    if (const ReplaceFailure failure = replaceFileAtomically(table.sdtPath, sdt)) {
-        platform.message(sound + " could not be set back: " + failure.file.string() + ": " +
-                         describeCause(failure.cause) + ". Nothing was changed.");
+    if (const ReplaceResult written = replaceFileAtomically(table.sdtPath, sdt); !written) {
+        platform.message(sound + " could not be set back: " + written.error().file.string() + ": " +
+                         written.error().cause + ". Nothing was changed.");
         return false;
     }
     return true;

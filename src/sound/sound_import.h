@@ -6,6 +6,7 @@
 // at a time) and the SDT are written whole beside their old files and replace them together,
 // RAW first.
 
+#include "base/result.h"
 #include "sound/sound_bank.h"
 #include "sound/sound_file_reader.h"
 
@@ -31,8 +32,8 @@ enum class SoundImportOutcome {
     Refused     // nothing was written; the message says why
 };
 
-// Makes the .bak of a file before its first write; returns why it could not (empty: kept).
-using KeepBackup = std::function<std::string(const std::filesystem::path& file)>;
+// Makes the .bak of a file before its first write; a failure's cause says why it could not.
+using KeepBackup = std::function<Result<void>(const std::filesystem::path& file)>;
 
 // Replaces sound `number` (1 to the table's last index) with `sound`. Checks the number, that the
 // samples can be addressed by the table's 32-bit offsets, and takes the bank's lock, then keeps

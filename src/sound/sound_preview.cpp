@@ -41,22 +41,25 @@ SoundOutcome checkNumber(const StyleFileState& style, Platform& platform, std::i
     return SoundOutcome::Done;
 }
 
-// Why a record cannot be previewed with these values, checked before anything is written; empty
-// when it can. (A record outside the RAW file is a run-time error, checked before this.)
-std::string previewLimitProblem(const SdtRecord& record, double rateMultiplier, int repeatCount,
+// Whether a record can be previewed with these values, checked before anything is written; the
+// failure's message says why not. (A record outside the RAW file is a run-time error, checked
+// before this.)
+Result<void> checkPreviewLimits(const SdtRecord& record, double rateMultiplier, int repeatCount,
                                 std::int16_t soundNumber) {
     const std::string sound = "Sound " + std::to_string(soundNumber);
     if (repeatCount < 1 || repeatCount > kMaxRepeatCount)
-        return sound + ": the repeat count must be 1 to " + std::to_string(kMaxRepeatCount) + ".";
+        return fail(sound + ": the repeat count must be 1 to " + std::to_string(kMaxRepeatCount) +
+                    ".");
     if (!(rateMultiplier >= kMinRateMultiplier && rateMultiplier <= kMaxRateMultiplier))
-        return sound + ": the rate multiplier must be 0.01 to 100.";
+        return fail(sound + ": the rate multiplier must be 0.01 to 100.");
     const double rate = std::nearbyint(static_cast<double>(record.rate) * rateMultiplier);
     if (!(rate >= kMinWavRate && rate <= kMaxWavRate))
-        return sound + ": its rate " + std::to_string(record.rate) + " x " +
-               std::to_string(rateMultiplier) + " is outside 1 to 1000000 samples per second.";
+        return fail(sound + ": its rate " + std::to_string(record.rate) + " x " +
+                    std::to_string(rateMultiplier) +
+                    " is outside 1 to 1000000 samples per second.");
     if (std::int64_t{record.length} * repeatCount > kMaxWavData)
-        return sound + " repeated " + std::to_string(repeatCount) +
-               " times would be more than 64 MB of sound.";
+        return fail(sound + " repeated " + std::to_string(repeatCount) +
+                    " times would be more than 64 MB of sound.");
     return {};
 }
 
@@ -77,15 +80,16 @@ WavWrite writeWavFile(ErrorState& errors, Platform& platform, const SoundTable& 
     }
     const auto header = wavHeader(errors, record, rateMultiplier, repeatCount);
     if (errors.hasPending()) return WavWrite::Failed;
-    cause = recordProblem(table, soundNumber, rawSize, reading);
-    if (!cause.empty()) {
+    if (const Result<void> readable = checkRecord(table, soundNumber, rawSize, reading);
+        !readable) {
+        cause = readable.message();
         errors.raise(err::BadRecordNumber, cause);
         return WavWrite::Failed;
     }
-    const std::string problem =
-        previewLimitProblem(record, rateMultiplier, repeatCount, soundNumber);
-    if (!problem.empty()) {
-        platform.message(problem);
+    if (const Result<void> limits =
+            checkPreviewLimits(record, rateMultiplier, repeatCount, soundNumber);
+        !limits) {
+        platform.message(limits.message());
         return WavWrite::Refused;
     }
 
@@ -98,9 +102,9 @@ WavWrite writeWavFile(ErrorState& errors, Platform& platform, const SoundTable& 
             if (auto ec = copyRawRange(table.rawPath, first, record.length, write)) return ec;
         return {};
     };
-    if (const ReplaceFailure failure = replaceFilesAtomically(std::span(&wav, 1))) {
+    if (const ReplaceResult written = replaceFilesAtomically(std::span(&wav, 1)); !written) {
         platform.message("The sound could not be written to " + path.string() + ": " +
-                         describeCause(failure.cause) + ".");
+                         written.error().cause + ".");
         return WavWrite::Refused;
     }
     return WavWrite::Written;
@@ -158,31 +162,33 @@ std::array<std::uint8_t, kWavHeaderSize> wavHeader(ErrorState& errors, const Sdt
     return h;
 }
 
-std::string recordProblem(const SoundTable& table, int soundNumber, std::int64_t rawSize,
-                          SoundReading reading) {
+Result<void> checkRecord(const SoundTable& table, int soundNumber, std::int64_t rawSize,
+                         SoundReading reading) {
     const SdtRecord& record = table.SDT.at(static_cast<std::size_t>(soundNumber));
     const std::string sound = "Sound " + std::to_string(soundNumber);
     const std::string raw = table.rawPath.filename().string();
     if (soundNumber == 0)
-        return "Sound 0 is the table's empty record, placed before the first record of " +
-               table.sdtPath.filename().string() +
-               ": it holds no sound. The bank's sounds are numbered from 1.";
+        return fail("Sound 0 is the table's empty record, placed before the first record of " +
+                    table.sdtPath.filename().string() +
+                    ": it holds no sound. The bank's sounds are numbered from 1.");
     if (record.offset < 0 || record.length < 0)
-        return sound + " has a negative offset (" + std::to_string(record.offset) +
-               ") or length (" + std::to_string(record.length) + ") in " +
-               table.sdtPath.filename().string() + ".";
+        return fail(sound + " has a negative offset (" + std::to_string(record.offset) +
+                    ") or length (" + std::to_string(record.length) + ") in " +
+                    table.sdtPath.filename().string() + ".");
     // The preview's one-byte shift: it starts one byte before the record, so a record at the
     // file's first byte has no byte to start from.
     const std::int64_t first = reading == SoundReading::Preview ? record.offset - 1 : record.offset;
     if (first < 0)
-        return sound + " starts at the first byte of " + raw +
-               ": the preview reads a sound from one byte before its recorded start, and there "
-               "is no byte before the file's first. The game plays it; torquil-cli sound with "
-               "--exact writes it as the game reads it.";
+        return fail(
+            sound + " starts at the first byte of " + raw +
+            ": the preview reads a sound from one byte before its recorded start, and there "
+            "is no byte before the file's first. The game plays it; torquil-cli sound with "
+            "--exact writes it as the game reads it.");
     if (first + record.length > rawSize)
-        return sound + " (offset " + std::to_string(record.offset) + ", length " +
-               std::to_string(record.length) + ") reaches past the end of " + raw + " (" +
-               std::to_string(rawSize) + " bytes): the bank's two files do not belong together.";
+        return fail(sound + " (offset " + std::to_string(record.offset) + ", length " +
+                    std::to_string(record.length) + ") reaches past the end of " + raw + " (" +
+                    std::to_string(rawSize) +
+                    " bytes): the bank's two files do not belong together.");
     return {};
 }
 
@@ -235,7 +241,8 @@ SoundOutcome playSound(const StyleFileState& style, FormatContext& ctx, std::int
         reportGeneralError(ctx.errors, platform, cause);
         return SoundOutcome::Failed;
     }
-    platform.sound().playWavSync(wav);
+    // A sound the system cannot play is no error of the bank: it was written and handed over.
+    (void)platform.sound().playWavSync(wav);
     return SoundOutcome::Done;
 }
 

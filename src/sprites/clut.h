@@ -18,15 +18,15 @@ inline constexpr int kClutBytes = 1024;  // one CLUT: 256 colours of 4 bytes
 inline constexpr int kClutsPerPage = 64; // CLUTs interleaved in one 64 KB page of the section
 
 // 1-based position of the CLUT section: right after the tiles (padded to 16384) and the anim data.
-std::int64_t clutSectionStart(const StyleFileState& style);
+[[nodiscard]] std::int64_t clutSectionStart(const StyleFileState& style);
 // 1-based position of the palette index, counted back from the end of the file.
-std::int64_t paletteIndexPosition(const StyleFileState& style);
+[[nodiscard]] std::int64_t paletteIndexPosition(const StyleFileState& style);
 // 1-based position of the 8-bit palette of a .GRY file, counted back from the end of the file.
-std::int64_t palette8Position(const StyleFileState& style);
+[[nodiscard]] std::int64_t palette8Position(const StyleFileState& style);
 // Physical CLUTs the section holds: clut_size rounded up to 64 KB pages, 1024 bytes each.
-std::int64_t clutsAvailFor(std::int32_t clut_size);
+[[nodiscard]] std::int64_t clutsAvailFor(std::int32_t clut_size);
 // Palette index entries that belong to the tiles: tileclut_size / 1024, rounded to nearest.
-std::int32_t tileClutCount(const G24Header& header);
+[[nodiscard]] std::int32_t tileClutCount(const G24Header& header);
 
 // "Load 24bit Palette": the palette index, the CLUTs (pal24) and zeroed use counts.
 [[nodiscard]] bool loadCLUT(ColourTables& colours, const StyleFileState& style, BinaryFile& file,
@@ -43,9 +43,10 @@ std::int32_t tileClutCount(const G24Header& header);
 [[nodiscard]] std::uint32_t spriteColour(const ColourTables& colours, bool is24Bit,
                                          const SpriteRec& sprite, std::uint8_t v);
 // All 256 colours of one physical CLUT (black when it is outside pal24).
-std::array<std::uint32_t, 256> clutColours(const ColourTables& colours, int physicalClut);
+[[nodiscard]] std::array<std::uint32_t, 256> clutColours(const ColourTables& colours,
+                                                         int physicalClut);
 // All 256 colours of the 8-bit palette.
-std::array<std::uint32_t, 256> palette8Colours(const ColourTables& colours);
+[[nodiscard]] std::array<std::uint32_t, 256> palette8Colours(const ColourTables& colours);
 // The colours a sprite is drawn with, whatever the kind of file.
 [[nodiscard]] std::array<std::uint32_t, 256> spriteColours(const ColourTables& colours,
                                                            bool is24Bit, const SpriteRec& sprite);

@@ -141,7 +141,9 @@ bool loadCLUT(ColourTables& c, const StyleFileState& style, BinaryFile& file, Fo
         const std::int64_t pagePos = start + page * kPageBytes;
         file.seek(pagePos);
         if (dumping) {
-            dump.open(ctx.options.workDir, level + "CLUT" + std::to_string(page) + ".txt", errors);
+            // A dump file that cannot be made is pending on `errors`, which the loop checks.
+            (void)dump.open(ctx.options.workDir, level + "CLUT" + std::to_string(page) + ".txt",
+                            errors);
             dump.line("CLUT Seek:" + std::to_string(pagePos));
             dump.line("CLUT PAGE " + std::to_string(page) + " (CLUTs " + std::to_string(base) +
                       " to " + std::to_string(base + kClutsPerPage - 1) +

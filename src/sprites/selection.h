@@ -6,7 +6,7 @@ namespace torquil {
 struct Selection {
     int page = -1; // BLK of the selected sprite
     int sib = -1;  // SIB of the selected sprite ("selected sprite")
-    bool any() const { return sib >= 0 && page >= 0; }
+    [[nodiscard]] bool any() const { return sib >= 0 && page >= 0; }
     void clear() { page = sib = -1; }
 };
 

@@ -22,12 +22,13 @@ struct SpriteHead {
     std::int32_t page = 0;
     std::uint8_t xo = 0, yo = 0;
 
-    bool sizeMatches() const { return int{W} * int{H} == size; }
+    [[nodiscard]] bool sizeMatches() const { return int{W} * int{H} == size; }
 };
 
 // Decodes a head of kG24HeadBytes or kGryHeadBytes bytes. A .GRY head's page, xo and yo come
 // from ptr; a negative ptr gives a negative xo or yo, which raises "Overflow" (6) as storing it
 // in a byte field did.
-SpriteHead decodeSpriteHead(std::span<const std::uint8_t> bytes, bool is24, ErrorState& errors);
+[[nodiscard]] SpriteHead decodeSpriteHead(std::span<const std::uint8_t> bytes, bool is24,
+                                          ErrorState& errors);
 
 } // namespace torquil

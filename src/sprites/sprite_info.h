@@ -42,7 +42,7 @@ findSprite(const SpriteTables& sprites, int highestPage, int asn);
 
 enum class SearchResult { NotFound, NotLoaded, Selected };
 // Finds the sprite and selects it on the board (selection and gBoardOffset), or says why not.
-SearchResult searchNSelect(const SpriteTables& sprites, Pages& pages, Selection& selection,
-                           Platform& platform, int asn);
+[[nodiscard]] SearchResult searchNSelect(const SpriteTables& sprites, Pages& pages,
+                                         Selection& selection, Platform& platform, int asn);
 
 } // namespace torquil

@@ -9,9 +9,9 @@ namespace torquil {
 
 struct SpriteHead;
 
-std::vector<std::string> spriteDumpLines(int spriteNumber, std::int64_t headPosition,
-                                         const SpriteHead& head, bool is24);
-std::vector<std::string> deltaDumpLines(int myDeltaRef, int delta, std::int16_t size,
-                                        std::int32_t ptr);
+[[nodiscard]] std::vector<std::string> spriteDumpLines(int spriteNumber, std::int64_t headPosition,
+                                                       const SpriteHead& head, bool is24);
+[[nodiscard]] std::vector<std::string> deltaDumpLines(int myDeltaRef, int delta, std::int16_t size,
+                                                      std::int32_t ptr);
 
 } // namespace torquil

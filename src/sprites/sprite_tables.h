@@ -41,7 +41,7 @@ struct SpriteTables {
     std::int32_t highestRawClut = 0;
     std::array<std::int16_t, kSpriteTypes> spriteNumbers{}; // the 42-byte record's 21 counts
 
-    int pageCount(int page) const {
+    [[nodiscard]] int pageCount(int page) const {
         return static_cast<int>(pageSprites[static_cast<std::size_t>(page)].size()) - 1;
     }
     // Pages whose part of the mouse-over map may have been written since it was last cleared
@@ -54,14 +54,14 @@ struct SpriteTables {
         if (page >= 0 && page < kMarkedPageBits) pagesMarked |= 1u << page;
         return mouseOver[(static_cast<std::size_t>(page) * 256 + y) * 256 + x];
     }
-    std::int16_t over(int page, int x, int y) const {
+    [[nodiscard]] std::int16_t over(int page, int x, int y) const {
         return mouseOver[(static_cast<std::size_t>(page) * 256 + y) * 256 + x];
     }
     // Sum of the counts of sprite types 0 .. k-1.
-    int countBefore(int k) const;
+    [[nodiscard]] int countBefore(int k) const;
     // First and last absolute number of the car sprites (SPR_CAR).
-    int firstCarSprite() const { return countBefore(5) + 1; }
-    int lastCarSprite() const { return countBefore(6); }
+    [[nodiscard]] int firstCarSprite() const { return countBefore(5) + 1; }
+    [[nodiscard]] int lastCarSprite() const { return countBefore(6); }
 };
 
 } // namespace torquil

@@ -27,13 +27,13 @@ struct Pages {
     std::uint8_t& pixel(int page, int x, int y) {
         return gPixels[static_cast<std::size_t>(page) * kPageBytes + y * kPageSize + x];
     }
-    std::uint8_t pixel(int page, int x, int y) const {
+    [[nodiscard]] std::uint8_t pixel(int page, int x, int y) const {
         return gPixels[static_cast<std::size_t>(page) * kPageBytes + y * kPageSize + x];
     }
-    const std::uint8_t* row(int page, int y) const {
+    [[nodiscard]] const std::uint8_t* row(int page, int y) const {
         return gPixels.data() + static_cast<std::size_t>(page) * kPageBytes + y * kPageSize;
     }
-    std::uint8_t* row(int page, int y) {
+    [[nodiscard]] std::uint8_t* row(int page, int y) {
         return gPixels.data() + static_cast<std::size_t>(page) * kPageBytes + y * kPageSize;
     }
 };
@@ -41,15 +41,17 @@ struct Pages {
 // A rectangle of one page, to repaint after its pixels changed; page -1 (or no area) is none.
 struct PageArea {
     int page = -1, x = 0, y = 0, w = 0, h = 0;
-    bool empty() const { return page < 0 || w <= 0 || h <= 0; }
+    [[nodiscard]] bool empty() const { return page < 0 || w <= 0 || h <= 0; }
     bool operator==(const PageArea&) const = default;
 };
 
 // 0x00RRGGBB pixels, kImageWidth x 256, row-major; owned by the core, wrapped by the window.
 struct PageImage {
     ZeroedBuffer<std::uint32_t> rgb{kImageWidth * kPageSize};
-    std::uint32_t* row(int y) { return rgb.data() + static_cast<std::size_t>(y) * kImageWidth; }
-    const std::uint32_t* row(int y) const {
+    [[nodiscard]] std::uint32_t* row(int y) {
+        return rgb.data() + static_cast<std::size_t>(y) * kImageWidth;
+    }
+    [[nodiscard]] const std::uint32_t* row(int y) const {
         return rgb.data() + static_cast<std::size_t>(y) * kImageWidth;
     }
     std::uint32_t& at(int x, int y) { return rgb[static_cast<std::size_t>(y) * kImageWidth + x]; }

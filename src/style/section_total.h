@@ -12,10 +12,10 @@
 
 namespace torquil {
 
-std::int64_t sectionTotal(const StyleHeader& header);
+[[nodiscard]] std::int64_t sectionTotal(const StyleHeader& header);
 
 // Empty when the header's sections add up to `fileLength`, else the message that refuses the save.
-std::string sectionMismatch(const std::filesystem::path& path, const StyleHeader& header,
-                            std::int64_t fileLength);
+[[nodiscard]] std::string sectionMismatch(const std::filesystem::path& path,
+                                          const StyleHeader& header, std::int64_t fileLength);
 
 } // namespace torquil

@@ -48,12 +48,12 @@ struct StyleFileState {
         gPagesChanged = gClutChanged = gDeltasChanged = gCarNamesChanged = gLayoutChanged = false;
         gSaveCarInfo.assign(1, 0);
     }
-    bool anyChange() const {
+    [[nodiscard]] bool anyChange() const {
         return gPagesChanged || gClutChanged || gDeltasChanged || gCarNamesChanged ||
                gLayoutChanged || gSaveCarInfo.size() > 1;
     }
     // The folder of the style file (where ENGLISH.FXT and audio/ are looked for).
-    std::filesystem::path dataFolder() const { return path.parent_path(); }
+    [[nodiscard]] std::filesystem::path dataFolder() const { return path.parent_path(); }
 };
 
 // Section positions of the sprites option (all found backward from the real end L).

@@ -36,40 +36,44 @@ struct StyleHeader {
     G24Header g24;
     GRYHeader gry;
 
-    int headSize() const { return is24 ? G24Header::kSize : GRYHeader::kSize; }
-    int spriteGraphicsSizeOffset() const {
+    [[nodiscard]] int headSize() const { return is24 ? G24Header::kSize : GRYHeader::kSize; }
+    [[nodiscard]] int spriteGraphicsSizeOffset() const {
         return is24 ? G24Header::kSpriteGraphicsSizeOffset : GRYHeader::kSpriteGraphicsSizeOffset;
     }
-    std::int32_t version_code() const { return is24 ? g24.version_code : gry.version_code; }
-    std::int32_t side_size() const { return is24 ? g24.side_size : gry.side_size; }
-    std::int32_t lid_size() const { return is24 ? g24.lid_size : gry.lid_size; }
-    std::int32_t aux_size() const { return is24 ? g24.aux_size : gry.aux_size; }
-    std::int32_t anim_size() const { return is24 ? g24.anim_size : gry.anim_size; }
-    std::int32_t object_info_size() const {
+    [[nodiscard]] std::int32_t version_code() const {
+        return is24 ? g24.version_code : gry.version_code;
+    }
+    [[nodiscard]] std::int32_t side_size() const { return is24 ? g24.side_size : gry.side_size; }
+    [[nodiscard]] std::int32_t lid_size() const { return is24 ? g24.lid_size : gry.lid_size; }
+    [[nodiscard]] std::int32_t aux_size() const { return is24 ? g24.aux_size : gry.aux_size; }
+    [[nodiscard]] std::int32_t anim_size() const { return is24 ? g24.anim_size : gry.anim_size; }
+    [[nodiscard]] std::int32_t object_info_size() const {
         return is24 ? g24.object_info_size : gry.object_info_size;
     }
-    std::int32_t car_info_size() const { return is24 ? g24.car_info_size : gry.car_info_size; }
-    std::int32_t sprite_info_size() const {
+    [[nodiscard]] std::int32_t car_info_size() const {
+        return is24 ? g24.car_info_size : gry.car_info_size;
+    }
+    [[nodiscard]] std::int32_t sprite_info_size() const {
         return is24 ? g24.sprite_info_size : gry.sprite_info_size;
     }
-    std::int32_t sprite_graphics_size() const {
+    [[nodiscard]] std::int32_t sprite_graphics_size() const {
         return is24 ? g24.sprite_graphics_size : gry.sprite_graphics_size;
     }
     void set_sprite_graphics_size(std::int32_t v) {
         (is24 ? g24.sprite_graphics_size : gry.sprite_graphics_size) = v;
     }
-    std::int32_t sprite_numbers_size() const {
+    [[nodiscard]] std::int32_t sprite_numbers_size() const {
         return is24 ? g24.sprite_numbers_size : gry.sprite_numbers_size;
     }
 
     // (label, value) for every field in file order, labels as the details window shows them.
-    std::vector<std::pair<std::string, std::int32_t>> sizeFields() const;
+    [[nodiscard]] std::vector<std::pair<std::string, std::int32_t>> sizeFields() const;
 };
 
 // Whether the header can describe a file of this length: no negative size, and the sections
 // stored on disk (tiles, anims, colour tables or palette and remaps, object, car and sprite info,
 // sprite pages, sprite numbers) fit after the header. Any other file fails this, whatever its name.
-bool headerFitsFile(const StyleHeader& header, std::int64_t fileLength);
+[[nodiscard]] bool headerFitsFile(const StyleHeader& header, std::int64_t fileLength);
 
 // Reads the header at the start of the open file (64 or 52 bytes, one read).
 [[nodiscard]] StyleHeader readStyleHeader(BinaryFile& file, bool is24);

@@ -11,6 +11,12 @@ using namespace torquil;
 
 namespace {
 
+// Why an edit was refused; a stored edit fails the test.
+CarFieldRefusal refusalOf(const Result<std::string, CarFieldFailure>& edited) {
+    EXPECT_FALSE(edited) << "stored, with the report \"" << edited.valueOr({}) << "\"";
+    return edited ? CarFieldRefusal::NoSuchField : edited.error().refusal;
+}
+
 // Three cars: 5 and 9 of model 12, 7 of model 3.
 struct CarEditFixture : ::testing::Test {
     StyleSession session;
@@ -33,34 +39,36 @@ struct CarEditFixture : ::testing::Test {
 } // namespace
 
 TEST_F(CarEditFixture, AFieldIsClampedToTheEditorsLimitsAndQueued) {
-    std::string report;
-    EXPECT_EQ(editCarField(session, 7, 0, "300", &report), CarFieldEdit::Stored);
+    const auto high = editCarField(session, 7, 0, "300");
+    ASSERT_TRUE(high);
     EXPECT_EQ(info(7).width, 255);
-    EXPECT_EQ(report, "txtbox valve set to H val");
-    EXPECT_EQ(editCarField(session, 7, 3, "-5", &report), CarFieldEdit::Stored);
+    EXPECT_EQ(*high, "txtbox valve set to H val");
+    const auto low = editCarField(session, 7, 3, "-5");
+    ASSERT_TRUE(low);
     EXPECT_EQ(info(7).spr_num, 0);
-    EXPECT_EQ(report, "txtbox valve set to L val");
+    EXPECT_EQ(*low, "txtbox valve set to L val");
     EXPECT_EQ(session.style.gSaveCarInfo, (std::vector<std::int16_t>{0, 7, 7}));
     EXPECT_FALSE(session.style.gCarNamesChanged);
 }
 
 TEST_F(CarEditFixture, FixedPointAndValueFieldsStoreAsTheEditorDoes) {
-    EXPECT_EQ(editCarField(session, 5, 18, "2.5"), CarFieldEdit::Stored);
+    EXPECT_TRUE(editCarField(session, 5, 18, "2.5"));
     EXPECT_EQ(info(5).rbp_mass, 163840);
-    EXPECT_EQ(editCarField(session, 5, 37, "12"), CarFieldEdit::Stored);
+    EXPECT_TRUE(editCarField(session, 5, 37, "12"));
     EXPECT_EQ(info(5).value, (std::array<std::int16_t, 4>{12, 12, 12, 12}));
     // An empty text counts as 0, as when an editor box loses the focus.
-    EXPECT_EQ(editCarField(session, 5, 1, "  "), CarFieldEdit::Stored);
+    EXPECT_TRUE(editCarField(session, 5, 1, "  "));
     EXPECT_EQ(info(5).height, 0);
 }
 
 TEST_F(CarEditFixture, RejectedTextsChangeAndQueueNothing) {
-    EXPECT_EQ(editCarField(session, 5, 0, "wide"), CarFieldEdit::NotANumber);
-    std::string why;
-    EXPECT_EQ(editCarField(session, 5, 15, "200", nullptr, &why), CarFieldEdit::DoesNotFit);
-    EXPECT_EQ(why, "the game reads cx as one signed byte (-128 to 127): 200 would be read as -56");
-    EXPECT_EQ(editCarField(session, 6, 0, "1"), CarFieldEdit::NoSuchCar);
-    EXPECT_EQ(editCarField(session, 5, 47, "1"), CarFieldEdit::NoSuchField);
+    EXPECT_EQ(refusalOf(editCarField(session, 5, 0, "wide")), CarFieldRefusal::NotANumber);
+    const auto wide = editCarField(session, 5, 15, "200");
+    EXPECT_EQ(refusalOf(wide), CarFieldRefusal::DoesNotFit);
+    EXPECT_EQ(wide.message(),
+              "the game reads cx as one signed byte (-128 to 127): 200 would be read as -56");
+    EXPECT_EQ(refusalOf(editCarField(session, 6, 0, "1")), CarFieldRefusal::NoSuchCar);
+    EXPECT_EQ(refusalOf(editCarField(session, 5, 47, "1")), CarFieldRefusal::NoSuchField);
     EXPECT_EQ(info(5).width, 40);
     EXPECT_EQ(session.style.gSaveCarInfo.size(), 1u);
 }
@@ -68,7 +76,7 @@ TEST_F(CarEditFixture, RejectedTextsChangeAndQueueNothing) {
 TEST_F(CarEditFixture, ANameGoesToTheModelAndEveryCarOfIt) {
     session.names.fromFxt = true;
     session.names.keys[12] = "[car12]";
-    EXPECT_EQ(editCarField(session, 5, 42, "Swift"), CarFieldEdit::Stored);
+    EXPECT_TRUE(editCarField(session, 5, 42, "Swift"));
     EXPECT_EQ(session.names.names[12], "Swift");
     EXPECT_EQ(session.cars.find(9)->name, "Swift");
     EXPECT_EQ(session.cars.find(7)->name, "Old");
@@ -77,17 +85,19 @@ TEST_F(CarEditFixture, ANameGoesToTheModelAndEveryCarOfIt) {
 }
 
 TEST_F(CarEditFixture, ANameTheSaveWouldDropIsRefusedWithItsReason) {
-    std::string why;
     // Built-in names: no ENGLISH.FXT to write a name into.
-    EXPECT_EQ(editCarField(session, 5, 42, "Swift", nullptr, &why), CarFieldEdit::NameRefused);
-    EXPECT_NE(why.find("no ENGLISH.FXT"), std::string::npos) << why;
+    auto named = editCarField(session, 5, 42, "Swift");
+    EXPECT_EQ(refusalOf(named), CarFieldRefusal::NameRefused);
+    EXPECT_NE(named.message().find("no ENGLISH.FXT"), std::string::npos) << named.message();
     session.names.fromFxt = true;
     // ENGLISH.FXT without an entry for model 12.
-    EXPECT_EQ(editCarField(session, 5, 42, "Swift", nullptr, &why), CarFieldEdit::NameRefused);
-    EXPECT_EQ(why, "ENGLISH.FXT has no entry for model 12; its name cannot be saved");
+    named = editCarField(session, 5, 42, "Swift");
+    EXPECT_EQ(refusalOf(named), CarFieldRefusal::NameRefused);
+    EXPECT_EQ(named.message(), "ENGLISH.FXT has no entry for model 12; its name cannot be saved");
     session.names.keys[12] = "[car12]";
-    EXPECT_EQ(editCarField(session, 5, 42, "Two\rLines", nullptr, &why), CarFieldEdit::NameRefused);
-    EXPECT_NE(why.find("line break"), std::string::npos) << why;
+    named = editCarField(session, 5, 42, "Two\rLines");
+    EXPECT_EQ(refusalOf(named), CarFieldRefusal::NameRefused);
+    EXPECT_NE(named.message().find("line break"), std::string::npos) << named.message();
     EXPECT_EQ(session.names.names[12], "Old");
     EXPECT_FALSE(session.style.gCarNamesChanged);
     // The record part of an edit is kept when its name is refused, and the reason is told.
@@ -96,8 +106,9 @@ TEST_F(CarEditFixture, ANameTheSaveWouldDropIsRefusedWithItsReason) {
     edit.info = session.cars.find(5)->info;
     edit.info->width = 41;
     edit.name = "Swift";
-    EXPECT_FALSE(editCar(session, 5, edit, &why));
-    EXPECT_NE(why.find("no ENGLISH.FXT"), std::string::npos) << why;
+    const Result<void> edited = editCar(session, 5, edit);
+    ASSERT_FALSE(edited);
+    EXPECT_NE(edited.message().find("no ENGLISH.FXT"), std::string::npos) << edited.message();
     EXPECT_EQ(info(5).width, 41);
     EXPECT_EQ(session.names.names[12], "Old");
 }

@@ -94,7 +94,7 @@ TEST(CarInfoLoad, EveryVehicleTypeGetsItsAbsoluteNumberThroughTheWholeLoad) {
     StyleSession s(AppOptions{false, dir.path(), {}});
     tb::FakePlatform p;
     prepareStyle(s.style, dir / "STYLE001.G24", kLoadSprites);
-    ASSERT_EQ(initHeader(s, p, standardLoaders()), LoadOutcome::Loaded) << s.stepText;
+    ASSERT_TRUE(initHeader(s, p, standardLoaders())) << s.stepText;
 
     const auto offsets = tb::sectionOffsets(layout);
     const std::vector<std::string> expected = {"loadCarInfoSeek:" +

@@ -157,7 +157,7 @@ TEST(CarNamesSave, SampleLevelKeepsItsEscapedNamesThroughARename) {
     StyleSession s(AppOptions{false, work.path(), {}});
     tb::FakePlatform p;
     prepareStyle(s.style, dir / "STYLE001.G24", kLoadSprites);
-    ASSERT_EQ(initHeader(s, p, standardLoaders()), LoadOutcome::Loaded) << s.stepText;
+    ASSERT_TRUE(initHeader(s, p, standardLoaders())) << s.stepText;
     EXPECT_EQ(s.names.names[43], "City Bus");
     ASSERT_TRUE(renameCarModel(s, 43, "Caf\xE9 Bus"));
     // Every loaded car of model 43 shows the new name.
@@ -174,5 +174,7 @@ TEST(CarNamesSave, SampleLevelKeepsItsEscapedNamesThroughARename) {
     expected.push_back("[]\x19");
     expected.push_back("[]");
     EXPECT_EQ(tb::decodeFxt(tb::readFile(dir / "ENGLISH.FXT")), expected);
-    EXPECT_FALSE(renameCarModel(s, 91, "X"));
+    const CarNameVerdict outside = renameCarModel(s, 91, "X");
+    ASSERT_FALSE(outside);
+    EXPECT_EQ(outside.error().check, CarNameCheck::NoPlace);
 }

@@ -54,7 +54,7 @@ struct CarPackFixture : ::testing::Test {
         fs::create_directories(app.workDir);
         session = std::make_unique<StyleSession>(app);
         prepareStyle(session->style, file.empty() ? style : file, kLoadSprites);
-        ASSERT_EQ(initHeader(*session, platform, standardLoaders()), LoadOutcome::Loaded);
+        ASSERT_TRUE(initHeader(*session, platform, standardLoaders()));
         platform.shownMessages.clear();
     }
     void save() {

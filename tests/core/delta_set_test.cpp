@@ -304,8 +304,8 @@ TEST_F(DeltaSetFixture, BadPicturesAreRefusedWithAMessageAndChangeNothing) {
              std::to_string(width) + "," + std::to_string(sprite.H) + ")"},
         {"wide.png",
          [&] {
-             writePicture(*session, platform, dir / "wide.png", picture, sprite.clut, width + 1,
-                          sprite.H);
+             ASSERT_TRUE(writePicture(*session, platform, dir / "wide.png", picture, sprite.clut,
+                                      width + 1, sprite.H));
          },
          "Imported sprite must be of the exact same size as sprite.\rPNG image should be ("},
         {"depth.bmp",

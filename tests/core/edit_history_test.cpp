@@ -263,21 +263,21 @@ TEST_F(SavePointFixture, UndoingBackToTheSaveClearsTheFlagsAndRedoSetsThem) {
     pixelStep(1, "A");
     save();
     EXPECT_TRUE(session->history.atSavePoint());
-    session->history.undo(*session); // the file holds A: undoing it is a change
+    ASSERT_NE(session->history.undo(*session), nullptr); // the file holds A: undoing it is a change
     EXPECT_TRUE(dirty());
     EXPECT_TRUE(session->style.gPagesChanged);
-    session->history.redo(*session);
+    ASSERT_NE(session->history.redo(*session), nullptr);
     EXPECT_FALSE(dirty());
 
     const int asn = firstCar();
     carStep(asn);
     pixelStep(2, "B");
     EXPECT_EQ(session->history.undoName(), "B");
-    session->history.undo(*session);
+    ASSERT_NE(session->history.undo(*session), nullptr);
     EXPECT_EQ(DirtyMarks::of(session->style).cars,
               std::vector<std::int16_t>{static_cast<std::int16_t>(asn)});
     EXPECT_FALSE(session->style.gPagesChanged); // pixel B is undone, A is in the file
-    session->history.undo(*session);
+    ASSERT_NE(session->history.undo(*session), nullptr);
     EXPECT_FALSE(dirty());
     EXPECT_EQ(session->history.redoName(), "Edit Car");
 }
@@ -285,10 +285,10 @@ TEST_F(SavePointFixture, UndoingBackToTheSaveClearsTheFlagsAndRedoSetsThem) {
 TEST_F(SavePointFixture, ANewEditAfterUndoingPastTheSaveNeverComesBackClean) {
     pixelStep(1, "A");
     save();
-    session->history.undo(*session);
+    ASSERT_NE(session->history.undo(*session), nullptr);
     pixelStep(3, "B"); // A is forgotten, yet the file still holds it
     EXPECT_FALSE(session->history.canRedo());
-    session->history.undo(*session);
+    ASSERT_NE(session->history.undo(*session), nullptr);
     EXPECT_TRUE(session->style.gPagesChanged);
     EXPECT_TRUE(session->history.atSavePoint()); // where the branch left the saved file
 }

@@ -27,7 +27,7 @@ struct SampleSession {
         tb::writeSampleLevel(dir.path());
         prepareStyle(s.style, dir / "STYLE001.G24", kLoadSprites);
     }
-    bool load() { return initHeader(s, p, standardLoaders()) == LoadOutcome::Loaded; }
+    bool load() { return initHeader(s, p, standardLoaders()).ok(); }
     int firstCar() const {
         for (std::size_t asn = 1; asn < s.cars.slots.size(); ++asn)
             if (s.cars.slots[asn].inUse) return static_cast<int>(asn);

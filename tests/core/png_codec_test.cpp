@@ -37,10 +37,9 @@ protected:
 };
 
 std::vector<std::uint8_t> encoded(int w, int h) {
-    std::string error;
-    auto bytes = encodeIndexedPng(rampPixels(w, h), w, h, rampColours(), error);
-    EXPECT_FALSE(bytes.empty()) << error;
-    return bytes;
+    auto bytes = encodeIndexedPng(rampPixels(w, h), w, h, rampColours());
+    EXPECT_TRUE(bytes) << bytes.error().text();
+    return bytes.valueOr({});
 }
 
 #if TORQUIL_PNG
@@ -158,8 +157,16 @@ TEST(PngCodecWithoutLibpng, EveryPictureIsRefusedWithTheBuildsReason) {
     EXPECT_EQ(d.status, PngStatus::Damaged);
     EXPECT_EQ(d.detail, "PNG pictures are not supported in this build");
     EXPECT_TRUE(d.picture.pixels.empty());
-    std::string error;
-    EXPECT_TRUE(encodeIndexedPng(rampPixels(4, 4), 4, 4, rampColours(), error).empty());
-    EXPECT_EQ(error, "PNG pictures are not supported in this build");
+    const auto encoded = encodeIndexedPng(rampPixels(4, 4), 4, 4, rampColours());
+    ASSERT_FALSE(encoded);
+    EXPECT_EQ(encoded.error().cause, "PNG pictures are not supported in this build");
 }
 #endif
+
+TEST(PngCodecEncode, NothingToEncodeIsRefusedWithItsReason) {
+    const auto encoded = encodeIndexedPng({}, 0, 0, rampColours());
+    ASSERT_FALSE(encoded);
+    EXPECT_EQ(encoded.message(), kPngEncodeFailed);
+    EXPECT_EQ(encoded.error().cause,
+              pngSupported() ? std::string("no picture to write") : std::string(kPngUnsupported));
+}

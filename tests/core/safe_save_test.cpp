@@ -86,7 +86,7 @@ struct Level {
         fs::create_directories(app.workDir);
         auto session = std::make_unique<StyleSession>(app);
         prepareStyle(session->style, style, kLoadSprites);
-        EXPECT_EQ(initHeader(*session, platform, standardLoaders()), LoadOutcome::Loaded);
+        EXPECT_TRUE(initHeader(*session, platform, standardLoaders()));
         platform.shownMessages.clear();
         return session;
     }
@@ -207,7 +207,7 @@ TEST_P(FaultedSave, CrashAtEveryStepLeavesEachFileOldOrNewAndTheNextOpenNamesThe
         app.workDir = dir / "work";
         StyleSession again(app);
         prepareStyle(again.style, level.style, kLoadSprites);
-        ASSERT_EQ(initHeader(again, next, standardLoaders()), LoadOutcome::Loaded);
+        ASSERT_TRUE(initHeader(again, next, standardLoaders()));
         // The next open finishes or rolls back what it found, and says so: the two files are
         // then both old or both new, with nothing left beside them.
         const bool oldPair = tb::readFile(level.style) == level.styleBytes &&
@@ -338,12 +338,12 @@ TEST(SafeSave, ReplaceKeepsTheFilesPermissions) {
     tb::writeFile(file, {1});
     constexpr auto mode = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
     fs::permissions(file, mode);
-    ASSERT_FALSE(replaceFileAtomically(file, std::vector<std::uint8_t>{2, 3}));
+    ASSERT_TRUE(replaceFileAtomically(file, std::vector<std::uint8_t>{2, 3}));
     EXPECT_EQ(tb::readFile(file), (std::vector<std::uint8_t>{2, 3}));
     EXPECT_EQ(fs::status(file).permissions() & fs::perms::all, mode);
 
     // A device or a pipe is written straight: there is no old file to keep.
-    EXPECT_FALSE(replaceFileAtomically("/dev/null", std::vector<std::uint8_t>{1}));
+    EXPECT_TRUE(replaceFileAtomically("/dev/null", std::vector<std::uint8_t>{1}));
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
 
@@ -354,10 +354,13 @@ TEST(SafeSave, SaveHeldByAnotherRunIsRefusedAndNamesTheHolder) {
     auto s = level.load(p);
     change(*s, Change::Style);
     FileLock other;
-    ASSERT_EQ(other.acquire(level.style, "torquil-test"), FileLock::Result::Taken);
+    ASSERT_TRUE(other.acquire(level.style, "torquil-test").ok());
     // A second lock in the same process is refused as well (the lock is per open file).
     FileLock second;
-    EXPECT_EQ(second.acquire(level.style, "x"), FileLock::Result::HeldByOther);
+    const FileLock::Acquired refused = second.acquire(level.style, "x");
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().refusal, LockRefusal::HeldByOther);
+    EXPECT_EQ(refused.message(), lockHeldMessage(level.style, other.holder()));
     const SaveOutcome out = saveChanges(*s, p);
     EXPECT_EQ(out.result, SaveResult::Failed);
     ASSERT_EQ(p.messageTexts().size(), 1u);

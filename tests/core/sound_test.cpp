@@ -217,7 +217,7 @@ TEST_F(SoundFixture, DataSizeThatDoesNotFitIsAnOverflowNotAHugeFile) {
 TEST_F(SoundFixture, DebugModeLetsTheErrorEscapeAndStillRemovesTheTemporaryFile) {
     useSession(true);
     standardBank();
-    EXPECT_THROW(playSound(*session, platform, 0, 1.0, 1), RuntimeError);
+    EXPECT_THROW((void)playSound(*session, platform, 0, 1.0, 1), RuntimeError);
     EXPECT_FALSE(std::filesystem::exists(dir / "work" / ("~run" + std::to_string(processId()))));
 }
 

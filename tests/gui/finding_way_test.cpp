@@ -226,7 +226,7 @@ void FindingWayTest::findCarTakesANameOrAModel() {
     QCOMPARE(s.selectedSprite()->ASN, asn);
 
     query = QStringLiteral("model %1").arg(car->info.model);
-    h.form->selectSprite(h.model()->asnAt(h.model()->rowCount() - 1)); // start after it
+    QVERIFY(h.form->selectSprite(h.model()->asnAt(h.model()->rowCount() - 1))); // start after it
     h.action("mnuFindCar")->trigger();
     QCOMPARE(s.cars.find(s.selectedSprite()->ASN)->info.model, car->info.model);
 
@@ -424,15 +424,15 @@ void FindingWayTest::screenshots() {
     h.form->setZoom(2);
     h.action("mnuCarList")->trigger();
     h.form->carList()->table()->sortByColumn(CarListModel::columnOf(4), Qt::DescendingOrder);
-    h.form->selectSprite(h.proxy()->index(0, 0).data().toInt());
+    QVERIFY(h.form->selectSprite(h.proxy()->index(0, 0).data().toInt()));
     QVERIFY(QTest::qWaitForWindowExposed(h.form.get()));
     QTest::qWait(100);
     QVERIFY(h.form->grab().save(dir + "/car_list.png"));
 
-    h.form->showHelpTopic(CarInfoForm::helpContext(CarInfoForm::RemapPage));
+    QVERIFY(h.form->showHelpTopic(CarInfoForm::helpContext(CarInfoForm::RemapPage)));
     HelpWindow* help = h.form->helpWindow();
     help->resize(820, 680);
-    help->showManual("car-list");
+    QVERIFY(help->showManual("car-list"));
     QVERIFY(QTest::qWaitForWindowExposed(help));
     QTest::qWait(100);
     QVERIFY(help->grab().save(dir + "/manual.png"));

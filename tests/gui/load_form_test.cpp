@@ -90,7 +90,7 @@ void LoadFormTest::optionsFrameNamesTheChosenLevel() {
     ScriptedQtPlatform platform(sample.settingsFile);
     StyleFileState style;
     LoadForm form(DialogMode::Style, style, platform);
-    form.setDirectory(sample.gameDir());
+    QVERIFY(form.setDirectory(sample.gameDir()));
     QCOMPARE(form.optionsCaption(), QStringLiteral("-Load Options:"));
     QVERIFY(!form.optionsEnabled());
     QVERIFY(form.selectFile("STYLE002.GRY"));
@@ -110,8 +110,8 @@ void LoadFormTest::settingsRoundTripPerMode() {
     StyleFileState style;
     {
         LoadForm form(DialogMode::Style, style, platform);
-        form.setDirectory(sample.gameDir());
-        form.selectFile("STYLE002.GRY");
+        QVERIFY(form.setDirectory(sample.gameDir()));
+        QVERIFY(form.selectFile("STYLE002.GRY"));
         form.setLoadOption(kLoadTiles);
         form.confirm();
         QCOMPARE(form.result(), int(QDialog::Accepted));
@@ -155,8 +155,8 @@ void LoadFormTest::readOnlyStyleFileIsMadeWritable() {
     ScriptedQtPlatform platform(sample.settingsFile);
     StyleFileState style;
     LoadForm form(DialogMode::Style, style, platform);
-    form.setDirectory(sample.gameDir());
-    form.selectFile("STYLE001.G24");
+    QVERIFY(form.setDirectory(sample.gameDir()));
+    QVERIFY(form.selectFile("STYLE001.G24"));
     form.confirm();
     QCOMPARE(platform.shown.size(), std::size_t(1));
     QCOMPARE(platform.shown[0].text, std::string("This file is set to be Read Only, this will be "
@@ -175,7 +175,7 @@ void LoadFormTest::confirmingWithoutAFileOnlySavesSettings() {
     ScriptedQtPlatform platform(sample.settingsFile);
     StyleFileState style;
     LoadForm form(DialogMode::Bitmap, style, platform);
-    form.setDirectory(sample.gameDir());
+    QVERIFY(form.setDirectory(sample.gameDir()));
     QVERIFY(form.fileNames().isEmpty()); // no exported sprites there
     form.confirm();
     QCOMPARE(form.result(), int(QDialog::Accepted));
@@ -265,7 +265,7 @@ void LoadFormTest::carPackModeChoosesThePack() {
     StyleFileState style;
     LoadForm form(DialogMode::CarPack, style, platform);
     QCOMPARE(form.windowTitle(), QStringLiteral("Load Car Pack File"));
-    form.setDirectory(sample.gameDir());
+    QVERIFY(form.setDirectory(sample.gameDir()));
     QVERIFY(form.selectFile("cars.gc3"));
     form.confirm();
     QVERIFY(platform.shown.empty());
@@ -311,7 +311,7 @@ void LoadFormTest::quickloadImportsAnExportedSprite() {
     form.runDialog = [&](QDialog& dialog) {
         auto* load = qobject_cast<LoadForm*>(&dialog);
         if (!load || load->mode() != DialogMode::Bitmap) return int(QDialog::Rejected);
-        load->setDirectory(sample.gameDir());
+        if (!load->setDirectory(sample.gameDir())) return 0;
         if (!load->selectFile(QString::fromStdString(moved.filename().string()))) return 0;
         load->confirm();
         return load->result();

@@ -39,7 +39,7 @@ void SoundPageTest::replacingTheHornSavesTheBankAndUndoTakesItBack() {
     StyleSession session(options);
     tb::FakePlatform platform;
     prepareStyle(session.style, dir / "STYLE001.G24", kLoadSprites);
-    QCOMPARE(initHeader(session, platform, standardLoaders()), LoadOutcome::Loaded);
+    QVERIFY(initHeader(session, platform, standardLoaders()));
     const auto sdt = dir / "audio" / "LEVEL001.SDT";
     const auto oldSdt = tb::readFile(sdt);
     const int records = static_cast<int>(oldSdt.size() / 12);

@@ -39,7 +39,7 @@ void SpriteResizeWindowTest::theImportAsksBeforeResizingAndUndoTakesItBack() {
     WindowHarness h;
     h.open("STYLE001.G24");
     const SpriteRec r = *h.firstSprite(0, true);
-    h.form->selectSprite(r.ASN);
+    QVERIFY(h.form->selectSprite(r.ASN));
     h.action("mnuExportSprite")->trigger();
     const std::filesystem::path bmp = h.form->lastExportedFile().toStdString();
     writeResized(h, bmp, r.W + 8, r.H + 8);
@@ -72,7 +72,7 @@ void SpriteResizeWindowTest::theDeltaViewAddsAndRemovesDeltas() {
             if (s.sprites.pageSprites[page][sib].delta_count > 0)
                 asn = s.sprites.pageSprites[page][sib].ASN;
     QVERIFY(asn > 0);
-    h.form->selectSprite(asn);
+    QVERIFY(h.form->selectSprite(asn));
     const int n = s.selectedSprite()->delta_count;
     h.action("mnuViewDeltas1")->trigger();
     auto* view = h.form->findChild<DeltaPicForm*>();

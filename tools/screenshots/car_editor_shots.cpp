@@ -57,7 +57,7 @@ int main(int argc, char** argv) {
     options.workDir = scratch.path().toStdString();
     StyleSession session(options);
     prepareStyle(session.style, style, kLoadSprites);
-    if (initHeader(session, platform, standardLoaders()) != LoadOutcome::Loaded) {
+    if (!initHeader(session, platform, standardLoaders())) {
         std::fprintf(stderr, "Could not load %s\n", style.string().c_str());
         return 1;
     }

@@ -14,7 +14,7 @@ class DetailsLog : public QObject, public DetailsSink {
     Q_OBJECT
 public:
     void append(const std::string& line) override;
-    const QStringList& lines() const { return lines_; }
+    [[nodiscard]] const QStringList& lines() const { return lines_; }
     void clear();
 
 signals:

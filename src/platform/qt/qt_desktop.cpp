@@ -7,16 +7,6 @@
 
 namespace torquil {
 
-const char* textEditorName() {
-#if defined(Q_OS_WIN)
-    return "notepad.exe";
-#elif defined(Q_OS_MACOS)
-    return "TextEdit";
-#else
-    return "xdg-open";
-#endif
-}
-
 void QtDesktop::setBusy(bool busy) {
     // Nested busy scopes: only the outermost one sets and restores the pointer.
     if (busy) {

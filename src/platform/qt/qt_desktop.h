@@ -8,9 +8,6 @@
 
 namespace torquil {
 
-// The program that shows text files on this system, as named in the readme failure message.
-const char* textEditorName();
-
 class QtDesktop : public Desktop {
 public:
     void setBusy(bool busy) override;
@@ -18,9 +15,9 @@ public:
     // every row still test the Stop request each time, and a click on Stop is handled in the
     // next turn.
     void processEvents() override;
-    bool openTextFile(const std::filesystem::path& file) override;
-    bool hasHelp() const override { return static_cast<bool>(onShowHelp); }
-    bool showHelp(int context) override { return onShowHelp && onShowHelp(context); }
+    [[nodiscard]] bool openTextFile(const std::filesystem::path& file) override;
+    [[nodiscard]] bool hasHelp() const override { return static_cast<bool>(onShowHelp); }
+    [[nodiscard]] bool showHelp(int context) override { return onShowHelp && onShowHelp(context); }
     void refreshBoard() override {
         if (onRefreshBoard) onRefreshBoard();
     }

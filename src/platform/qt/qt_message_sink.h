@@ -17,7 +17,7 @@ namespace torquil {
 inline constexpr const char* kProgramTitle = "Torquil";
 
 // A message's text for display: the "\r" line joins become line breaks.
-QString displayText(const std::string& text);
+[[nodiscard]] QString displayText(const std::string& text);
 
 class QtMessageSink : public MessageSink {
 public:

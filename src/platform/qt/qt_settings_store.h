@@ -15,7 +15,7 @@ public:
     // file empty: the native store of organisation and application "Torquil"; else an INI file.
     explicit QtSettingsStore(const QString& file = {});
 
-    std::string get(const std::string& section, const std::string& key) override;
+    [[nodiscard]] std::string get(const std::string& section, const std::string& key) override;
     void set(const std::string& section, const std::string& key, const std::string& value) override;
 
     // The same store for the window's own state (size, zoom).

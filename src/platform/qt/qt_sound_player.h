@@ -10,8 +10,8 @@ namespace torquil {
 
 class QtSoundPlayer : public SoundPlayer {
 public:
-    bool playWavSync(const std::filesystem::path& wav) override;
-    bool hasOutput() const override;
+    [[nodiscard]] bool playWavSync(const std::filesystem::path& wav) override;
+    [[nodiscard]] bool hasOutput() const override;
     // Tests decide whether a device is there.
     std::optional<bool> outputOverride;
 };

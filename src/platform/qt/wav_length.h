@@ -8,6 +8,6 @@
 namespace torquil {
 
 // Milliseconds of sound, or nothing when the file is not a readable RIFF WAVE file.
-std::optional<std::int64_t> wavDurationMs(const std::filesystem::path& wav);
+[[nodiscard]] std::optional<std::int64_t> wavDurationMs(const std::filesystem::path& wav);
 
 } // namespace torquil

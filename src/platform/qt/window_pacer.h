@@ -20,9 +20,9 @@ public:
 
     // True when the window system may be asked now (the first call always is); the next turn
     // comes kInterval later.
-    bool takeTurn();
+    [[nodiscard]] bool takeTurn();
     // Turns granted so far.
-    int turns() const { return turns_; }
+    [[nodiscard]] int turns() const { return turns_; }
     // Tests replace the steady clock to count turns without depending on the machine's speed.
     void setClock(Clock clock) { clock_ = std::move(clock); }
 

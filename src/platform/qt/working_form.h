@@ -31,17 +31,17 @@ public:
     void setValue(int value);
     void finish() { hide(); }
 
-    bool stopRequested() const { return stopRequested_; }
+    [[nodiscard]] bool stopRequested() const { return stopRequested_; }
     void requestStop() { stopRequested_ = true; }
 
     // The window it is centred on when shown.
     void setOwnerWindow(QWidget* owner) { owner_ = owner; }
-    QString text() const;
+    [[nodiscard]] QString text() const;
     // The value and maximum reported last (the bar may show an earlier pair for a moment).
-    int value() const { return value_; }
-    int maximum() const { return maximum_; }
-    QProgressBar* bar() const { return bar_; }
-    QPushButton* stopButton() const { return stop_; }
+    [[nodiscard]] int value() const { return value_; }
+    [[nodiscard]] int maximum() const { return maximum_; }
+    [[nodiscard]] QProgressBar* bar() const { return bar_; }
+    [[nodiscard]] QPushButton* stopButton() const { return stop_; }
 
     // How the form lets events run once shown; the platform passes its paced event loop.
     std::function<void()> letEventsRun;
@@ -71,7 +71,7 @@ public:
     void setMaximum(int maximum) override { form_.setMaximum(maximum); }
     void setValue(int value) override { form_.setValue(value); }
     void close() override { form_.finish(); }
-    bool stopRequested() const override { return form_.stopRequested(); }
+    [[nodiscard]] bool stopRequested() const override { return form_.stopRequested(); }
     void requestStop() override { form_.requestStop(); }
 
 private:
