@@ -105,11 +105,10 @@ bool openInPaintProgram(const QString& program, const QString& file, QString& wh
     QStringList arguments;
     if (!QFileInfo(trimmed).isFile()) {
         arguments = QProcess::splitCommand(trimmed);
-        if (arguments.isEmpty()) return false;
-        executable = arguments.takeFirst();
+        executable = arguments.isEmpty() ? QString() : arguments.takeFirst();
     }
     arguments << QDir::toNativeSeparators(file);
-    if (QProcess::startDetached(executable, arguments)) return true;
+    if (!executable.isEmpty() && QProcess::startDetached(executable, arguments)) return true;
     why = QObject::tr("The paint program could not be started: %1").arg(trimmed);
     return false;
 }

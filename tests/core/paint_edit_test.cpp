@@ -96,28 +96,12 @@ struct PaintEditFixture : ::testing::Test {
     }
 };
 
-TEST_F(PaintEditFixture, PicturesGoToThePaintFolderUnderTheExportNames) {
-    const SpriteRec& car = selectCarWithDeltas();
-    const fs::path folder = dir / "work" / "paint";
-    EXPECT_EQ(paintFolder(dir / "work"), folder);
-    const std::string stem = fs::path(bmpFileName(*session, car)).stem().string();
-    const PaintTarget png = paintTarget(*session, car, false, false, true);
-    EXPECT_EQ(png.file, folder / (stem + ".png"));
-    EXPECT_EQ(png.asn, int(car.ASN));
-    EXPECT_FALSE(png.deltaSet);
-    EXPECT_EQ(paintTarget(*session, car, false, false, false).file, folder / (stem + ".bmp"));
-    const PaintTarget clean = paintTarget(*session, car, true, true, true);
-    EXPECT_EQ(clean.file, folder / (stem + "_deltas_clean.png"));
-    EXPECT_TRUE(clean.deltaSet && clean.clean);
-    const PaintTarget dirty = paintTarget(*session, car, true, false, false);
-    EXPECT_EQ(dirty.file, folder / (stem + "_deltas.bmp"));
-    // A sprite picture is never "clean".
-    EXPECT_FALSE(paintTarget(*session, car, false, true, true).clean);
-}
-
 TEST_F(PaintEditFixture, WrittenPicturesHaveTheSpriteSizeAndEachChangeIsANewVersion) {
     const SpriteRec& car = selectCarWithDeltas();
-    const PaintTarget sprite = paintTarget(*session, car, false, false, pngSupported());
+    const bool png = pngSupported();
+    const PaintTarget sprite = paintTarget(*session, car, false, false, png);
+    const std::string stem = fs::path(bmpFileName(*session, car)).stem().string();
+    EXPECT_EQ(sprite.file, dir / "work" / "paint" / (stem + (png ? ".png" : ".bmp")));
     ASSERT_FALSE(fs::exists(sprite.file.parent_path()));
     ASSERT_TRUE(writePaintPicture(*session, platform, sprite));
     EXPECT_EQ(pictureSize(sprite.file), (PictureSize{car.W, car.H}));
@@ -142,7 +126,8 @@ TEST_F(PaintEditFixture, WrittenPicturesHaveTheSpriteSizeAndEachChangeIsANewVers
               PaintReturn::OtherSize);
 
     // The delta set: its frames side by side.
-    const PaintTarget deltas = paintTarget(*session, car, true, true, pngSupported());
+    const PaintTarget deltas = paintTarget(*session, car, true, true, false);
+    EXPECT_EQ(deltas.file.filename(), stem + "_deltas_clean.bmp");
     ASSERT_TRUE(writePaintPicture(*session, platform, deltas));
     EXPECT_EQ(pictureSize(deltas.file), (PictureSize{car.W * car.delta_count, car.H}));
     fs::remove(deltas.file);

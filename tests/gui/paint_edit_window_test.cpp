@@ -97,7 +97,6 @@ private slots:
     void anotherSizeAsksToResizeAndOffersTheCollisionSize();
     void severalSpritesAreWatchedAtOnce();
     void theDeltaViewEditsTheDeltaSet();
-    void theSettingsKeepThePaintProgram();
     void screenshots();
 };
 
@@ -119,6 +118,8 @@ void PaintEditWindowTest::aSavedVersionIsOfferedAndTakingItIsUndoable() {
     QCOMPARE(h.action("mnuEditInPaint")->shortcut(), QKeySequence(QStringLiteral("Ctrl+E")));
     QCOMPARE(h.action("mnuEditCar")->shortcut(), QKeySequence(QStringLiteral("F2")));
     QVERIFY(h.enabled("mnuEditInPaint"));
+    QCOMPARE(SettingsForm(h.platform.settingsStore().qsettings()).paintProgram()->text(),
+             painter.script);
     h.platform.shown.clear();
     h.action("mnuEditInPaint")->trigger();
     QVERIFY(h.platform.shown.empty());
@@ -233,28 +234,6 @@ void PaintEditWindowTest::theDeltaViewEditsTheDeltaSet() {
     QCOMPARE(int(h.session().selectedSprite()->delta_count), r.delta_count + 1);
     h.action("mnuUndo")->trigger();
     QCOMPARE(int(h.session().selectedSprite()->delta_count), int(r.delta_count));
-}
-
-void PaintEditWindowTest::theSettingsKeepThePaintProgram() {
-    WindowHarness h;
-    QSettings& s = h.platform.settingsStore().qsettings();
-    {
-        SettingsForm form(s);
-        QVERIFY(form.paintProgram()->text().isEmpty());
-        form.paintProgram()->setText(QStringLiteral("  /opt/painter/bin/paint  "));
-        form.accept();
-    }
-    QCOMPARE(storedPaintProgram(s), QString("/opt/painter/bin/paint"));
-    {
-        SettingsForm form(s);
-        QCOMPARE(form.paintProgram()->text(), QString("/opt/painter/bin/paint"));
-        form.paintProgram()->clear();
-        form.accept();
-    }
-    QVERIFY(storedPaintProgram(s).isEmpty());
-    QString why;
-    QVERIFY(!openInPaintProgram(QStringLiteral("/nonexistent/painter"), "x.png", why));
-    QCOMPARE(why, QString("The paint program could not be started: /nonexistent/painter"));
 }
 
 // The walk-through's pictures: the offer, the resize and collision size questions as the window
