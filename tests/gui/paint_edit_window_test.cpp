@@ -143,6 +143,10 @@ void PaintEditWindowTest::aSavedVersionIsOfferedAndTakingItIsUndoable() {
     // The taken version is not offered again.
     QTest::qWait(600);
     QVERIFY(offerFor(h, target) == nullptr);
+
+    QString why;
+    QVERIFY(!openInPaintProgram(QStringLiteral("/nonexistent/painter"), "x.png", why));
+    QCOMPARE(why, QString("The paint program could not be started: /nonexistent/painter"));
 }
 
 void PaintEditWindowTest::anotherSizeAsksToResizeAndOffersTheCollisionSize() {
