@@ -1,10 +1,12 @@
-// Car packs of edits that move things in the level: a sprite of another size (its new place on the
-// pages, the layout tables, the delta store) and a sprite with another number of deltas. The pack
-// made from the saved level turns a pristine copy into exactly the saved bytes.
+// Car packs of edits that move things in a level of real size (16 full pages): a sprite of another
+// size (its new place on the pages, the layout tables, the delta store) and a sprite with another
+// number of deltas. The pack made from the saved level turns a pristine copy into exactly the
+// saved bytes.
 
 #include "session/car_pack.h"
 
 #include "fake_platform.h"
+#include "fxt_coder.h"
 #include "sample_level.h"
 #include "session/delta_count.h"
 #include "session/edits.h"
@@ -36,7 +38,8 @@ struct PackOfLayoutFixture : ::testing::Test {
     std::vector<std::uint8_t> pristineStyle, pristineFxt;
 
     void SetUp() override {
-        tb::writeSampleLevel(dir.path());
+        tb::writeFile(style, tb::buildStyle(tb::fullSizeSpec24(16)));
+        tb::writeFile(fxt, tb::encodeFxt(tb::sampleFxtEntries()));
         pristineStyle = tb::readFile(style);
         pristineFxt = tb::readFile(fxt);
         AppOptions app;
