@@ -48,19 +48,23 @@ void MainForm::editInPaint(bool deltaSet, bool clean) {
     if (!sprite) return;
     const PaintTarget target = paintTarget(*session_, *sprite, deltaSet, clean, pngSupported());
     const QString file = QDir::cleanPath(QString::fromStdString(target.file.string()));
-    // A picture already out whose newest version was not offered yet is not overwritten unasked.
-    if (paintWatch_->target(file) && paintedVersion(target.file).exists) {
+    // A picture already out with changes not taken yet is not overwritten unasked.
+    if (paintWatch_->hasNewVersion(file)) {
         const Answer answer = platform_.message(
             nativePath(target.file).toStdString() +
-                " is already open for painting.\rWrite it again from the sprite as it is now?\r"
-                "No: open it as it is.",
+                " has changes that were not imported.\rWrite it again from the sprite as it is "
+                "now?\rNo: open it as it is.",
             Buttons::YesNoCancel, Icon::Question, "Edit in Paint Program");
         if (answer == Answer::Cancel) return;
-        if (answer == Answer::Yes && !writePaintPicture(*session_, platform_, target)) return;
-    } else if (!writePaintPicture(*session_, platform_, target)) {
-        return;
+        if (answer == Answer::Yes) {
+            if (!writePaintPicture(*session_, platform_, target)) return;
+            paintWatch_->watch(target);
+        }
+        // No: still watched from the version last offered, so its changes are offered later.
+    } else {
+        if (!writePaintPicture(*session_, platform_, target)) return;
+        paintWatch_->watch(target);
     }
-    paintWatch_->watch(target);
     QString why;
     if (!openInPaintProgram(storedPaintProgram(platform_.settingsStore().qsettings()), file, why)) {
         // Still watched: the picture can be opened by hand.

@@ -52,6 +52,13 @@ void PaintWatch::settle(const QString& file) {
     if (found != entries_.end()) found->second.last = paintedVersion(found->second.target.file);
 }
 
+bool PaintWatch::hasNewVersion(const QString& file) const {
+    auto found = entries_.find(QDir::cleanPath(file));
+    if (found == entries_.end()) return false;
+    const PaintedVersion now = paintedVersion(found->second.target.file);
+    return now.exists && now.length > 0 && now != found->second.last;
+}
+
 const PaintTarget* PaintWatch::target(const QString& file) const {
     auto found = entries_.find(QDir::cleanPath(file));
     return found == entries_.end() ? nullptr : &found->second.target;

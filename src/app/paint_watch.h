@@ -29,6 +29,8 @@ public:
     void clear();
     // The version on disk now was offered (taken or not): the next change is a new one.
     void settle(const QString& file);
+    // The picture on disk differs from the version last written or offered.
+    bool hasNewVersion(const QString& file) const;
     // The picture's entry; nullptr when it is not watched.
     const PaintTarget* target(const QString& file) const;
     QStringList files() const;

@@ -128,6 +128,12 @@ void PaintEditWindowTest::aSavedVersionIsOfferedAndTakingItIsUndoable() {
     QMessageBox* offer = offerFor(h, target);
     QCOMPARE(offer->text(), QString("Import the changed picture of sprite %1?").arg(r.ASN));
     QVERIFY(!offer->isModal());
+    // Asked for again before answering: the changed picture is not overwritten unasked.
+    h.platform.answers = {Answer::No};
+    h.action("mnuEditInPaint")->trigger();
+    QVERIFY(h.platform.texts().back().find(
+                " has changes that were not imported.\rWrite it again") != std::string::npos);
+    QVERIFY(h.form->paintWatch()->hasNewVersion(offer->property("paintFile").toString()));
     offer->button(QMessageBox::Yes)->click();
     const SpriteRec& now = *h.session().selectedSprite();
     QCOMPARE(int(now.ASN), int(r.ASN));
