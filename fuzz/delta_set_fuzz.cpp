@@ -86,7 +86,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<std::uint8_t> pixels;
     const bool readable = readPicture(session, platform, file, 0, width, h, pixels);
     const DeltaSetImport result = importDeltaSet(session, platform, file, clean);
-    if (!result.imported) {
+    if (!result) {
         for (int k = 0; k < count; ++k) {
             const auto& a = before.myDeltas[static_cast<std::size_t>(k)].runLine;
             const auto& b = session.deltas.myDeltas[static_cast<std::size_t>(k)].runLine;

@@ -171,7 +171,7 @@ void registerDeltaCommands(Command& app, Context& ctx) {
         const auto file = std::filesystem::absolute(imp->file);
         const DeltaSetImport result = importDeltaSetResizing(*session, *platform, file, imp->clean,
                                                              {imp->resize, imp->dropDeltas});
-        if (!result.imported) {
+        if (!result) {
             ctx.exitCode = kExitFailed;
             return;
         }
@@ -184,7 +184,7 @@ void registerDeltaCommands(Command& app, Context& ctx) {
         if (saved.nothingChanged) {
             ctx.out << kNothingChanged << '\n';
         } else {
-            ctx.out << "changed deltas: " << result.changed << '\n';
+            ctx.out << "changed deltas: " << *result << '\n';
             if (const SpriteRec* sprite = session->selectedSprite(); sprite && imp->resize)
                 ctx.out << "deltas: " << int{sprite->delta_count} << '\n';
         }

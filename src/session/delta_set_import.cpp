@@ -38,21 +38,22 @@ bool setDeltaRuns(StyleSession& session,
 // overwritten).
 DeltaSetImport readDeltaSet(StyleSession& session, Platform& platform,
                             const std::filesystem::path& file, bool clean) {
-    DeltaSetImport result;
+    const Failure notRead = fail("The delta set " + file.string() + " was not imported.");
     const SpriteRec* sprite = session.selectedSprite();
-    if (!sprite) return result;
+    if (!sprite) return fail("No sprite is selected.");
     const std::vector<const DeltaRec*> deltas = spriteDeltas(session, *sprite);
     if (deltas.empty() || sprite->W == 0 || sprite->H == 0) {
-        platform.message("Sprite " + std::to_string(sprite->ASN) + " has no deltas to import.",
-                         Buttons::Ok, Icon::Information);
-        return result;
+        const std::string text =
+            "Sprite " + std::to_string(sprite->ASN) + " has no deltas to import.";
+        platform.message(text, Buttons::Ok, Icon::Information);
+        return fail(text);
     }
     for (std::size_t k = 0; k < deltas.size(); ++k) {
         if (!deltas[k]) {
-            platform.message("Delta " + std::to_string(k) + " of sprite " +
-                                 std::to_string(sprite->ASN) + " is not in the delta table.",
-                             Buttons::Ok, Icon::Warning);
-            return result;
+            const std::string text = "Delta " + std::to_string(k) + " of sprite " +
+                                     std::to_string(sprite->ASN) + " is not in the delta table.";
+            platform.message(text, Buttons::Ok, Icon::Warning);
+            return fail(text);
         }
     }
     const int w = sprite->W, h = sprite->H;
@@ -63,10 +64,10 @@ DeltaSetImport readDeltaSet(StyleSession& session, Platform& platform,
     std::vector<std::uint8_t> picture;
     const bool read = readPicture(session, platform, file, sprite->clut, w * count, h, picture);
     progress.close();
-    if (!read) return result;
+    if (!read) return notRead; // the picture's refusal was shown
     // The palette question may have changed the CLUT; the sprite record itself is unchanged.
     sprite = session.selectedSprite();
-    if (!sprite) return result;
+    if (!sprite) return notRead;
 
     const std::vector<std::uint8_t> spritePx = spritePixels(session, *sprite);
     const std::vector<std::uint8_t> base =
@@ -82,18 +83,19 @@ DeltaSetImport readDeltaSet(StyleSession& session, Platform& platform,
         FrameRuns runs =
             runsFromEditedFrame(*deltas[static_cast<std::size_t>(i)], base, frame, w, h);
         if (!runs.ok) {
-            platform.message("Delta " + std::to_string(i) + " (frame " + std::to_string(i + 1) +
-                                 " of " + std::to_string(count) +
-                                 ") cannot be imported: " + runs.reason + ".\rNothing was changed.",
-                             Buttons::Ok, Icon::Warning, "Import Delta Set");
-            return result;
+            const std::string text = "Delta " + std::to_string(i) + " (frame " +
+                                     std::to_string(i + 1) + " of " + std::to_string(count) +
+                                     ") cannot be imported: " + runs.reason +
+                                     ".\rNothing was changed.";
+            platform.message(text, Buttons::Ok, Icon::Warning, "Import Delta Set");
+            return fail(text);
         }
         replacements.emplace_back(sprite->deltas[static_cast<std::size_t>(i)],
                                   std::move(runs.runs));
     }
-    result.changed = static_cast<int>(replacements.size());
-    result.imported = setDeltaRuns(session, std::move(replacements));
-    return result;
+    const int changed = static_cast<int>(replacements.size());
+    if (!setDeltaRuns(session, std::move(replacements))) return notRead;
+    return changed;
 }
 
 } // namespace
@@ -101,14 +103,14 @@ DeltaSetImport readDeltaSet(StyleSession& session, Platform& platform,
 DeltaSetImport importDeltaSet(StyleSession& session, Platform& platform,
                               const std::filesystem::path& file, bool clean) {
     const SpriteRec* sprite = session.selectedSprite();
-    if (!sprite) return {};
+    if (!sprite) return fail("No sprite is selected.");
     EditScope scope(session, kTouchPages | kTouchCluts | kTouchDeltas,
                     stepName("Import Delta Set", sprite->ASN));
     scope.touch(spriteArea(*sprite));
     const int clut = sprite->clut;
     const DeltaSetImport result = readDeltaSet(session, platform, file, clean);
     // A refused picture may still have overwritten the CLUT.
-    if (!result.imported) scope.rename(stepName("Overwrite CLUT", clut));
+    if (!result) scope.rename(stepName("Overwrite CLUT", clut));
     return result;
 }
 

@@ -40,7 +40,7 @@ DeltaSetImport importDeltaSetResizing(StyleSession& session, Platform& platform,
                                       const std::filesystem::path& file, bool clean,
                                       const DeltaCountChoice& choice) {
     const SpriteRec* sprite = session.selectedSprite();
-    if (!sprite) return {};
+    if (!sprite) return fail("No sprite is selected.");
     const std::optional<PictureSize> size = pictureSize(file);
     const int w = sprite->W, count = sprite->delta_count;
     // Pictures that do not change the count (or no change asked) go through the import as it is,
@@ -52,29 +52,26 @@ DeltaSetImport importDeltaSetResizing(StyleSession& session, Platform& platform,
     const int asn = sprite->ASN;
     const DeltaCountPlan plan = planDeltaCount(session, asn, size->width / w);
     if (!plan.possible) {
-        platform.message(describeDeltaCount(plan, asn) + "\rNothing was changed.", Buttons::Ok,
-                         Icon::Warning, "Import Delta Set");
-        return {};
+        const std::string text = describeDeltaCount(plan, asn) + "\rNothing was changed.";
+        platform.message(text, Buttons::Ok, Icon::Warning, "Import Delta Set");
+        return fail(text);
     }
     if (!plan.doorsOnRemoved.empty() && !choice.dropUsed) {
-        platform.message(describeDeltaCount(plan, asn) +
-                             "\rNothing was changed: removing deltas that doors show was not "
-                             "allowed.",
-                         Buttons::Ok, Icon::Warning, "Import Delta Set");
-        return {};
+        const std::string text = describeDeltaCount(plan, asn) +
+                                 "\rNothing was changed: removing deltas that doors show was not "
+                                 "allowed.";
+        platform.message(text, Buttons::Ok, Icon::Warning, "Import Delta Set");
+        return fail(text);
     }
 
     EditScope scope(session, kTouchAll, stepName("Import Delta Set", asn));
     const CountSnapshot before(session);
     applyDeltaCount(session, asn, plan);
-    DeltaSetImport result;
-    if (plan.to == 0) {
-        result.imported = true;
-    } else {
-        result = importDeltaSet(session, platform, file, clean);
-        if (!result.imported) before.restore(session);
-    }
-    if (result.imported) session.style.gPagesChanged = true;
+    // No frames left: nothing to read, no run line replaced.
+    DeltaSetImport result =
+        plan.to == 0 ? DeltaSetImport(0) : importDeltaSet(session, platform, file, clean);
+    if (!result) before.restore(session);
+    if (result) session.style.gPagesChanged = true;
     return result;
 }
 

@@ -78,10 +78,9 @@ struct ResizeChoice {
                                         const std::filesystem::path& file,
                                         const ResizeChoice& choice);
 
-struct DeltaSetImport {
-    bool imported = false;
-    int changed = 0; // deltas whose run lines were replaced
-};
+// A delta set import: how many deltas had their run lines replaced, or the refusal (already
+// shown to the user; the failure carries the same words).
+using DeltaSetImport = Result<int>;
 
 // Reads a clean or dirty delta set (BMP, or PNG by the name) back into the selected sprite's
 // deltas, checked as the sprite import checks a picture (its palette may overwrite the CLUT). A

@@ -92,8 +92,8 @@ TEST_F(DeltaCountFixture, ADeltaSetOfTheFullSizeLevelGrowsByOneFrameAndShrinksBy
     // One more frame: the sprite with one pixel changed in its second row.
     const std::vector<std::uint8_t> set = dirtySet();
     const fs::path grown = write(withFrames(set, n, n + 1, 3, 1), n + 1);
-    ASSERT_FALSE(importDeltaSetResizing(*session, platform, grown, false, {}).imported);
-    ASSERT_TRUE(importDeltaSetResizing(*session, platform, grown, false, {true, false}).imported)
+    ASSERT_FALSE(importDeltaSetResizing(*session, platform, grown, false, {}));
+    ASSERT_TRUE(importDeltaSetResizing(*session, platform, grown, false, {true, false}))
         << (messages().empty() ? "" : messages().back());
     saveAndCheckAFullSaveKeepsTheBytes();
     select(asn);
@@ -118,11 +118,10 @@ TEST_F(DeltaCountFixture, ADeltaSetOfTheFullSizeLevelGrowsByOneFrameAndShrinksBy
     bool doorOnLast = false;
     for (const DoorRec& door : doors) doorOnLast = doorOnLast || door.delta == n - 1;
     if (doorOnLast) {
-        ASSERT_FALSE(
-            importDeltaSetResizing(*session, platform, shrunk, false, {true, false}).imported);
+        ASSERT_FALSE(importDeltaSetResizing(*session, platform, shrunk, false, {true, false}));
         EXPECT_TRUE(tb::contains(messages().back(), "removing deltas that doors show"));
     }
-    ASSERT_TRUE(importDeltaSetResizing(*session, platform, shrunk, false, {true, true}).imported);
+    ASSERT_TRUE(importDeltaSetResizing(*session, platform, shrunk, false, {true, true}));
     saveAndCheckAFullSaveKeepsTheBytes();
     select(asn);
     ASSERT_EQ(selected().delta_count, n - 1);
@@ -151,7 +150,7 @@ TEST_F(DeltaCountFixture, CountsPastTheFormatAreRefusedAndRefusedFramesChangeNot
     // A new frame whose change starts at the sprite's top-left pixel cannot be a delta: the count
     // goes back as well.
     const fs::path file = write(withFrames(dirtySet(), n, n + 1, 0, 0), n + 1);
-    EXPECT_FALSE(importDeltaSetResizing(*session, platform, file, false, {true, true}).imported);
+    EXPECT_FALSE(importDeltaSetResizing(*session, platform, file, false, {true, true}));
     EXPECT_EQ(selected().delta_count, n);
     EXPECT_EQ(deltasBySprite(), before);
     EXPECT_FALSE(session->style.gLayoutChanged);

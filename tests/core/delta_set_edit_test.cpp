@@ -153,8 +153,8 @@ struct DeltaSetEditFixture : tb::StyleFixture {
         ASSERT_TRUE(writePicture(*session, platform, file, picture, sprite.clut, width, sprite.H));
 
         const DeltaSetImport result = importDeltaSet(*session, platform, file, clean);
-        ASSERT_TRUE(result.imported) << (messages().empty() ? "" : messages().back());
-        EXPECT_EQ(result.changed, 1);
+        ASSERT_TRUE(result) << (messages().empty() ? "" : messages().back());
+        EXPECT_EQ(*result, 1);
         Pixels expected = before;
         expected[y * 256 + x] = added;
         auto check = [&](const char* when) {

@@ -77,8 +77,8 @@ struct DeltaSetFixture : tb::StyleFixture {
                 const fs::path file = dir / ("set" + ext);
                 ASSERT_TRUE(exportDeltaSet(*session, platform, file, clean));
                 const DeltaSetImport result = importDeltaSet(*session, platform, file, clean);
-                ASSERT_TRUE(result.imported) << at.first << "/" << at.second << " " << ext;
-                EXPECT_EQ(result.changed, 0) << at.first << "/" << at.second << " " << ext;
+                ASSERT_TRUE(result) << at.first << "/" << at.second << " " << ext;
+                EXPECT_EQ(*result, 0) << at.first << "/" << at.second << " " << ext;
             }
         }
         EXPECT_TRUE(messages().empty()) << messages().front();
@@ -227,8 +227,8 @@ TEST_F(DeltaSetFixture, OnePixelAddedToACleanSetGrowsThatDeltaAndMovesEveryLater
     picture[static_cast<std::size_t>(y) * width + x] = 77; // in frame 0
     ASSERT_TRUE(writePicture(*session, platform, file, picture, sprite.clut, width, sprite.H));
     const DeltaSetImport result = importDeltaSet(*session, platform, file, true);
-    ASSERT_TRUE(result.imported);
-    EXPECT_EQ(result.changed, 1);
+    ASSERT_TRUE(result);
+    EXPECT_EQ(*result, 1);
     ASSERT_EQ(saveChanges(*session, platform).result, SaveResult::Saved);
     const auto after = tb::readFile(stylePath);
     ASSERT_EQ(after.size(), before.size() + 4); // offset, length and one pixel
@@ -352,7 +352,7 @@ TEST_F(DeltaSetFixture, BadPicturesAreRefusedWithAMessageAndChangeNothing) {
         c.make();
         platform.shownMessages.clear();
         for (const bool clean : {false, true}) {
-            EXPECT_FALSE(importDeltaSet(*session, platform, dir / c.name, clean).imported);
+            EXPECT_FALSE(importDeltaSet(*session, platform, dir / c.name, clean));
             ASSERT_FALSE(messages().empty());
             EXPECT_EQ(messages().back().rfind(c.message, 0), 0u) << messages().back();
         }
@@ -373,8 +373,10 @@ TEST_F(DeltaSetFixture, PixelAtTheTopLeftIsRefusedAndAPictureWithoutDeltasIsNotE
     picture[static_cast<std::size_t>(sprite.W)] = 12; // frame 1's top-left pixel
     ASSERT_TRUE(writePicture(*session, platform, file, picture, sprite.clut, width, sprite.H));
     const auto runsBefore = allRuns();
-    EXPECT_FALSE(importDeltaSet(*session, platform, file, true).imported);
+    const DeltaSetImport refused = importDeltaSet(*session, platform, file, true);
+    ASSERT_FALSE(refused);
     ASSERT_FALSE(messages().empty());
+    EXPECT_EQ(refused.message(), messages().back()); // the refusal carries what was shown
     EXPECT_EQ(messages().back(),
               "Delta 1 (frame 2 of " + std::to_string(sprite.delta_count) +
                   ") cannot be imported: its first changed pixel is the sprite's top-left pixel "
@@ -391,7 +393,7 @@ TEST_F(DeltaSetFixture, PixelAtTheTopLeftIsRefusedAndAPictureWithoutDeltasIsNotE
     EXPECT_FALSE(exportDeltaSet(*session, platform, dir / "none.bmp", false));
     EXPECT_FALSE(fs::exists(dir / "none.bmp"));
     EXPECT_NE(messages().back().find("has no deltas"), std::string::npos);
-    EXPECT_FALSE(importDeltaSet(*session, platform, file, true).imported);
+    EXPECT_FALSE(importDeltaSet(*session, platform, file, true));
 }
 
 TEST_F(DeltaSetFixture, SpriteExportAndImportTakePngByTheName) {

@@ -213,8 +213,8 @@ TEST_F(HistoryFixture, DeltaSetImportIsOneStep) {
     roundTrip(
         [&] {
             const DeltaSetImport result = importDeltaSet(*session, platform, set, true);
-            EXPECT_TRUE(result.imported) << ::testing::PrintToString(messages());
-            EXPECT_EQ(result.changed, 1);
+            EXPECT_TRUE(result) << ::testing::PrintToString(messages());
+            EXPECT_EQ(*result, 1);
         },
         "Import Delta Set " + std::to_string(asn));
     const EditStep* step = session->history.undo(*session);
