@@ -214,26 +214,31 @@ void setReplaceFaultHook(ReplaceFaultHook hook) {
     faultHook = std::move(hook);
 }
 
-bool isWriteProtected(const fs::path& target, std::error_code& ec) {
-    ec.clear();
+namespace {
+
+// Why an existing file may not be replaced; empty when it may (or does not exist).
+std::error_code writeRefusal(const fs::path& target) {
     std::error_code probe;
     const fs::file_status status = fs::status(target, probe);
-    if (probe || !fs::exists(status)) return false;
+    if (probe || !fs::exists(status)) return {};
     // No write bit for anyone: the user made the file read-only, even when the system would let
     // this user (an administrator) write it.
     constexpr fs::perms anyWrite =
         fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
-    if ((status.permissions() & anyWrite) == fs::perms::none) {
-        ec = std::make_error_code(std::errc::permission_denied);
-        return true;
-    }
+    if ((status.permissions() & anyWrite) == fs::perms::none)
+        return std::make_error_code(std::errc::permission_denied);
 #ifndef _WIN32
-    if (::access(target.c_str(), W_OK) != 0) {
-        ec = lastSystemError();
-        return true;
-    }
+    if (::access(target.c_str(), W_OK) != 0) return lastSystemError();
 #endif
-    return false;
+    return {};
+}
+
+} // namespace
+
+ReplaceResult checkWritable(const fs::path& target) {
+    if (const std::error_code refused = writeRefusal(target))
+        return replaceFailed(target, refused, 0, "create");
+    return {};
 }
 
 // A device or a pipe (/dev/stdout) has no old content to keep: it is written straight.
@@ -351,11 +356,9 @@ ReplaceResult replaceFilesAtomically(std::span<const FileContent> files) {
         }
     std::vector<fs::path> targets;
     for (const FileContent& f : files) targets.push_back(replacedFileOf(f.target));
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        std::error_code ec;
-        if (isWriteProtected(targets[i], ec))
-            return replaceFailed(files[i].target, ec, 0, "create");
-    }
+    for (std::size_t i = 0; i < files.size(); ++i)
+        if (const std::error_code refused = writeRefusal(targets[i]))
+            return replaceFailed(files[i].target, refused, 0, "create");
     const std::string tag = newRunTag();
     std::vector<SideFile> sides(files.size());
     if (ReplaceResult written = writeSides(files, targets, targets, sides, tag); !written)
@@ -396,9 +399,9 @@ ReplaceResult copyFileAtomically(const fs::path& source, const fs::path& target)
         return resultOf(target, writeStream(target, whole));
     }
     const std::vector<fs::path> targets{replacedFileOf(target)};
-    if (isWriteProtected(targets[0], ec)) {
+    if (const std::error_code refused = writeRefusal(targets[0])) {
         std::fclose(in);
-        return replaceFailed(target, ec, 0, "create");
+        return replaceFailed(target, refused, 0, "create");
     }
     // Copied a piece at a time: a file of any size costs one piece of memory.
     bool readFailed = false;

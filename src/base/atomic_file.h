@@ -71,8 +71,9 @@ using ReplaceResult = Result<void, ReplaceFailure>;
 // group; when its owner cannot be kept the replace fails at "owner".
 [[nodiscard]] ReplaceResult replaceFilesAtomically(std::span<const FileContent> files);
 
-// Whether the file exists and may not be replaced (no write permission); ec holds the cause.
-[[nodiscard]] bool isWriteProtected(const std::filesystem::path& target, std::error_code& ec);
+// Success when `target` does not exist or may be replaced; a file without write permission fails
+// at "create" with the system's cause.
+[[nodiscard]] ReplaceResult checkWritable(const std::filesystem::path& target);
 
 // Side files of a replace: name + ".~new" + a tag of the run while it is written, ".~done" + the
 // tag once it is complete and on the disk, just before it takes the name. A replace of several

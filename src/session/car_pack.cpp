@@ -226,10 +226,10 @@ CarPackApplied applyCarPack(const fs::path& packPath, const CarPackFiles& files,
     std::string kept;
     for (const Target& t : targets) {
         if (!t.changed) continue;
-        std::error_code cause;
-        if (isWriteProtected(t.path, cause))
+        if (const ReplaceResult writable = checkWritable(t.path); !writable)
             return fail(ApplyResult::Failed, std::string(kWriteError) + "\r" + t.path.string() +
-                                                 ": " + describeCause(cause) + ".");
+                                                 ": " + writable.error().cause + ".");
+        std::error_code cause;
         if (!backups.ensureBackup(t.path, cause))
             return fail(ApplyResult::Failed, std::string(kWriteError) + "\r" + "No backup of " +
                                                  t.path.string() +

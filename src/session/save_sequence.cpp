@@ -154,8 +154,8 @@ bool SaveRun::openContent() {
         error_ = err::FileNotFound;
         return false;
     }
-    if (isWriteProtected(style.path, ec)) {
-        out_.cause = describeCause(ec);
+    if (const ReplaceResult writable = checkWritable(style.path); !writable) {
+        out_.cause = writable.error().cause;
         error_ = err::PathFileAccess;
         return false;
     }

@@ -46,23 +46,18 @@ std::string soundFilesOffReason() {
     return {};
 }
 
-bool decodeSoundFile(const fs::path& file, DecodedSound& out, std::string& why) {
-    out = DecodedSound{};
+Result<DecodedSound> decodeSoundFile(const fs::path& file) {
+    DecodedSound out;
     SF_INFO info{};
     const SoundFile sound(file, info);
-    if (!sound.get()) {
-        why = file.string() + " could not be read as a sound: " + sf_strerror(nullptr) + ".";
-        return false;
-    }
-    if (info.channels < 1 || info.samplerate < 1) {
-        why = file.string() + " names no channels or no rate.";
-        return false;
-    }
+    if (!sound.get())
+        return fail(file.string() + " could not be read as a sound: " + sf_strerror(nullptr) + ".");
+    if (info.channels < 1 || info.samplerate < 1)
+        return fail(file.string() + " names no channels or no rate.");
     if (info.frames > kMaxImportSamples) {
-        why = file.string() + " holds " + std::to_string(info.frames) +
-              " samples; a sound of the bank may have at most " +
-              std::to_string(kMaxImportSamples) + ".";
-        return false;
+        return fail(file.string() + " holds " + std::to_string(info.frames) +
+                    " samples; a sound of the bank may have at most " +
+                    std::to_string(kMaxImportSamples) + ".");
     }
     // Read in blocks, each frame's channels mixed to one.
     constexpr sf_count_t kBlock = 4096;
@@ -76,24 +71,18 @@ bool decodeSoundFile(const fs::path& file, DecodedSound& out, std::string& why) 
                 sum += block[static_cast<std::size_t>(f * info.channels + c)];
             out.samples.push_back(toBankSample(sum / info.channels));
         }
-        if (static_cast<std::int64_t>(out.samples.size()) > kMaxImportSamples) {
-            why = file.string() + " holds more than " + std::to_string(kMaxImportSamples) +
-                  " samples, the most a sound of the bank may have.";
-            return false;
-        }
+        if (static_cast<std::int64_t>(out.samples.size()) > kMaxImportSamples)
+            return fail(file.string() + " holds more than " + std::to_string(kMaxImportSamples) +
+                        " samples, the most a sound of the bank may have.");
         if (got < kBlock) break;
     }
-    if (sf_error(sound.get()) != SF_ERR_NO_ERROR) {
-        why = file.string() + " could not be read to its end: " + sf_strerror(sound.get()) + ".";
-        return false;
-    }
-    if (out.samples.empty()) {
-        why = file.string() + " holds no sound (no samples).";
-        return false;
-    }
+    if (sf_error(sound.get()) != SF_ERR_NO_ERROR)
+        return fail(file.string() + " could not be read to its end: " + sf_strerror(sound.get()) +
+                    ".");
+    if (out.samples.empty()) return fail(file.string() + " holds no sound (no samples).");
     out.rate = info.samplerate;
     out.channels = info.channels;
-    return true;
+    return out;
 }
 
 } // namespace torquil

@@ -5,6 +5,8 @@
 // Without libsndfile (TORQUIL_SNDFILE=OFF, the Windows cross-build) every file is refused with
 // the reason.
 
+#include "base/result.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -28,10 +30,9 @@ struct DecodedSound {
 [[nodiscard]] bool soundFilesSupported();
 [[nodiscard]] std::string soundFilesOffReason();
 
-// Reads `file` whole and converts it. False with `why` (a sentence naming the file and the cause)
-// when it cannot be read, holds no sound, or is too long.
-[[nodiscard]] bool decodeSoundFile(const std::filesystem::path& file, DecodedSound& out,
-                                   std::string& why);
+// Reads `file` whole and converts it. The failure's message is a sentence naming the file and
+// the cause, when it cannot be read, holds no sound, or is too long.
+[[nodiscard]] Result<DecodedSound> decodeSoundFile(const std::filesystem::path& file);
 
 // One sample of a recording (-1.0 to 1.0) as the bank's unsigned 8-bit sample: 0.0 is 128; the
 // ends are clamped to 0 and 255.

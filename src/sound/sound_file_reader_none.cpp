@@ -16,10 +16,8 @@ std::string soundFilesOffReason() {
            "reads the recordings (WAV, FLAC, Ogg).";
 }
 
-bool decodeSoundFile(const std::filesystem::path& file, DecodedSound& out, std::string& why) {
-    out = DecodedSound{};
-    why = soundFilesOffReason() + " " + file.string() + " was not read.";
-    return false;
+Result<DecodedSound> decodeSoundFile(const std::filesystem::path& file) {
+    return fail(soundFilesOffReason() + " " + file.string() + " was not read.");
 }
 
 } // namespace torquil

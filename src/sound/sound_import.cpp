@@ -138,13 +138,13 @@ SoundImportOutcome replaceSound(const StyleFileState& style, Platform& platform,
 SoundImportOutcome importSoundFile(const StyleFileState& style, Platform& platform, int number,
                                    const fs::path& file, const KeepBackup& keepBackup,
                                    SoundReplacement& change) {
-    DecodedSound sound;
-    std::string why;
-    if (!decodeSoundFile(file, sound, why)) {
-        platform.message("Sound " + std::to_string(number) + " was not replaced.\r" + why);
+    const Result<DecodedSound> sound = decodeSoundFile(file);
+    if (!sound) {
+        platform.message("Sound " + std::to_string(number) + " was not replaced.\r" +
+                         sound.message());
         return SoundImportOutcome::Refused;
     }
-    return replaceSound(style, platform, number, sound, keepBackup, change);
+    return replaceSound(style, platform, number, *sound, keepBackup, change);
 }
 
 bool setSoundRecord(const StyleFileState& style, Platform& platform, const SoundReplacement& change,

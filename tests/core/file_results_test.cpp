@@ -116,3 +116,22 @@ TEST(FileResults, AnOutputThatIsOneOfTheLevelsFilesIsRefusedByName) {
               std::string::npos)
         << clash.message();
 }
+
+TEST(FileResults, AFileWithoutWritePermissionIsRefusedBeforeAnythingIsWritten) {
+#ifdef _WIN32
+    GTEST_SKIP() << "Windows files have no mode bits";
+#endif
+    tb::TempDir dir;
+    const fs::path file = dir / "kept.G24";
+    tb::writeFile(file, {1});
+    EXPECT_TRUE(checkWritable(file));
+    EXPECT_TRUE(checkWritable(dir / "not-there.G24")); // a new file may be made
+    // No write bit for anyone refuses even a user the system would let write it.
+    fs::permissions(file, fs::perms::owner_read);
+    const ReplaceResult refused = checkWritable(file);
+    fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().step, "create");
+    EXPECT_EQ(refused.error().cause, "permission denied");
+    EXPECT_EQ(refused.message(), "Cannot write " + file.string());
+}
