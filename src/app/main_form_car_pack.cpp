@@ -92,7 +92,8 @@ bool MainForm::applyCarPackFile(const QString& path) {
     if (execDialog(ask) != QDialog::Accepted) return false;
     // The apply itself goes through the one applier, which checks the files again (they may have
     // changed while the preview was open) and shows its outcome when it writes nothing.
-    const CarPackApplied applied = applyCarPack(packPath, files, platform_, processBackups());
+    const CarPackApplied applied =
+        applyCarPack(packPath, files, platform_, processBackups(), options_.links);
     if (applied.result != ApplyResult::Applied) return false;
     const int loadOption = session_->style.loadOption;
     loadStyle(QString::fromStdString(files.style.string()), loadOption);

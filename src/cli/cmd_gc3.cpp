@@ -188,7 +188,8 @@ void registerGc3Command(Command& app, Context& ctx) {
         "and field, sprite, CLUT, car name) and nothing is written. Nothing is written either\n"
         "when the pack is for another level, damaged, already applied, or would give files the\n"
         "editor cannot open. Each changed file is first kept once as its .bak; a file the pack\n"
-        "does not change is not written. Standard output: the files written and their .bak.\n"
+        "does not change is not written; a file with other hard links is refused unless\n"
+        "--break-links. Standard output: the files written and their .bak.\n"
         "Exit status: 0 applied, 1 refused or failed, 2 usage error.");
     a->common.addTo(*apply);
     apply->addOption("PACK", a->pack, "The pack")->path()->required();
@@ -198,7 +199,7 @@ void registerGc3Command(Command& app, Context& ctx) {
         auto platform = makePlatform(ctx, a->common);
         const CarPackApplied applied =
             applyCarPack(argumentPath(a->pack), {argumentPath(a->style), argumentPath(a->fxt)},
-                         *platform, processBackups());
+                         *platform, processBackups(), makeAppOptions(ctx, a->common).links);
         if (applied.result == ApplyResult::Applied) {
             std::string text = applied.message;
             std::replace(text.begin(), text.end(), '\r', '\n');
