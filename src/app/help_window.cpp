@@ -42,6 +42,8 @@ HelpWindow::HelpWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
     setObjectName(QStringLiteral("helpFrm"));
     setWindowTitle(tr("Torquil Help"));
     browser_ = new QTextBrowser(this);
+    // The manual names its pictures as docs/manual.html beside docs/screenshots/ does.
+    browser_->setSearchPaths({QStringLiteral(":/torquil/help")});
     browser_->setObjectName(QStringLiteral("txtHelp"));
     browser_->setOpenExternalLinks(true);
 

@@ -5,6 +5,8 @@
 
 #include "gui_fixture.h"
 
+#include "app/board_palette.h"
+
 #include "app/build_car_pack_form.h"
 #include "app/car_info_form.h"
 #include "app/car_pack_preview_form.h"
@@ -311,6 +313,8 @@ void CarPackTest::withoutBakCopiesTheOriginalsMustBeChosen() {
 void CarPackTest::screenshots() {
     const QByteArray target = qgetenv("TORQUIL_SCREENSHOT_DIR");
     if (target.isEmpty()) QSKIP("TORQUIL_SCREENSHOT_DIR not set");
+    // The pictures show the windows as the editor shows them: in the board's dark palette.
+    applyBoardPalette(*qobject_cast<QApplication*>(QCoreApplication::instance()));
     Harness h;
     h.openThroughDialog("STYLE001.G24");
     const SpriteRec r = *h.firstCarSprite();
