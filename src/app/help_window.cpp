@@ -42,8 +42,6 @@ HelpWindow::HelpWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
     setObjectName(QStringLiteral("helpFrm"));
     setWindowTitle(tr("Torquil Help"));
     browser_ = new QTextBrowser(this);
-    // The manual names its pictures as docs/manual.html beside docs/screenshots/ does.
-    browser_->setSearchPaths({QStringLiteral(":/torquil/help")});
     browser_->setObjectName(QStringLiteral("txtHelp"));
     browser_->setOpenExternalLinks(true);
 
@@ -63,6 +61,8 @@ bool HelpWindow::showManual(const QString& anchor) {
         QFile manual(QStringLiteral(":/torquil/help/manual.html"));
         if (!manual.open(QIODevice::ReadOnly)) return false;
         browser_->document()->setDefaultFont(font());
+        // The manual's pictures (screenshots/...) live beside it in the resources.
+        browser_->document()->setBaseUrl(QUrl(QStringLiteral("qrc:/torquil/help/")));
         browser_->setHtml(QString::fromUtf8(manual.readAll()));
         manualLoaded_ = true;
     }
