@@ -124,10 +124,10 @@ void ManualTest::picturesOfTheCarsPositionsAreInTheManual() {
     for (const char* picture :
          {"screenshots/car_centre_of_mass.png", "screenshots/car_door_positions.png"})
         QVERIFY2(html.contains(QLatin1String(picture)), picture);
-    QVERIFY(html.indexOf("editor-doors") < html.indexOf("car_door_positions.png"));
-    QVERIFY(html.indexOf("car_door_positions.png") < html.indexOf("editor-specs"));
-    QVERIFY(html.indexOf("editor-physics") < html.indexOf("car_centre_of_mass.png"));
-    QVERIFY(html.indexOf("car_centre_of_mass.png") < html.indexOf("editor-steer"));
+    QVERIFY(html.indexOf("name=\"editor-doors\"") < html.indexOf("car_door_positions.png"));
+    QVERIFY(html.indexOf("car_door_positions.png") < html.indexOf("name=\"editor-specs\""));
+    QVERIFY(html.indexOf("name=\"editor-physics\"") < html.indexOf("car_centre_of_mass.png"));
+    QVERIFY(html.indexOf("car_centre_of_mass.png") < html.indexOf("name=\"editor-steer\""));
 }
 
 namespace {
