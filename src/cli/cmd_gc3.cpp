@@ -192,6 +192,7 @@ void registerGc3Command(Command& app, Context& ctx) {
         "--break-links. Standard output: the files written and their .bak.\n"
         "Exit status: 0 applied, 1 refused or failed, 2 usage error.");
     a->common.addTo(*apply);
+    a->common.addBreakLinksOption(*apply);
     apply->addOption("PACK", a->pack, "The pack")->path()->required();
     apply->addOption("STYLE", a->style, "The style file to change")->path()->required();
     apply->addOption("FXT", a->fxt, "The ENGLISH.FXT to change")->path()->required();
