@@ -47,6 +47,15 @@ TEST_F(MovedSectionsFixture, PackForAnotherCarFollowsSectionsMovedByAResizeAndIt
     const auto tail = layouts->now.back();
     EXPECT_NE(tail.first, layouts->before.back().first);
 
+    // What the pack changes, told on the moved level: the car's field and its name.
+    const auto shown = tb::runCli({"gc3", "show", forOther.string(), styleIn("level").string(),
+                                   fxtIn("level").string(), "--workdir", (dir / "work").string()});
+    ASSERT_EQ(shown.status, 0) << shown.err;
+    EXPECT_NE(shown.out.find("Max Speed: " + field(other, "max_speed") + " -> " + speed),
+              std::string::npos)
+        << shown.out;
+    EXPECT_NE(shown.out.find("-> \"Zipper\""), std::string::npos) << shown.out;
+
     // The pack for the other car: applied through the command line, both edits kept.
     const auto applied =
         tb::runCli({"gc3", "apply", forOther.string(), styleIn("level").string(),
