@@ -86,8 +86,9 @@ bool MainForm::applyCarPackFile(const QString& path) {
         platform_.message(plan.refusal, Buttons::Ok, Icon::Warning);
         return false;
     }
-    const CarPackPreview preview = previewCarPack(pack.pack, *session_, plan.styleBefore,
-                                                  plan.fxtBefore, plan.styleAfter, plan.fxtAfter);
+    const CarPackPreview preview =
+        previewCarPack(plan.packAsPlaced(pack.pack), *session_, plan.styleBefore, plan.fxtBefore,
+                       plan.styleAfter, plan.fxtAfter);
     CarPackPreviewForm ask(preview, fileNameOf(packPath), CarPackPreviewForm::Purpose::Apply, this);
     if (execDialog(ask) != QDialog::Accepted) return false;
     // The apply itself goes through the one applier, which checks the files again (they may have

@@ -164,8 +164,9 @@ void registerGc3Command(Command& app, Context& ctx) {
         }
         // The names of the FXT given, wherever it lies; the decoded text itself is not needed.
         static_cast<void>(decodeFxtBytes(plan.fxtBefore, &session->names));
-        const CarPackPreview preview = previewCarPack(
-            pack.pack, *session, plan.styleBefore, plan.fxtBefore, plan.styleAfter, plan.fxtAfter);
+        const CarPackPreview preview =
+            previewCarPack(plan.packAsPlaced(pack.pack), *session, plan.styleBefore, plan.fxtBefore,
+                           plan.styleAfter, plan.fxtAfter);
         if (sh->json)
             ctx.out << previewJson(preview).dump(2, ' ', false,
                                                  nlohmann::ordered_json::error_handler_t::replace)

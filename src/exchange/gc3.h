@@ -191,6 +191,9 @@ struct Gc3Merged {
     std::vector<std::uint8_t> style, fxt;
     bool styleChanged = false, fxtChanged = false;
     std::vector<Gc3Conflict> conflicts;
+    // When the pack followed moved sections: its style runs at the places they took in the file
+    // now (bytes whose section changed size left out), for telling what it changes there.
+    std::optional<std::vector<Gc3Record>> styleRunsNow;
 };
 // Applies a pack to the files' bytes. Files that are the pack's unmodified files (by the
 // trailer's checksums, or without a trailer by the runs' fit) become its modified files exactly.

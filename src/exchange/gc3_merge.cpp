@@ -30,7 +30,17 @@ void addConflict(std::vector<Gc3Conflict>& conflicts, bool fxt, std::int64_t pos
 void mergeMoved(const std::vector<Gc3Record>& runs,
                 const std::vector<std::vector<std::uint8_t>>& originals,
                 const Gc3StyleLayouts& layouts, const std::vector<std::uint8_t>& current,
-                std::vector<std::uint8_t>& out, std::vector<Gc3Conflict>& conflicts) {
+                std::vector<std::uint8_t>& out, std::vector<Gc3Conflict>& conflicts,
+                std::vector<Gc3Record>& runsNow) {
+    // The changed bytes at their places now, gathered into runs of neighbouring places.
+    auto place = [&runsNow](std::int64_t q, std::uint8_t now) {
+        if (runsNow.empty() || runsNow.back().position + 1 != q)
+            runsNow.push_back({static_cast<std::int32_t>(q - 1), 0, {}});
+        Gc3Record& r = runsNow.back();
+        r.position = static_cast<std::int32_t>(q);
+        ++r.length;
+        r.data.push_back(now);
+    };
     for (std::size_t i = 0; i < runs.size(); ++i) {
         const Gc3Record& r = runs[i];
         const std::vector<std::uint8_t>& before = originals[i];
@@ -47,9 +57,12 @@ void mergeMoved(const std::vector<Gc3Record>& runs,
             const StyleSection& to = layouts.now[static_cast<std::size_t>(s)];
             const std::int64_t q = to.first + (p - from.first);
             const auto at = static_cast<std::size_t>(q - 1);
-            if (from.length != to.length || at >= current.size())
+            if (from.length != to.length || at >= current.size()) {
                 addConflict(conflicts, false, p, true);
-            else if (current[at] == was)
+                continue;
+            }
+            place(q, now);
+            if (current[at] == was)
                 out[at] = now;
             else if (current[at] != now)
                 addConflict(conflicts, false, p, true);
@@ -63,7 +76,8 @@ bool mergeFile(bool fxt, const std::vector<Gc3Record>& runs, std::int32_t result
                const std::vector<std::vector<std::uint8_t>>& originals, std::int32_t originalLength,
                const std::vector<std::uint8_t>& tail, const std::vector<std::uint8_t>& current,
                const std::optional<Gc3StyleLayouts>& layouts, std::vector<std::uint8_t>& out,
-               std::vector<Gc3Conflict>& conflicts) {
+               std::vector<Gc3Conflict>& conflicts,
+               std::optional<std::vector<Gc3Record>>& runsNow) {
     out = current;
     if (runs.empty() && resultLength == originalLength) return true; // the pack leaves it alone
     for (const Gc3Record& r : runs)
@@ -71,7 +85,7 @@ bool mergeFile(bool fxt, const std::vector<Gc3Record>& runs, std::int32_t result
     const auto length = static_cast<std::int64_t>(current.size());
     // The pack leaves the sections' sizes alone and knows where they were: it follows them.
     if (layouts && layouts->moved() && resultLength == originalLength) {
-        mergeMoved(runs, originals, *layouts, current, out, conflicts);
+        mergeMoved(runs, originals, *layouts, current, out, conflicts, runsNow.emplace());
         return true;
     }
     if (length != originalLength) {
@@ -150,6 +164,7 @@ Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
         const bool is24 = isG24FileName(style.path.filename().string());
         const std::optional<Gc3StyleLayouts> layouts =
             gc3StyleLayouts(*originals, style.bytes, is24);
+        std::optional<std::vector<Gc3Record>> unusedRuns; // the text file has no sections
         for (const File& f : files) {
             std::string why;
             const bool ok =
@@ -157,7 +172,8 @@ Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
                     ? rebuildFromRuns(f.file.bytes, f.runs, f.resultLength, f.out, why) &&
                           crc32(f.out) == f.resultCrc
                     : mergeFile(f.fxt, f.runs, f.resultLength, f.before, f.originalLength, f.tail,
-                                f.file.bytes, f.fxt ? std::nullopt : layouts, f.out, m.conflicts);
+                                f.file.bytes, f.fxt ? std::nullopt : layouts, f.out, m.conflicts,
+                                f.fxt ? unusedRuns : m.styleRunsNow);
             if (!ok)
                 return refused(Gc3Outcome::Damaged,
                                "This GC3 car pack is damaged: its runs do not fit the length it "

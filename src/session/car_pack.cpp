@@ -186,6 +186,10 @@ CarPackPlan planCarPack(const CarPackFile& file, const CarPackFiles& files) {
     plan.fxtAfter = std::move(merged.fxt);
     plan.styleChanged = merged.styleChanged;
     plan.fxtChanged = merged.fxtChanged;
+    if (merged.styleRunsNow) {
+        plan.placed = file.pack;
+        plan.placed->styleRecords = std::move(*merged.styleRunsNow);
+    }
     // What the files would be must open in the editor, whether the pack carries checksums or not.
     if (const std::string refused = checkLevelBytes(files.style, plan.styleAfter, plan.fxtAfter);
         !refused.empty())

@@ -55,7 +55,12 @@ struct CarPackPlan {
     Gc3Outcome outcome = Gc3Outcome::Applied;
     std::string refusal;
     std::vector<std::string> conflicts; // "Zed (ASN 19): Max Speed", "car name 3", ...
+    // The pack with its style runs where they fall in the files now, when it followed sections
+    // that moved since it was made.
+    std::optional<Gc3Pack> placed;
     bool applies() const { return refusal.empty(); }
+    // The pack to tell the changes by: `placed` when there is one, else the pack itself.
+    const Gc3Pack& packAsPlaced(const Gc3Pack& pack) const { return placed ? *placed : pack; }
 };
 [[nodiscard]] CarPackPlan planCarPack(const CarPackFile& pack, const CarPackFiles& files);
 

@@ -98,6 +98,44 @@ TEST_F(MovedSectionsFixture, PackForAnotherCarFollowsSectionsMovedByAResizeAndIt
     EXPECT_EQ(tb::readFile(styleIn("level")), before);
 }
 
+// A level with a page of CLUTs more: every section found from the end (palette index, car info,
+// sprite info, sprite graphics) lies 65536 bytes later, the car records too.
+TEST_F(MovedSectionsFixture, CarRecordsThatMovedWithTheColourTablesTakeThePackAndAreNamed) {
+    load("pristine");
+    const int car = twoCars().second;
+    const std::string speed = field(car, "max_speed") == "55" ? "56" : "55";
+    const fs::path pack = packOf("record", [&] { editField(car, "max_speed", speed); });
+    copyPristine("level");
+    auto bytes = tb::readFile(styleIn("level"));
+    const StyleHeader header = parseStyleHeader(bytes.data(), true);
+    const auto map = styleSectionMap(header, static_cast<std::int64_t>(bytes.size()));
+    ASSERT_EQ(std::string_view(map[4].name), "palette index");
+    bytes.insert(bytes.begin() + (map[4].first - 1), 65536, 0);
+    tb::putI32(bytes, 20, header.g24.clut_size + 65536); // clut_size
+    tb::writeFile(styleIn("level"), bytes);
+    load("level");
+    const std::string was = field(car, "max_speed");
+
+    const auto shown = tb::runCli({"gc3", "show", pack.string(), styleIn("level").string(),
+                                   fxtIn("level").string(), "--workdir", (dir / "work").string()});
+    ASSERT_EQ(shown.status, 0) << shown.err;
+    EXPECT_NE(shown.out.find("    Max Speed: " + was + " -> " + speed), std::string::npos)
+        << shown.out;
+    BackupRegistry fresh;
+    const CarPackApplied applied =
+        applyCarPack(pack, {styleIn("level"), fxtIn("level")}, platform, fresh);
+    ASSERT_EQ(applied.result, ApplyResult::Applied) << applied.message;
+    load("level");
+    EXPECT_EQ(field(car, "max_speed"), speed);
+    // Only the record changed: the file is the level with the pack's bytes at their new place.
+    const auto after = tb::readFile(styleIn("level"));
+    ASSERT_EQ(after.size(), bytes.size());
+    std::size_t differ = 0;
+    for (std::size_t i = 0; i < after.size(); ++i) differ += after[i] != bytes[i] ? 1 : 0;
+    EXPECT_GE(differ, 1u);
+    EXPECT_LE(differ, 2u);
+}
+
 TEST_F(MovedSectionsFixture, PackThatChangesTheLengthItselfIsStillRefusedOnAMovedLevel) {
     load("pristine");
     const auto [resized, other] = twoCars();

@@ -24,8 +24,9 @@ TEST_F(PackPicturesFixture, RepaintedSpriteIsPicturedBeforeAndAfterWithOnlyItsFi
     ASSERT_TRUE(readCarPack(pack, file, platform));
     const CarPackPlan plan = planCarPack(file, {styleIn("level"), fxtIn("level")});
     ASSERT_TRUE(plan.applies()) << plan.refusal;
-    const CarPackPreview preview = previewCarPack(file.pack, *session, plan.styleBefore,
-                                                  plan.fxtBefore, plan.styleAfter, plan.fxtAfter);
+    const CarPackPreview preview =
+        previewCarPack(plan.packAsPlaced(file.pack), *session, plan.styleBefore, plan.fxtBefore,
+                       plan.styleAfter, plan.fxtAfter);
     ASSERT_EQ(preview.sprites.size(), 1u);
     const CarPackPreview::Sprite& s = preview.sprites[0];
     ASSERT_EQ(searchNSelect(*session, platform, asn), SearchResult::Selected);

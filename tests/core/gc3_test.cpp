@@ -54,7 +54,7 @@ struct Gc3Fixture : ::testing::Test {
         Gc3Pack p;
         std::string why;
         if (!parseGc3(bytes, p, why))
-            return {{Gc3Outcome::Unreadable, why}, {}, {}, false, false, {}};
+            return {{Gc3Outcome::Unreadable, why}, {}, {}, false, false, {}, std::nullopt};
         const auto styleBytes = tb::readFile(style), fxtBytes = tb::readFile(fxt);
         return mergeGc3Pack(p, findGc3Trailer(bytes, p.header), findGc3Originals(bytes, p),
                             {style, styleBytes}, {fxt, fxtBytes});
