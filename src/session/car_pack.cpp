@@ -149,9 +149,9 @@ bool writeCarPack(const fs::path& modStyle, const fs::path& origStyle, const fs:
                   const fs::path& origFxt, const fs::path& pack, Platform& platform) {
     auto check = [&modStyle](const std::vector<std::uint8_t>& style,
                              const std::vector<std::uint8_t>& fxt) {
-        const std::string refused = checkLevelBytes(modStyle, style, fxt);
-        return refused.empty() ? refused
-                               : "The changed files would not open in the editor:\r" + refused;
+        const Result<void> opens = checkLevelBytes(modStyle, style, fxt);
+        return opens ? std::string()
+                     : "The changed files would not open in the editor:\r" + opens.message();
     };
     return writeGC3(modStyle, origStyle, modFxt, origFxt, pack, platform, secondsSinceMidnight,
                     check);
@@ -197,11 +197,11 @@ CarPackPlan planCarPack(const CarPackFile& file, const CarPackFiles& files) {
         plan.placed->styleRecords = std::move(*merged.styleRunsNow);
     }
     // What the files would be must open in the editor, whether the pack carries checksums or not.
-    if (const std::string refused = checkLevelBytes(files.style, plan.styleAfter, plan.fxtAfter);
-        !refused.empty())
+    if (const Result<void> opens = checkLevelBytes(files.style, plan.styleAfter, plan.fxtAfter);
+        !opens)
         return refuse(Gc3Outcome::Damaged,
                       "Applied, this GC3 car pack would give files the editor cannot open:\r" +
-                          refused + kNothingChanged);
+                          opens.message() + kNothingChanged);
     return plan;
 }
 

@@ -57,10 +57,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<StyleSession> loadLevelBytes(const std::filesystem::path& stylePath,
-                                             std::vector<std::uint8_t> style,
-                                             const std::vector<std::uint8_t>& fxt,
-                                             std::string& why) {
+Result<std::unique_ptr<StyleSession>> loadLevelBytes(const std::filesystem::path& stylePath,
+                                                     std::vector<std::uint8_t> style,
+                                                     const std::vector<std::uint8_t>& fxt) {
     QuietPlatform quiet;
     auto session = std::make_unique<StyleSession>();
     prepareStyle(session->style, stylePath, kLoadSprites);
@@ -80,16 +79,18 @@ std::unique_ptr<StyleSession> loadLevelBytes(const std::filesystem::path& styleP
     };
     // Warnings of a load that then opens the file refuse nothing: the editor opens it.
     if (initHeaderFromBytes(*session, quiet, loaders, style)) return session;
-    why.clear();
+    std::string why;
     for (const std::string& line : quiet.said) why += (why.empty() ? "" : "\r") + line;
     if (why.empty()) why = "The editor could not open the result.";
-    return nullptr;
+    return fail(why);
 }
 
-std::string checkLevelBytes(const std::filesystem::path& stylePath, std::vector<std::uint8_t> style,
-                            const std::vector<std::uint8_t>& fxt) {
-    std::string why;
-    return loadLevelBytes(stylePath, std::move(style), fxt, why) ? std::string{} : why;
+Result<void> checkLevelBytes(const std::filesystem::path& stylePath,
+                             std::vector<std::uint8_t> style,
+                             const std::vector<std::uint8_t>& fxt) {
+    const auto opened = loadLevelBytes(stylePath, std::move(style), fxt);
+    if (!opened) return fail(opened.message());
+    return {};
 }
 
 } // namespace torquil
