@@ -54,7 +54,7 @@ int main(int argc, char** argv) {
         std::cerr << "torquil-command-floor: cannot read " << argv[1] << "\n";
         return 1;
     }
-    std::size_t checksum = painter.image()[style.size() / 2 % (26 * 65536)];
+    std::size_t checksum = painter.painted() ? painter.image()[painter.painted() / 2] : 0;
     std::vector<std::vector<std::uint8_t>> contents(reads.size());
     for (std::size_t k = 0; k < reads.size(); ++k) {
         if (!readWholeFile(reads[k], contents[k])) {

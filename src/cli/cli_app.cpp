@@ -41,6 +41,9 @@ AppOptions makeAppOptions(const Context& ctx, const CommonOptions& common) {
     options.debugMode = common.debug;
     // The command line never splits a file from its other hard links unless told.
     options.links = common.breakLinks ? LinkPolicy::Break : LinkPolicy::Refuse;
+    // No command shows pages or takes an edit back.
+    options.showPages = false;
+    options.keepUndo = false;
     options.workDir = common.workdir.empty()
                           ? defaultWorkDir(ctx.executable)
                           : std::filesystem::absolute(argumentPath(common.workdir));

@@ -62,7 +62,11 @@ std::unique_ptr<StyleSession> loadLevelBytes(const std::filesystem::path& styleP
                                              const std::vector<std::uint8_t>& fxt,
                                              std::string& why) {
     QuietPlatform quiet;
-    auto session = std::make_unique<StyleSession>();
+    // A check and the sprites' places: nothing of it is shown or undone.
+    AppOptions options;
+    options.showPages = false;
+    options.keepUndo = false;
+    auto session = std::make_unique<StyleSession>(options);
     prepareStyle(session->style, stylePath, kLoadSprites);
     LoaderSet loaders = standardLoaders();
     // The names come from the text file about to be written, not from the one on the disk.

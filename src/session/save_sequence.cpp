@@ -160,6 +160,11 @@ bool SaveRun::openContent() {
         return false;
     }
     std::vector<std::uint8_t> bytes;
+    // The bytes the load kept are the file's while it has the stamp they were read with.
+    if (s_.keptStyle.takeIfUnchanged(style.path, bytes, styleReadAs_)) {
+        file_.openInMemory(style.path, std::move(bytes));
+        return true;
+    }
     styleReadAs_ = stampOf(style.path);
     if (!readWholeFile(style.path, bytes)) {
         out_.cause = describeCause(std::error_code(errno, std::generic_category()));
