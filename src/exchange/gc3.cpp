@@ -472,6 +472,14 @@ bool parseGc3(const std::vector<std::uint8_t>& bytes, Gc3Pack& pack, std::string
            parseRecords(bytes, h.FXTDataPosition, h.FXTDataPositionEnd, pack.fxtRecords, error);
 }
 
+namespace {
+
+std::uint32_t gc3CrcOf(const Gc3FileBytes& file) {
+    return file.crc ? *file.crc : crc32(file.bytes);
+}
+
+} // namespace
+
 Gc3Applied checkGc3Fit(const Gc3Pack& pack, const std::optional<Gc3Trailer>& trailer,
                        const Gc3FileBytes& style, const Gc3FileBytes& fxt,
                        std::vector<std::uint8_t>* styleResult,
@@ -481,8 +489,8 @@ Gc3Applied checkGc3Fit(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
     };
     // Torquil's packs say what they were made against and what they make.
     if (trailer) {
-        const std::uint32_t styleCrc = crc32(style.bytes);
-        const std::uint32_t fxtCrc = crc32(fxt.bytes);
+        const std::uint32_t styleCrc = gc3CrcOf(style);
+        const std::uint32_t fxtCrc = gc3CrcOf(fxt);
         if (styleCrc == trailer->resultStyle && fxtCrc == trailer->resultFxt)
             return refused(Gc3Outcome::AlreadyApplied,
                            "This GC3 car pack is already applied to " + style.path.string() +
@@ -600,13 +608,21 @@ Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
     };
     const std::string both =
         style.path.filename().string() + " and " + fxt.path.filename().string();
-    const bool edited = trailer && (crc32(style.bytes) != trailer->originalStyle ||
-                                    crc32(fxt.bytes) != trailer->originalFxt);
+    // Each file's checksum is taken once, for every test below.
+    std::optional<std::uint32_t> styleCrc = style.crc, fxtCrc = fxt.crc;
+    if (trailer) {
+        styleCrc = gc3CrcOf(style);
+        fxtCrc = gc3CrcOf(fxt);
+    }
+    const Gc3FileBytes styleFile{style.path, style.bytes, styleCrc};
+    const Gc3FileBytes fxtFile{fxt.path, fxt.bytes, fxtCrc};
+    const bool edited =
+        trailer && (*styleCrc != trailer->originalStyle || *fxtCrc != trailer->originalFxt);
     if (!edited || !originals) {
-        const Gc3Applied fit = checkGc3Fit(pack, trailer, style, fxt, &m.style, &m.fxt);
+        const Gc3Applied fit = checkGc3Fit(pack, trailer, styleFile, fxtFile, &m.style, &m.fxt);
         if (fit.outcome != Gc3Outcome::Applied) return refused(fit.outcome, fit.message);
     } else {
-        if (crc32(style.bytes) == trailer->resultStyle && crc32(fxt.bytes) == trailer->resultFxt)
+        if (*styleCrc == trailer->resultStyle && *fxtCrc == trailer->resultFxt)
             return refused(Gc3Outcome::AlreadyApplied,
                            "This GC3 car pack is already applied to " + style.path.string() +
                                " and " + fxt.path.string() + ": nothing was written.");
@@ -620,16 +636,16 @@ Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
             const std::vector<std::uint8_t>& tail;
             std::vector<std::uint8_t>& out;
         };
-        const File files[] = {{false, style, pack.styleRecords, pack.header.StyleDataLOF,
+        const File files[] = {{false, styleFile, pack.styleRecords, pack.header.StyleDataLOF,
                                originals->styleLength, trailer->originalStyle, trailer->resultStyle,
                                originals->style, originals->styleTail, m.style},
-                              {true, fxt, pack.fxtRecords, pack.header.FXTDataLOF,
+                              {true, fxtFile, pack.fxtRecords, pack.header.FXTDataLOF,
                                originals->fxtLength, trailer->originalFxt, trailer->resultFxt,
                                originals->fxt, originals->fxtTail, m.fxt}};
         for (const File& f : files) {
             std::string why;
             const bool ok =
-                crc32(f.file.bytes) == f.originalCrc
+                gc3CrcOf(f.file) == f.originalCrc
                     ? rebuildFromRuns(f.file.bytes, f.runs, f.resultLength, f.out, why) &&
                           crc32(f.out) == f.resultCrc
                     : mergeFile(f.fxt, f.runs, f.resultLength, f.before, f.originalLength, f.tail,

@@ -151,6 +151,7 @@ struct Gc3Applied {
 struct Gc3FileBytes {
     const std::filesystem::path& path;
     const std::vector<std::uint8_t>& bytes;
+    std::optional<std::uint32_t> crc = {}; // crc32(bytes) when the caller has it already
 };
 // Whether a pack can be applied to these files, without touching the disk: Applied when it can
 // (with the two results when asked for), else the refusal: AlreadyApplied or FilesDiffer by the
