@@ -66,8 +66,9 @@ std::uint8_t gc3EncryptByte(double seconds);
 void diffFiles(BinaryFile& modified, BinaryFile& original, BinaryFile& pack, Platform& platform);
 
 // Checks a new style file and text file with the editor's own checks before they replace
-// anything: empty when they pass, else the cause in words.
-using Gc3ResultCheck = std::function<std::string(const std::vector<std::uint8_t>& style,
+// anything: empty when they pass, else the cause in words. The style bytes are lent, to be
+// checked where they lie, and must be as they were afterwards.
+using Gc3ResultCheck = std::function<std::string(std::vector<std::uint8_t>& style,
                                                  const std::vector<std::uint8_t>& fxt)>;
 
 // Writes a pack from a modified and an original style file and text file. Reports its own errors

@@ -126,9 +126,9 @@ bool readCarPack(const fs::path& path, CarPackFile& out, Platform& platform) {
 
 bool writeCarPack(const fs::path& modStyle, const fs::path& origStyle, const fs::path& modFxt,
                   const fs::path& origFxt, const fs::path& pack, Platform& platform) {
-    auto check = [&modStyle](const std::vector<std::uint8_t>& style,
+    auto check = [&modStyle](std::vector<std::uint8_t>& style,
                              const std::vector<std::uint8_t>& fxt) {
-        const std::string refused = checkLevelBytes(modStyle, style, fxt);
+        const std::string refused = checkLentLevelBytes(modStyle, style, fxt);
         return refused.empty() ? refused
                                : "The changed files would not open in the editor:\r" + refused;
     };
@@ -171,7 +171,8 @@ CarPackPlan planCarPack(const CarPackFile& file, const CarPackFiles& files) {
     plan.styleChanged = merged.styleChanged;
     plan.fxtChanged = merged.fxtChanged;
     // What the files would be must open in the editor, whether the pack carries checksums or not.
-    if (const std::string refused = checkLevelBytes(files.style, plan.styleAfter, plan.fxtAfter);
+    if (const std::string refused =
+            checkLentLevelBytes(files.style, plan.styleAfter, plan.fxtAfter);
         !refused.empty())
         return refuse(Gc3Outcome::Damaged,
                       "Applied, this GC3 car pack would give files the editor cannot open:\r" +

@@ -57,10 +57,13 @@ private:
 
 } // namespace
 
-std::unique_ptr<StyleSession> loadLevelBytes(const std::filesystem::path& stylePath,
-                                             std::vector<std::uint8_t> style,
-                                             const std::vector<std::uint8_t>& fxt,
-                                             std::string& why) {
+namespace {
+
+// The load of loadLevelBytes on the caller's bytes where they lie: the loaders only read them.
+std::unique_ptr<StyleSession> loadLevelBytesInPlace(const std::filesystem::path& stylePath,
+                                                    std::vector<std::uint8_t>& style,
+                                                    const std::vector<std::uint8_t>& fxt,
+                                                    std::string& why) {
     QuietPlatform quiet;
     // A check and the sprites' places: nothing of it is shown or undone.
     AppOptions options;
@@ -88,6 +91,22 @@ std::unique_ptr<StyleSession> loadLevelBytes(const std::filesystem::path& styleP
     for (const std::string& line : quiet.said) why += (why.empty() ? "" : "\r") + line;
     if (why.empty()) why = "The editor could not open the result.";
     return nullptr;
+}
+
+} // namespace
+
+std::unique_ptr<StyleSession> loadLevelBytes(const std::filesystem::path& stylePath,
+                                             std::vector<std::uint8_t> style,
+                                             const std::vector<std::uint8_t>& fxt,
+                                             std::string& why) {
+    return loadLevelBytesInPlace(stylePath, style, fxt, why);
+}
+
+std::string checkLentLevelBytes(const std::filesystem::path& stylePath,
+                                std::vector<std::uint8_t>& style,
+                                const std::vector<std::uint8_t>& fxt) {
+    std::string why;
+    return loadLevelBytesInPlace(stylePath, style, fxt, why) ? std::string{} : why;
 }
 
 std::string checkLevelBytes(const std::filesystem::path& stylePath, std::vector<std::uint8_t> style,

@@ -19,6 +19,12 @@ class StyleSession;
                                           std::vector<std::uint8_t> style,
                                           const std::vector<std::uint8_t>& fxt);
 
+// The same check on bytes the caller lends: they are loaded where they lie, not copied, and are
+// as they were afterwards (the loaders only read).
+[[nodiscard]] std::string checkLentLevelBytes(const std::filesystem::path& stylePath,
+                                              std::vector<std::uint8_t>& style,
+                                              const std::vector<std::uint8_t>& fxt);
+
 // The session the editor would open from those bytes (with its sprites); null, with `why` set
 // to what the editor would say, when it would refuse them.
 [[nodiscard]] std::unique_ptr<StyleSession> loadLevelBytes(const std::filesystem::path& stylePath,

@@ -7,6 +7,7 @@
 #include "sample_level.h"
 #include "session/car_edit.h"
 #include "session/edits.h"
+#include "session/level_bytes_check.h"
 #include "session/load_sequence.h"
 #include "session/loaders.h"
 #include "session/save_sequence.h"
@@ -174,4 +175,21 @@ TEST(UnshownPages, SessionWithoutPagesPaintsNothingAndRecordsNoUndoYetSaves) {
     ASSERT_EQ(saveChanges(*unshown, p, options).result, SaveResult::Saved);
     tb::FakePlatform check;
     EXPECT_EQ(loadKept(style, check, {false, false})->cars.find(asn)->info.width, 19);
+}
+
+TEST(LentLevelBytes, AreCheckedWhereTheyLieAndLeftAsTheyWere) {
+    tb::TempDir dir;
+    const fs::path style = dir / "STYLE001.G24";
+    const auto fxt = tb::encodeFxt(tb::sampleFxtEntries());
+    std::vector<std::uint8_t> bytes = tb::buildStyle(tb::sampleSpec24());
+    const auto whole = bytes;
+    EXPECT_EQ(checkLentLevelBytes(style, bytes, fxt), "");
+    EXPECT_EQ(bytes, whole);
+    // Cut short: refused with the words of the copying check, and still as lent.
+    bytes.resize(bytes.size() / 2);
+    const auto cut = bytes;
+    const std::string refused = checkLentLevelBytes(style, bytes, fxt);
+    EXPECT_FALSE(refused.empty());
+    EXPECT_EQ(refused, checkLevelBytes(style, cut, fxt));
+    EXPECT_EQ(bytes, cut);
 }
