@@ -1,11 +1,13 @@
 #include "app/delta_pic_form.h"
 
 #include <QHBoxLayout>
+#include <QKeySequence>
 #include <QLabel>
 #include <QPainter>
 #include <QPixmap>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QShortcut>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -106,6 +108,18 @@ void DeltaPicForm::offerDeltaEdits(std::function<void()> add, std::function<void
     connect(removeButton, &QPushButton::clicked, this, [this, remove] { remove(current_); });
     buttons_->addWidget(addButton);
     buttons_->addWidget(removeButton);
+}
+
+void DeltaPicForm::offerPaintEdit(std::function<void()> edit) {
+    if (!buttons_) return;
+    auto* button = new QPushButton(tr("Edit in &Paint Program"), this);
+    button->setObjectName("editInPaint");
+    button->setToolTip(tr("Opens the delta set as one picture in the paint program (Ctrl+E); "
+                          "each saved version is offered for import"));
+    connect(button, &QPushButton::clicked, this, [edit] { edit(); });
+    auto* shortcut = new QShortcut(QKeySequence(tr("Ctrl+E")), this);
+    connect(shortcut, &QShortcut::activated, button, &QPushButton::click);
+    buttons_->addWidget(button);
 }
 
 void DeltaPicForm::setPicture(const QImage& picture) {

@@ -48,6 +48,8 @@ public:
     QRect stripFrameRect(int index) const;
     // The delta view's "Add Delta" and "Remove Delta" buttons; remove is given the frame shown.
     void offerDeltaEdits(std::function<void()> add, std::function<void(int frame)> remove);
+    // The delta view's "Edit in Paint Program" button (also Ctrl+E in the view).
+    void offerPaintEdit(std::function<void()> edit);
 
 private:
     void buildStrip();

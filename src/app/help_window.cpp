@@ -61,6 +61,8 @@ bool HelpWindow::showManual(const QString& anchor) {
         QFile manual(QStringLiteral(":/torquil/help/manual.html"));
         if (!manual.open(QIODevice::ReadOnly)) return false;
         browser_->document()->setDefaultFont(font());
+        // The manual's pictures (screenshots/...) live beside it in the resources.
+        browser_->document()->setBaseUrl(QUrl(QStringLiteral("qrc:/torquil/help/")));
         browser_->setHtml(QString::fromUtf8(manual.readAll()));
         manualLoaded_ = true;
     }

@@ -6,6 +6,7 @@
 #include "app/main_menus.h"
 #include "app/main_tool_bar.h"
 #include "app/page_board.h"
+#include "app/paint_watch.h"
 #include "base/runtime_error.h"
 #include "base/work_dir.h"
 #include "platform/qt/qt_platform.h"
@@ -34,7 +35,7 @@ namespace {
 
 const QStringList kNeedSprite = {"mnuExportSprite",     "mnuImportSprite", "mnuExportSpriteAs",
                                  "mnuImportSpriteFrom", "mnuTranspCheck",  "mnuTranspCorrect",
-                                 "exportsprite",        "importsprite"};
+                                 "mnuEditInPaint",      "exportsprite",    "importsprite"};
 const QStringList kNeedCar = {"mnuEditCar", "carinfo"};
 // Delta set commands need a selected sprite that has deltas.
 const QStringList kNeedDeltas = {"mnuExportDeltas0",  "mnuExportDeltas1", "mnuImportDeltas",
@@ -119,6 +120,8 @@ void MainForm::buildWindow() {
     for (int z = 1; z <= 4; ++z) zoomBox_->addItem(tr("%1x").arg(z), z);
     statusBar()->addWidget(status_, 1);
     exportNotice_ = new ExportNotice(this);
+    paintWatch_ = new PaintWatch(this);
+    connect(paintWatch_, &PaintWatch::changed, this, &MainForm::offerPaintedPicture);
     statusBar()->addWidget(exportNotice_, 3); // a path needs the room more than the hover text
     statusBar()->addPermanentWidget(selectionLabel_);
     statusBar()->addPermanentWidget(zoomBox_);
@@ -158,6 +161,8 @@ void MainForm::connectCommands() {
     connectMenu("mnuTranspCorrect", &MainForm::mnuTranspCorrect_Click);
     connectMenu("mnuFindCar", &MainForm::mnuFindCar_Click);
     connectMenu("mnuEditCar", &MainForm::mnuEditCar_Click);
+    connectMenu("mnuEditInPaint", &MainForm::mnuEditInPaint_Click);
+    connectMenu("mnuSettings", &MainForm::mnuSettings_Click);
     connectMenu("mnuFormExpand", &MainForm::mnuFormExpand_Click);
     connectMenu("mnuFormShrink", &MainForm::mnuFormShrink_Click);
     connectMenu("mnuDbgReadGC3", &MainForm::mnuDbgReadGC3_Click);

@@ -9,8 +9,11 @@
 #include "session/session_io.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
+#include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -21,6 +24,7 @@ class QDropEvent;
 class QMimeData;
 class QDialog;
 class QLabel;
+class QMessageBox;
 
 namespace torquil {
 
@@ -31,6 +35,7 @@ class HelpWindow;
 class MainMenus;
 class MainToolBar;
 class PageBoard;
+class PaintWatch;
 class QtPlatform;
 
 class MainForm : public QMainWindow {
@@ -81,6 +86,12 @@ public:
     bool stepSelection(int step);
     // Opens the manual at a help context's topic (0: contents, 100 + page: the car editor).
     bool showHelpTopic(int context);
+
+    // The pictures out in a paint program, watched for new versions.
+    PaintWatch* paintWatch() const { return paintWatch_; }
+    // Sprite > Edit in Paint Program: the selected sprite (or its delta set, clean or drawn over
+    // the sprite) written as a picture, opened in the paint program and watched.
+    void editInPaint(bool deltaSet = false, bool clean = false);
 
     // Edit menu: takes back the last edit or does the next undone one again.
     void undo();
@@ -166,6 +177,22 @@ private:
     void mnuFormExpand_Click();
     void mnuFormShrink_Click();
     void importBitmapFile(const QString& path);
+    // The sprite import of a picture of any size into the selected sprite: a size of its own asks
+    // the resize question first, and a resized car is offered its new collision size.
+    void importSpritePicture(const std::filesystem::path& file);
+    // The delta set import of a picture into the selected sprite; another number of frames asks
+    // the delta count question first.
+    void importDeltaSetPicture(const std::filesystem::path& file, bool clean);
+    // After a resize: the car's collision size (its record's width and height) set to the
+    // sprite's new size when the user says so; a step of its own.
+    void offerCollisionSize(int asn);
+
+    // Edit in Paint Program and the offers of changed pictures (main_form_paint.cpp).
+    void mnuEditInPaint_Click();
+    void mnuSettings_Click();
+    void offerPaintedPicture(const QString& file);
+    void takePaintedPicture(const QString& file);
+    void forgetPaintEdits();
 
     // The car list, fit zoom, keyboard selection, file path and help window
     // (main_form_view.cpp).
@@ -201,6 +228,8 @@ private:
     CarListDock* carList_ = nullptr;
     HelpWindow* help_ = nullptr;
     ExportNotice* exportNotice_ = nullptr;
+    PaintWatch* paintWatch_ = nullptr;
+    std::map<QString, QPointer<QMessageBox>> paintOffers_; // open offers by picture file
 };
 
 } // namespace torquil

@@ -81,6 +81,7 @@ void MainForm::loadStyle(const QString& path, int loadOption) {
 }
 
 void MainForm::afterLoad(bool loaded) {
+    forgetPaintEdits(); // the pictures out for painting were of the sprites of the old session
     board_->setSession(session_.get());
     setCommandGroup(0, false);
     setCommandGroup(1, true);

@@ -48,7 +48,12 @@ void MainForm::mnuExportSprite_Click() {
 void MainForm::mnuImportSprite_Click() {
     const SpriteRec* sprite = session_->selectedSprite();
     if (!sprite) return;
-    const std::filesystem::path file = session_->workPath(bmpFileName(*session_, *sprite));
+    importSpritePicture(session_->workPath(bmpFileName(*session_, *sprite)));
+}
+
+void MainForm::importSpritePicture(const std::filesystem::path& file) {
+    const SpriteRec* sprite = session_->selectedSprite();
+    if (!sprite) return;
     // A picture of another size: say what a resize would do (new place, deltas that no longer
     // fit) and ask before anything changes.
     ResizeChoice choice;
@@ -66,10 +71,12 @@ void MainForm::mnuImportSprite_Click() {
         choice = {true, true};
     }
     // A refused import may still have overwritten the CLUT: the dirty flags tell.
-    (void)importSpriteResizing(*session_, platform_, file, choice);
+    const int asn = sprite->ASN;
+    const bool resized = importSpriteResizing(*session_, platform_, file, choice) && choice.resize;
     markChanged();
     updateStatusForSelection();
     board_->refresh();
+    if (resized) offerCollisionSize(asn);
 }
 
 void MainForm::mnuExportSpriteAs_Click() {
@@ -140,7 +147,12 @@ void MainForm::mnuImportDeltas_Click() {
                               "No: each delta is drawn over the sprite.",
                           Buttons::YesNoCancel, Icon::Question, "Import Delta Set");
     if (kind == Answer::Cancel) return;
-    const std::filesystem::path file(chosen.toStdString());
+    importDeltaSetPicture(std::filesystem::path(chosen.toStdString()), kind == Answer::Yes);
+}
+
+void MainForm::importDeltaSetPicture(const std::filesystem::path& file, bool clean) {
+    const SpriteRec* sprite = session_->selectedSprite();
+    if (!sprite) return;
     // A picture with another number of frames sets the delta count: asked first.
     DeltaCountChoice choice;
     if (const auto size = pictureSize(file); size && sprite->W > 0 && size->height == sprite->H &&
@@ -154,8 +166,7 @@ void MainForm::mnuImportDeltas_Click() {
             return;
         choice = {true, true};
     }
-    const DeltaSetImport result =
-        importDeltaSetResizing(*session_, platform_, file, kind == Answer::Yes, choice);
+    const DeltaSetImport result = importDeltaSetResizing(*session_, platform_, file, clean, choice);
     markChanged(); // a refused import may still have overwritten the CLUT
     if (!result.imported) return;
     statusBar()->showMessage(
@@ -204,6 +215,8 @@ void MainForm::mnuViewDeltas_Click(int index) {
                 return;
             if (removeDelta(*session_, platform_, frame, used)) reopen();
         });
+    // The plain view hands out the clean delta set, the view with the car the dirty one.
+    form->offerPaintEdit([this, index] { guarded([=, this] { editInPaint(true, index == 0); }); });
     form->show();
 }
 

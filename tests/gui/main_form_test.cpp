@@ -1,4 +1,4 @@
-// The main window on the sample level: menus, toolbar and command groups, opening files through
+// The main window on the sample level: command groups, opening files through
 // the real dialog, the board, finding and editing cars, saving, and the questions on the way.
 
 #include "gui_fixture.h"
@@ -51,7 +51,6 @@ struct Harness : torquil::testing::WindowHarness {
 class MainFormTest : public QObject {
     Q_OBJECT
 private slots:
-    void menuTreeAndToolbarKeepTheirNamesAndTexts();
     void commandGroupsSwitchTheirMembers();
     void beforeAnyFileOnlyOpenIsOnAndClosingAsksNothing();
     void openingTheSampleThroughTheDialogSetsCaptionCommandsAndBoard();
@@ -67,108 +66,6 @@ private slots:
     void readMeHelpAboutAndDebugEntries();
     void windowRemembersZoomAndShrinksToOnePage();
 };
-
-void MainFormTest::menuTreeAndToolbarKeepTheirNamesAndTexts() {
-    Harness h;
-    QStringList tree;
-    std::function<void(QMenu*, int)> walk = [&](QMenu* menu, int depth) {
-        for (QAction* a : menu->actions()) {
-            tree << QString(depth, '-') + a->objectName() + "=" +
-                        (a->isSeparator() ? "|" : a->text()) + (a->isCheckable() ? "[x]" : "");
-            if (a->menu()) walk(a->menu(), depth + 1);
-        }
-    };
-    for (QAction* top : h.form->menuBar()->actions()) {
-        tree << top->objectName() + "=" + top->text();
-        walk(top->menu(), 1);
-    }
-    const QStringList expected = {"mnuFile=&File",
-                                  "-mnuOpen=&Open KRB Data File",
-                                  "-mnuRecent=Open &Recent",
-                                  "--mnuRecentNone=(no recent files)",
-                                  "-void3=|",
-                                  "-mnuFileLoad=&Load",
-                                  "--mnuLoadGC3=GC3 Car Pack",
-                                  "--mnuLoadBMP=BMP Car",
-                                  "-mnuFileBuild=&Build",
-                                  "--mnuBuildGC3=GC3 Car Pack",
-                                  "-void1=|",
-                                  "-mnuSaveBlock=&Save Changes",
-                                  "-void2=|",
-                                  "-mnuExit=E&xit",
-                                  "mnuEdit=&Edit",
-                                  "-mnuUndo=&Undo",
-                                  "-mnuRedo=&Redo",
-                                  "mnuSprite=&Sprite",
-                                  "-mnuImport=&Import",
-                                  "--mnuImportSprite=&Sprite",
-                                  "--mnuImportSpriteFrom=Import Sprite &From...",
-                                  "--mnuImportDeltas=&Delta Set",
-                                  "-mnuExport=&Export",
-                                  "--mnuExportSprite=&Sprite",
-                                  "--mnuExportSpriteAs=Export Sprite &As...",
-                                  "--mnuExportDeltas0=&Delta Set",
-                                  "--mnuExportDeltas1=Delta Set (&Clean)",
-                                  "-mnuView=&View",
-                                  "--mnuViewDeltas0=Deltas (&plain)",
-                                  "--mnuViewDeltas1=&Deltas (with car)",
-                                  "-mnuTransp=&Transparency",
-                                  "--mnuTranspCheck=&View",
-                                  "--mnuTranspCorrect=&Fix",
-                                  "mnuCarInfo=&Car Info",
-                                  "-mnuFindCar=&Find Car",
-                                  "-mnuEditCar=&Edit Car",
-                                  "mnuBoardView=&View",
-                                  "-mnuCarList=Car &List[x]",
-                                  "-mnuFitZoom=&Fit Pages to Window",
-                                  "mnuWindow=&Window",
-                                  "-mnuFormExpand=&Expand to Screen",
-                                  "-mnuFormShrink=&Shrink to Page",
-                                  "-=|",
-                                  "-mnuZoom=&Zoom",
-                                  "--mnuZoom1=1x[x]",
-                                  "--mnuZoom2=2x[x]",
-                                  "--mnuZoom3=3x[x]",
-                                  "--mnuZoom4=4x[x]",
-                                  "mnuDebug=&Debug",
-                                  "-mnuDbgReadGC3=ReadGC3",
-                                  "-mnudbgfxttxt=WriteGC3",
-                                  "-mnuWinDetails=Show &Details Window",
-                                  "-mnuGenCarInfoFiles=Generate CarInfo Files[x]",
-                                  "-mnuGenSpriteInfoFiles=Generate SpriteInfo Files[x]",
-                                  "-mnuGenCLUTFiles=Generate PalIndex/CLUTData Files[x]",
-                                  "-mnuGenDeltaDump=Generate Delta Dump Files[x]",
-                                  "mnuHelp=&Help",
-                                  "-mnuHelpContents=&Contents",
-                                  "-mnuHelpSearch=&Search For Help On...",
-                                  "-mnuReadMe=&Read Me File",
-                                  "-void4=|",
-                                  "-mnuAbout=&About Torquil..."};
-    QCOMPARE(tree, expected);
-
-    QStringList buttons;
-    for (QAction* a : h.form->toolBar()->actions())
-        buttons << (a->isSeparator() ? QStringLiteral("|") : a->objectName() + "=" + a->toolTip());
-    const QStringList expectedButtons = {"open=Open Style File:",
-                                         "save=Save Style File",
-                                         "|",
-                                         "loadbmp=Quickload a BMP file",
-                                         "loadgc3=Load GC3 Car Pack",
-                                         "|",
-                                         "carinfo=Edit Car Info Settings",
-                                         "find=Find Car",
-                                         "|",
-                                         "exportsprite=Export Sprite",
-                                         "importsprite=Import Sprite",
-                                         "|",
-                                         "exportdeltasdirty=Export Delta Set Dirty for reference",
-                                         "|",
-                                         "exportdeltasclean=Export Delta Set Clean for self build",
-                                         "importdeltas=Import Delta Set"};
-    QCOMPARE(buttons, expectedButtons);
-    for (QAction* a : h.form->toolBar()->actions())
-        if (!a->isSeparator()) QVERIFY(!a->icon().isNull());
-}
 
 void MainFormTest::commandGroupsSwitchTheirMembers() {
     CommandGroups groups;

@@ -54,6 +54,7 @@ private slots:
     void everyFieldHasItsRowWithItsDescription();
     void everyHelpTopicIsInTheManual();
     void helpButtonOfThePaletteQuestionOpensItsTopic();
+    void everyPictureOfTheManualLoads();
 };
 
 void ManualTest::everyMenuEntryHasItsSection() {
@@ -134,6 +135,21 @@ void ManualTest::helpButtonOfThePaletteQuestionOpensItsTopic() {
     QCOMPARE(boxes, 2);
     QVERIFY(h.form->helpWindow());
     QCOMPARE(h.form->helpWindow()->anchor(), QString("palette"));
+}
+
+void ManualTest::everyPictureOfTheManualLoads() {
+    HelpWindow help;
+    QVERIFY(help.showManual());
+    QStringList pictures;
+    const QRegularExpression image(QStringLiteral("<img src=\"([^\"]+)\""));
+    for (auto it = image.globalMatch(help.browser()->document()->toHtml()); it.hasNext();)
+        pictures << it.next().captured(1);
+    QVERIFY(pictures.contains("screenshots/resize_question.png"));
+    for (const QString& picture : pictures) {
+        const QVariant loaded =
+            help.browser()->document()->resource(QTextDocument::ImageResource, QUrl(picture));
+        QVERIFY2(loaded.isValid(), qPrintable(picture));
+    }
 }
 
 QTEST_MAIN(ManualTest)
