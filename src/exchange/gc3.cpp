@@ -476,14 +476,6 @@ bool parseGc3(const std::vector<std::uint8_t>& bytes, Gc3Pack& pack, std::string
            parseRecords(bytes, h.FXTDataPosition, h.FXTDataPositionEnd, pack.fxtRecords, error);
 }
 
-namespace {
-
-std::uint32_t gc3CrcOf(const Gc3FileBytes& file) {
-    return file.crc ? *file.crc : crc32(file.bytes);
-}
-
-} // namespace
-
 Gc3Applied checkGc3Fit(const Gc3Pack& pack, const std::optional<Gc3Trailer>& trailer,
                        const Gc3FileBytes& style, const Gc3FileBytes& fxt,
                        std::vector<std::uint8_t>* styleResult,
@@ -493,8 +485,8 @@ Gc3Applied checkGc3Fit(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
     };
     // Torquil's packs say what they were made against and what they make.
     if (trailer) {
-        const std::uint32_t styleCrc = gc3CrcOf(style);
-        const std::uint32_t fxtCrc = gc3CrcOf(fxt);
+        const std::uint32_t styleCrc = style.checksum();
+        const std::uint32_t fxtCrc = fxt.checksum();
         if (styleCrc == trailer->resultStyle && fxtCrc == trailer->resultFxt)
             return refused(Gc3Outcome::AlreadyApplied,
                            "This GC3 car pack is already applied to " + style.path.string() +
@@ -541,143 +533,6 @@ Gc3Applied checkGc3Fit(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
     if (styleResult) *styleResult = std::move(targets[0].result);
     if (fxtResult) *fxtResult = std::move(targets[1].result);
     return {Gc3Outcome::Applied, {}};
-}
-
-namespace {
-
-void addConflict(std::vector<Gc3Conflict>& conflicts, bool fxt, std::int64_t position) {
-    if (!conflicts.empty() && conflicts.back().fxt == fxt && !conflicts.back().moved &&
-        conflicts.back().last + 1 >= position) {
-        conflicts.back().last = std::max(conflicts.back().last, position);
-        return;
-    }
-    conflicts.push_back({fxt, position, position, false});
-}
-
-// One file of a pack merged into a file edited since it was made (see mergeGc3Pack). False when
-// the pack's runs do not fit its own recorded length.
-bool mergeFile(bool fxt, const std::vector<Gc3Record>& runs, std::int32_t resultLength,
-               const std::vector<std::vector<std::uint8_t>>& originals, std::int32_t originalLength,
-               const std::vector<std::uint8_t>& tail, const std::vector<std::uint8_t>& current,
-               std::vector<std::uint8_t>& out, std::vector<Gc3Conflict>& conflicts) {
-    out = current;
-    if (runs.empty() && resultLength == originalLength) return true; // the pack leaves it alone
-    for (const Gc3Record& r : runs)
-        if (r.position > resultLength) return false;
-    const auto length = static_cast<std::int64_t>(current.size());
-    if (length != originalLength) {
-        // Sections grew or shrank since: the runs' positions no longer mean the same bytes.
-        conflicts.push_back({fxt, 1, length, true});
-        return true;
-    }
-    if (resultLength < originalLength) {
-        const auto cut = current.begin() + resultLength;
-        if (!std::equal(tail.begin(), tail.end(), cut, current.end()))
-            conflicts.push_back({fxt, resultLength + 1, length, false});
-    }
-    out.resize(static_cast<std::size_t>(resultLength), 0);
-    for (std::size_t i = 0; i < runs.size(); ++i) {
-        const Gc3Record& r = runs[i];
-        const std::vector<std::uint8_t>& before = originals[i];
-        for (std::int32_t k = 0; k < r.length; ++k) {
-            const std::int64_t p = r.first() + k; // 1-based
-            const std::uint8_t now = r.data[static_cast<std::size_t>(k)];
-            const auto at = static_cast<std::size_t>(p - 1);
-            if (static_cast<std::size_t>(k) >= before.size()) { // past the unmodified file's end
-                out[at] = now;
-                continue;
-            }
-            const std::uint8_t was = before[static_cast<std::size_t>(k)];
-            if (was == now) continue; // carried along by the run: the file's own byte stays
-            if (current[at] == was)
-                out[at] = now;
-            else if (current[at] != now)
-                addConflict(conflicts, fxt, p);
-        }
-    }
-    return true;
-}
-
-} // namespace
-
-Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& trailer,
-                       const std::optional<Gc3Originals>& originals, const Gc3FileBytes& style,
-                       const Gc3FileBytes& fxt) {
-    Gc3Merged m;
-    auto refused = [&m](Gc3Outcome outcome, std::string message) {
-        m.applied = {outcome, std::move(message)};
-        m.style.clear();
-        m.fxt.clear();
-        return m;
-    };
-    const std::string both =
-        style.path.filename().string() + " and " + fxt.path.filename().string();
-    // Each file's checksum is taken once, for every test below.
-    std::optional<std::uint32_t> styleCrc = style.crc, fxtCrc = fxt.crc;
-    if (trailer) {
-        styleCrc = gc3CrcOf(style);
-        fxtCrc = gc3CrcOf(fxt);
-    }
-    const Gc3FileBytes styleFile{style.path, style.bytes, styleCrc};
-    const Gc3FileBytes fxtFile{fxt.path, fxt.bytes, fxtCrc};
-    const bool edited =
-        trailer && (*styleCrc != trailer->originalStyle || *fxtCrc != trailer->originalFxt);
-    if (!edited || !originals) {
-        const Gc3Applied fit = checkGc3Fit(pack, trailer, styleFile, fxtFile, &m.style, &m.fxt);
-        if (fit.outcome != Gc3Outcome::Applied) return refused(fit.outcome, fit.message);
-    } else {
-        if (*styleCrc == trailer->resultStyle && *fxtCrc == trailer->resultFxt)
-            return refused(Gc3Outcome::AlreadyApplied,
-                           "This GC3 car pack is already applied to " + style.path.string() +
-                               " and " + fxt.path.string() + ": nothing was written.");
-        struct File {
-            bool fxt;
-            const Gc3FileBytes& file;
-            const std::vector<Gc3Record>& runs;
-            std::int32_t resultLength, originalLength;
-            std::uint32_t originalCrc, resultCrc;
-            const std::vector<std::vector<std::uint8_t>>& before;
-            const std::vector<std::uint8_t>& tail;
-            std::vector<std::uint8_t>& out;
-        };
-        const File files[] = {{false, styleFile, pack.styleRecords, pack.header.StyleDataLOF,
-                               originals->styleLength, trailer->originalStyle, trailer->resultStyle,
-                               originals->style, originals->styleTail, m.style},
-                              {true, fxtFile, pack.fxtRecords, pack.header.FXTDataLOF,
-                               originals->fxtLength, trailer->originalFxt, trailer->resultFxt,
-                               originals->fxt, originals->fxtTail, m.fxt}};
-        for (const File& f : files) {
-            std::string why;
-            const bool ok =
-                gc3CrcOf(f.file) == f.originalCrc
-                    ? rebuildFromRuns(f.file.bytes, f.runs, f.resultLength, f.out, why) &&
-                          crc32(f.out) == f.resultCrc
-                    : mergeFile(f.fxt, f.runs, f.resultLength, f.before, f.originalLength, f.tail,
-                                f.file.bytes, f.out, m.conflicts);
-            if (!ok)
-                return refused(Gc3Outcome::Damaged,
-                               "This GC3 car pack is damaged: its runs do not fit the length it "
-                               "records for " +
-                                   f.file.path.filename().string() + ". Nothing was written.");
-        }
-        if (!m.conflicts.empty()) {
-            std::vector<Gc3Conflict> conflicts = std::move(m.conflicts);
-            refused(Gc3Outcome::Conflicts, "This GC3 car pack changes bytes of " + both +
-                                               " that were changed since it was made." + "\r" +
-                                               "Nothing was written.");
-            m.conflicts = std::move(conflicts);
-            return m;
-        }
-    }
-    m.styleChanged = m.style != style.bytes;
-    m.fxtChanged = m.fxt != fxt.bytes;
-    // A pack without a trailer cannot tell its own results: applied once, the files hold every
-    // byte of it, and a second time would overwrite whatever was edited since.
-    if (!m.styleChanged && !m.fxtChanged)
-        return refused(Gc3Outcome::AlreadyApplied, "This GC3 car pack is already applied: " + both +
-                                                       " already hold its changes." + "\r" +
-                                                       "Nothing was written.");
-    return m;
 }
 
 std::vector<std::string> gc3HeaderLines(const Gc3Header& h) {

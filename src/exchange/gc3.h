@@ -10,6 +10,8 @@
 //   the header never reach: "TQ32", then the CRC-32 (u32) of the original style file, the
 //   original text file, the modified style file and the modified text file.
 
+#include "base/crc32.h"
+
 #include <array>
 #include <cstdint>
 #include <filesystem>
@@ -153,6 +155,8 @@ struct Gc3FileBytes {
     const std::filesystem::path& path;
     const std::vector<std::uint8_t>& bytes;
     std::optional<std::uint32_t> crc = {}; // crc32(bytes) when the caller has it already
+
+    std::uint32_t checksum() const { return crc ? *crc : crc32(bytes); }
 };
 // Whether a pack can be applied to these files, without touching the disk: Applied when it can
 // (with the two results when asked for), else the refusal: AlreadyApplied or FilesDiffer by the
