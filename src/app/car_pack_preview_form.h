@@ -5,6 +5,7 @@
 #include "session/car_pack_preview.h"
 
 #include <QDialog>
+#include <QImage>
 #include <QStringList>
 
 class QDialogButtonBox;
@@ -28,8 +29,16 @@ public:
     QString headline() const;
     // Apply (Purpose::Apply) or Close (Purpose::Built).
     void confirm();
+    // The pictures shown of each repainted sprite: before, then after, sprite by sprite.
+    QList<QImage> spritePictures() const { return pictures_; }
+
+    // A picture of the preview as an image, built a whole row at a time.
+    static QImage imageOf(const CarPackPreview::Picture& picture);
 
 private:
+    QWidget* picturesPanel(const CarPackPreview& preview);
+
+    QList<QImage> pictures_;
     QLabel* headline_ = nullptr;
     QTreeWidget* list_ = nullptr;
     QDialogButtonBox* buttons_ = nullptr;

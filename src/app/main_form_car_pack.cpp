@@ -86,13 +86,15 @@ bool MainForm::applyCarPackFile(const QString& path) {
         platform_.message(plan.refusal, Buttons::Ok, Icon::Warning);
         return false;
     }
-    const CarPackPreview preview = previewCarPack(pack.pack, *session_, plan.styleBefore,
-                                                  plan.fxtBefore, plan.styleAfter, plan.fxtAfter);
+    const CarPackPreview preview =
+        previewCarPack(plan.packAsPlaced(pack.pack), *session_, plan.styleBefore, plan.fxtBefore,
+                       plan.styleAfter, plan.fxtAfter);
     CarPackPreviewForm ask(preview, fileNameOf(packPath), CarPackPreviewForm::Purpose::Apply, this);
     if (execDialog(ask) != QDialog::Accepted) return false;
     // The apply itself goes through the one applier, which checks the files again (they may have
     // changed while the preview was open) and shows its outcome when it writes nothing.
-    const CarPackApplied applied = applyCarPack(packPath, files, platform_, processBackups());
+    const CarPackApplied applied =
+        applyCarPack(packPath, files, platform_, processBackups(), options_.links);
     if (applied.result != ApplyResult::Applied) return false;
     const int loadOption = session_->style.loadOption;
     loadStyle(QString::fromStdString(files.style.string()), loadOption);

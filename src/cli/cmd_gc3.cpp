@@ -164,8 +164,9 @@ void registerGc3Command(Command& app, Context& ctx) {
         }
         // The names of the FXT given, wherever it lies; the decoded text itself is not needed.
         static_cast<void>(decodeFxtBytes(plan.fxtBefore, &session->names));
-        const CarPackPreview preview = previewCarPack(
-            pack.pack, *session, plan.styleBefore, plan.fxtBefore, plan.styleAfter, plan.fxtAfter);
+        const CarPackPreview preview =
+            previewCarPack(plan.packAsPlaced(pack.pack), *session, plan.styleBefore, plan.fxtBefore,
+                           plan.styleAfter, plan.fxtAfter);
         if (sh->json)
             ctx.out << previewJson(preview).dump(2, ' ', false,
                                                  nlohmann::ordered_json::error_handler_t::replace)
@@ -188,9 +189,11 @@ void registerGc3Command(Command& app, Context& ctx) {
         "and field, sprite, CLUT, car name) and nothing is written. Nothing is written either\n"
         "when the pack is for another level, damaged, already applied, or would give files the\n"
         "editor cannot open. Each changed file is first kept once as its .bak; a file the pack\n"
-        "does not change is not written. Standard output: the files written and their .bak.\n"
+        "does not change is not written; a file with other hard links is refused unless\n"
+        "--break-links. Standard output: the files written and their .bak.\n"
         "Exit status: 0 applied, 1 refused or failed, 2 usage error.");
     a->common.addTo(*apply);
+    a->common.addBreakLinksOption(*apply);
     apply->addOption("PACK", a->pack, "The pack")->path()->required();
     apply->addOption("STYLE", a->style, "The style file to change")->path()->required();
     apply->addOption("FXT", a->fxt, "The ENGLISH.FXT to change")->path()->required();
@@ -198,7 +201,7 @@ void registerGc3Command(Command& app, Context& ctx) {
         auto platform = makePlatform(ctx, a->common);
         const CarPackApplied applied =
             applyCarPack(argumentPath(a->pack), {argumentPath(a->style), argumentPath(a->fxt)},
-                         *platform, processBackups());
+                         *platform, processBackups(), makeAppOptions(ctx, a->common).links);
         if (applied.result == ApplyResult::Applied) {
             std::string text = applied.message;
             std::replace(text.begin(), text.end(), '\r', '\n');

@@ -125,7 +125,17 @@ struct Gc3Originals {
     std::int32_t styleLength = 0, fxtLength = 0;
     std::vector<std::vector<std::uint8_t>> style, fxt; // per run
     std::vector<std::uint8_t> styleTail, fxtTail;      // past a shorter result's end
+    // The unmodified style file's header and sprite info section, from the "TQSH" block that
+    // follows: with them a pack follows the sections of a file whose sections moved since (see
+    // mergeGc3Pack). Empty for packs without the block.
+    std::vector<std::uint8_t> styleHead, styleSpriteInfo;
 };
+inline constexpr std::array<std::uint8_t, 4> kGc3LayoutMagic{'T', 'Q', 'S', 'H'};
+// The "TQSH" block: the magic, then the header's length (i32) and bytes, then the sprite info
+// section's length (i32) and bytes, of the unmodified style file (`is24`: a .G24 file). Both
+// lengths are 0 when the file's header does not describe it.
+[[nodiscard]] std::vector<std::uint8_t> encodeGc3StyleLayout(const std::vector<std::uint8_t>& style,
+                                                             bool is24);
 [[nodiscard]] std::vector<std::uint8_t> encodeGc3Originals(const Gc3Pack& pack,
                                                            const std::vector<std::uint8_t>& style,
                                                            const std::vector<std::uint8_t>& fxt);
@@ -170,11 +180,14 @@ struct Gc3FileBytes {
 
 // Bytes the pack changes that the files no longer hold as the pack's unmodified files held them:
 // positions first..last (1-based) of the file as it is now. `moved` when the file's length is
-// not the unmodified file's, so its sections no longer lie where the pack's runs put them.
+// not the unmodified file's and the pack cannot follow its sections, so they no longer lie where
+// the pack's runs put them. `asBefore` when the pack followed moved sections: the positions are
+// then those of the pack's unmodified file (relayStyleFile gives a file to name them in).
 struct Gc3Conflict {
     bool fxt = false;
     std::int64_t first = 0, last = 0;
     bool moved = false;
+    bool asBefore = false;
 };
 
 // The outcome of a pack applied in memory: the new content of each file (unchanged files keep
@@ -184,13 +197,20 @@ struct Gc3Merged {
     std::vector<std::uint8_t> style, fxt;
     bool styleChanged = false, fxtChanged = false;
     std::vector<Gc3Conflict> conflicts;
+    // When the pack followed moved sections: its style runs at the places they took in the file
+    // now (bytes whose section changed size left out), for telling what it changes there.
+    std::optional<std::vector<Gc3Record>> styleRunsNow;
 };
 // Applies a pack to the files' bytes. Files that are the pack's unmodified files (by the
 // trailer's checksums, or without a trailer by the runs' fit) become its modified files exactly.
 // Files edited since are merged byte by byte when the pack keeps its unmodified bytes: a byte
 // the pack changes is taken when the file still holds the unmodified byte, kept when it already
 // holds the new one, and a conflict otherwise; bytes a run only carries along (runs grow to
-// multiples of 8) keep the file's own. Nothing is refused for the level here.
+// multiples of 8) keep the file's own. When the style file's sections moved since (another pack
+// or a resize grew or shrank some of them) and the pack keeps its unmodified file's layout and
+// does not change the file's length itself, each changed byte is followed to the same place in
+// its section: a byte in a section of the same size is merged there as above, a byte in a section
+// whose size changed is a conflict. Nothing is refused for the level here.
 [[nodiscard]] Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& trailer,
                                      const std::optional<Gc3Originals>& originals,
                                      const Gc3FileBytes& style, const Gc3FileBytes& fxt);

@@ -1,7 +1,11 @@
-// A car pack applied to files edited since it was made: the pack's changes go where every byte
-// they change is still as it was, and each other byte is named as a conflict.
+// A GC3 pack merged into files edited since it was made, byte by byte with the unmodified bytes
+// the pack keeps.
 
 #include "exchange/gc3.h"
+#include "exchange/gc3_moved.h"
+
+#include "base/crc32.h"
+#include "style/level_name.h"
 
 #include <algorithm>
 
@@ -9,13 +13,61 @@ namespace torquil {
 
 namespace {
 
-void addConflict(std::vector<Gc3Conflict>& conflicts, bool fxt, std::int64_t position) {
+void addConflict(std::vector<Gc3Conflict>& conflicts, bool fxt, std::int64_t position,
+                 bool asBefore = false) {
     if (!conflicts.empty() && conflicts.back().fxt == fxt && !conflicts.back().moved &&
-        conflicts.back().last + 1 >= position) {
+        conflicts.back().asBefore == asBefore && conflicts.back().last + 1 >= position) {
         conflicts.back().last = std::max(conflicts.back().last, position);
         return;
     }
-    conflicts.push_back({fxt, position, position, false});
+    conflicts.push_back({fxt, position, position, false, asBefore});
+}
+
+// The style runs of a pack that does not change the file's length, followed into a file whose
+// sections moved: each changed byte goes to the same place of the same section. A byte in a
+// section whose size changed has lost its place and is a conflict. Conflicts are kept at the
+// positions of the pack's unmodified file.
+void mergeMoved(const std::vector<Gc3Record>& runs,
+                const std::vector<std::vector<std::uint8_t>>& originals,
+                const Gc3StyleLayouts& layouts, const std::vector<std::uint8_t>& current,
+                std::vector<std::uint8_t>& out, std::vector<Gc3Conflict>& conflicts,
+                std::vector<Gc3Record>& runsNow) {
+    // The changed bytes at their places now, gathered into runs of neighbouring places.
+    auto place = [&runsNow](std::int64_t q, std::uint8_t now) {
+        if (runsNow.empty() || runsNow.back().position + 1 != q)
+            runsNow.push_back({static_cast<std::int32_t>(q - 1), 0, {}});
+        Gc3Record& r = runsNow.back();
+        r.position = static_cast<std::int32_t>(q);
+        ++r.length;
+        r.data.push_back(now);
+    };
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        const Gc3Record& r = runs[i];
+        const std::vector<std::uint8_t>& before = originals[i];
+        for (std::size_t k = 0; k < before.size() && k < r.data.size(); ++k) {
+            const std::uint8_t was = before[k], now = r.data[k];
+            if (was == now) continue; // carried along by the run: the file's own byte stays
+            const std::int64_t p = r.first() + static_cast<std::int64_t>(k);
+            const int s = styleSectionAt(layouts.before, p);
+            if (s < 0) {
+                addConflict(conflicts, false, p, true);
+                continue;
+            }
+            const StyleSection& from = layouts.before[static_cast<std::size_t>(s)];
+            const StyleSection& to = layouts.now[static_cast<std::size_t>(s)];
+            const std::int64_t q = to.first + (p - from.first);
+            const auto at = static_cast<std::size_t>(q - 1);
+            if (from.length != to.length || at >= current.size()) {
+                addConflict(conflicts, false, p, true);
+                continue;
+            }
+            place(q, now);
+            if (current[at] == was)
+                out[at] = now;
+            else if (current[at] != now)
+                addConflict(conflicts, false, p, true);
+        }
+    }
 }
 
 // One file of a pack merged into a file edited since it was made (see mergeGc3Pack). False when
@@ -23,12 +75,19 @@ void addConflict(std::vector<Gc3Conflict>& conflicts, bool fxt, std::int64_t pos
 bool mergeFile(bool fxt, const std::vector<Gc3Record>& runs, std::int32_t resultLength,
                const std::vector<std::vector<std::uint8_t>>& originals, std::int32_t originalLength,
                const std::vector<std::uint8_t>& tail, const std::vector<std::uint8_t>& current,
-               std::vector<std::uint8_t>& out, std::vector<Gc3Conflict>& conflicts) {
+               const std::optional<Gc3StyleLayouts>& layouts, std::vector<std::uint8_t>& out,
+               std::vector<Gc3Conflict>& conflicts,
+               std::optional<std::vector<Gc3Record>>& runsNow) {
     out = current;
     if (runs.empty() && resultLength == originalLength) return true; // the pack leaves it alone
     for (const Gc3Record& r : runs)
         if (r.position > resultLength) return false;
     const auto length = static_cast<std::int64_t>(current.size());
+    // The pack leaves the sections' sizes alone and knows where they were: it follows them.
+    if (layouts && layouts->moved() && resultLength == originalLength) {
+        mergeMoved(runs, originals, *layouts, current, out, conflicts, runsNow.emplace());
+        return true;
+    }
     if (length != originalLength) {
         // Sections grew or shrank since: the runs' positions no longer mean the same bytes.
         conflicts.push_back({fxt, 1, length, true});
@@ -110,6 +169,10 @@ Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
                               {true, fxtFile, pack.fxtRecords, pack.header.FXTDataLOF,
                                originals->fxtLength, trailer->originalFxt, trailer->resultFxt,
                                originals->fxt, originals->fxtTail, m.fxt}};
+        const bool is24 = isG24FileName(style.path.filename().string());
+        const std::optional<Gc3StyleLayouts> layouts =
+            gc3StyleLayouts(*originals, style.bytes, is24);
+        std::optional<std::vector<Gc3Record>> unusedRuns; // the text file has no sections
         for (const File& f : files) {
             std::string why;
             const bool ok =
@@ -117,7 +180,8 @@ Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
                     ? rebuildFromRuns(f.file.bytes, f.runs, f.resultLength, f.out, why) &&
                           crc32(f.out) == f.resultCrc
                     : mergeFile(f.fxt, f.runs, f.resultLength, f.before, f.originalLength, f.tail,
-                                f.file.bytes, f.out, m.conflicts);
+                                f.file.bytes, f.fxt ? std::nullopt : layouts, f.out, m.conflicts,
+                                f.fxt ? unusedRuns : m.styleRunsNow);
             if (!ok)
                 return refused(Gc3Outcome::Damaged,
                                "This GC3 car pack is damaged: its runs do not fit the length it "

@@ -3,12 +3,15 @@
 #include "base/atomic_file.h"
 #include "base/binary_file.h"
 #include "base/file_lock.h"
+#include "base/file_transaction.h"
 #include "base/work_dir.h"
 #include "cars/fxt.h"
+#include "exchange/gc3_moved.h"
 #include "platform/platform.h"
 #include "session/car_pack_preview.h"
 #include "session/file_backups.h"
 #include "session/level_bytes_check.h"
+#include "session/save_sequence.h"
 #include "style/level_name.h"
 #include "style/style_file.h"
 
@@ -69,9 +72,10 @@ std::vector<std::string> fxtConflicts(const std::vector<Gc3Conflict>& conflicts,
 
 std::vector<std::string> styleConflicts(const std::vector<Gc3Conflict>& conflicts,
                                         const CarPackFiles& files,
+                                        const std::optional<Gc3Originals>& originals,
                                         const std::vector<std::uint8_t>& style,
                                         const std::vector<std::uint8_t>& fxt) {
-    std::vector<std::int64_t> positions;
+    std::vector<std::int64_t> positions, positionsBefore;
     std::vector<std::string> out;
     for (const Gc3Conflict& c : conflicts) {
         if (c.fxt) continue;
@@ -81,12 +85,23 @@ std::vector<std::string> styleConflicts(const std::vector<Gc3Conflict>& conflict
                           std::to_string(c.last) + " bytes long now)");
             continue;
         }
-        for (std::int64_t p = c.first; p <= c.last; ++p) positions.push_back(p);
+        for (std::int64_t p = c.first; p <= c.last; ++p)
+            (c.asBefore ? positionsBefore : positions).push_back(p);
     }
-    if (positions.empty()) return out;
-    const std::vector<std::string> where =
-        describeStylePositions(files.style, style, fxt, positions);
-    out.insert(out.end(), where.begin(), where.end());
+    if (!positions.empty()) {
+        const std::vector<std::string> where =
+            describeStylePositions(files.style, style, fxt, positions);
+        out.insert(out.end(), where.begin(), where.end());
+    }
+    // Positions of the file the pack was made against: named in the file as it is now, laid out
+    // as that one was, so that each sprite stands where the pack saw it.
+    if (!positionsBefore.empty() && originals) {
+        const std::vector<std::uint8_t> relaid =
+            relayStyleFile(*originals, style, isG24FileName(files.style.filename().string()));
+        const std::vector<std::string> where =
+            describeStylePositions(files.style, relaid, fxt, positionsBefore);
+        out.insert(out.end(), where.begin(), where.end());
+    }
     return out;
 }
 
@@ -156,7 +171,8 @@ CarPackPlan planCarPack(const CarPackFile& file, const CarPackFiles& files) {
     Gc3Merged merged = mergeGc3Pack(file.pack, file.trailer, file.originals,
                                     {files.style, plan.styleBefore}, {files.fxt, plan.fxtBefore});
     if (merged.applied.outcome == Gc3Outcome::Conflicts) {
-        plan.conflicts = styleConflicts(merged.conflicts, files, plan.styleBefore, plan.fxtBefore);
+        plan.conflicts = styleConflicts(merged.conflicts, files, file.originals, plan.styleBefore,
+                                        plan.fxtBefore);
         const auto names = fxtConflicts(merged.conflicts, file.pack, plan.fxtBefore);
         plan.conflicts.insert(plan.conflicts.end(), names.begin(), names.end());
         std::string message = "This GC3 car pack changes what was changed since it was made in " +
@@ -170,6 +186,10 @@ CarPackPlan planCarPack(const CarPackFile& file, const CarPackFiles& files) {
     plan.fxtAfter = std::move(merged.fxt);
     plan.styleChanged = merged.styleChanged;
     plan.fxtChanged = merged.fxtChanged;
+    if (merged.styleRunsNow) {
+        plan.placed = file.pack;
+        plan.placed->styleRecords = std::move(*merged.styleRunsNow);
+    }
     // What the files would be must open in the editor, whether the pack carries checksums or not.
     if (const std::string refused =
             checkLentLevelBytes(files.style, plan.styleAfter, plan.fxtAfter);
@@ -181,7 +201,7 @@ CarPackPlan planCarPack(const CarPackFile& file, const CarPackFiles& files) {
 }
 
 CarPackApplied applyCarPack(const fs::path& packPath, const CarPackFiles& files, Platform& platform,
-                            BackupRegistry& backups) {
+                            BackupRegistry& backups, LinkPolicy links) {
     BusyCursor busy(platform);
     CarPackApplied out;
     auto fail = [&](ApplyResult result, std::string message) {
@@ -196,12 +216,19 @@ CarPackApplied applyCarPack(const fs::path& packPath, const CarPackFiles& files,
         out.message = "Error reading GC3 file.";
         return out;
     }
-    // One writer of each file at a time; the files are read under the locks.
+    // One writer of each file at a time; the files are read under the locks, and what a save cut
+    // short left is finished or rolled back before they are read.
+    std::vector<fs::path> paths;
+    for (const fs::path* file : {&files.style, &files.fxt})
+        if (!file->empty()) paths.push_back(*file);
+    const RecoveryReport recovered = recoverFiles(paths);
+    for (const std::string& found : recovered.found) platform.message(found);
     FileLock styleLock, fxtLock;
     for (auto [lock, file] : {std::pair{&styleLock, &files.style}, std::pair{&fxtLock, &files.fxt}})
         if (!file->empty() &&
             lock->acquire(*file, lockProgramName()) == FileLock::Result::HeldByOther)
             return fail(ApplyResult::Failed, lockHeldMessage(*file, lock->holder()));
+    const FileStamp styleReadAs = stampOf(files.style), fxtReadAs = stampOf(files.fxt);
 
     CarPackPlan plan = planCarPack(pack, files);
     if (!plan.applies()) {
@@ -213,10 +240,11 @@ CarPackApplied applyCarPack(const fs::path& packPath, const CarPackFiles& files,
         const fs::path& path;
         const std::vector<std::uint8_t>& bytes;
         bool changed;
+        const FileStamp& readAs;
     };
-    const Target targets[] = {{files.style, plan.styleAfter, plan.styleChanged},
-                              {files.fxt, plan.fxtAfter, plan.fxtChanged}};
-    std::vector<FileContent> writes;
+    const Target targets[] = {{files.style, plan.styleAfter, plan.styleChanged, styleReadAs},
+                              {files.fxt, plan.fxtAfter, plan.fxtChanged, fxtReadAs}};
+    std::vector<CommitFile> writes;
     std::string kept;
     for (const Target& t : targets) {
         if (!t.changed) continue;
@@ -224,17 +252,44 @@ CarPackApplied applyCarPack(const fs::path& packPath, const CarPackFiles& files,
         if (isWriteProtected(t.path, cause))
             return fail(ApplyResult::Failed, std::string(kWriteError) + "\r" + t.path.string() +
                                                  ": " + describeCause(cause) + ".");
-        if (!backups.ensureBackup(t.path, cause))
-            return fail(ApplyResult::Failed, std::string(kWriteError) + "\r" + "No backup of " +
-                                                 t.path.string() +
-                                                 " could be made: " + describeCause(cause) + ".");
-        writes.push_back({t.path, t.bytes});
+        writes.push_back({t.path, t.bytes, t.readAs});
         kept += "\r  " + t.path.string() + " (as it was: " + backupPathOf(t.path).string() + ")";
     }
-    // Every changed file is complete and on the disk before any original is replaced.
-    if (const ReplaceFailure failure = replaceFilesAtomically(writes))
-        return fail(ApplyResult::Failed, std::string(kWriteError) + "\r" + failure.file.string() +
-                                             ": " + describeCause(failure.cause) + ".");
+    // The pair goes through the one transaction of the level's files: the originals are kept as
+    // ".bak", then every changed file is complete and on the disk before any is replaced.
+    CommitOptions commit;
+    for (const CommitFile& w : writes) commit.lockedByCaller.push_back(w.target);
+    commit.keepBackup = [&backups](const fs::path& file, std::error_code& cause) {
+        return backups.ensureBackup(file, cause);
+    };
+    commit.askWriteOver = [&platform](const fs::path& file) {
+        return platform.message(changedOnDiskQuestion(file), Buttons::YesNo, Icon::Warning) ==
+               Answer::Yes;
+    };
+    commit.breakLinks = links == LinkPolicy::Break;
+    if (links == LinkPolicy::Ask)
+        commit.askBreakLinks = [&platform](const fs::path& file, std::uint64_t names) {
+            return platform.message(hardLinkQuestion(file, names), Buttons::YesNo, Icon::Warning) ==
+                   Answer::Yes;
+        };
+    const CommitResult result = commitFiles(writes, commit);
+    for (const std::string& found : result.found) platform.message(found);
+    switch (result.outcome) {
+    case CommitOutcome::Committed:
+        break;
+    case CommitOutcome::BackupFailed:
+        return fail(ApplyResult::Failed,
+                    std::string(kWriteError) + "\r" + "No backup of " + result.file.string() +
+                        " could be made: " + describeCause(result.cause) + ".");
+    case CommitOutcome::WriteFailed:
+        return fail(ApplyResult::Failed,
+                    std::string(kWriteError) + "\r" + result.file.string() + ": " +
+                        describeCause(result.cause) + "." +
+                        (result.partly ? "\r" + commitFailureMessage(result, writes) : ""));
+    default:
+        return fail(ApplyResult::Failed,
+                    std::string(kWriteError) + "\r" + commitFailureMessage(result, writes));
+    }
     out.message = "GC3 car pack " + packPath.filename().string() + " applied to:" + kept;
     return out;
 }

@@ -4,6 +4,7 @@
 // would lose a modder's work (another level, a damaged pack, bytes changed since the pack was
 // made, results the editor could not open) and replaces only the files the pack changes.
 
+#include "base/app_options.h"
 #include "exchange/gc3.h"
 
 #include <filesystem>
@@ -54,7 +55,12 @@ struct CarPackPlan {
     Gc3Outcome outcome = Gc3Outcome::Applied;
     std::string refusal;
     std::vector<std::string> conflicts; // "Zed (ASN 19): Max Speed", "car name 3", ...
+    // The pack with its style runs where they fall in the files now, when it followed sections
+    // that moved since it was made.
+    std::optional<Gc3Pack> placed;
     bool applies() const { return refusal.empty(); }
+    // The pack to tell the changes by: `placed` when there is one, else the pack itself.
+    const Gc3Pack& packAsPlaced(const Gc3Pack& pack) const { return placed ? *placed : pack; }
 };
 [[nodiscard]] CarPackPlan planCarPack(const CarPackFile& pack, const CarPackFiles& files);
 
@@ -71,10 +77,12 @@ struct CarPackApplied {
 
 // Applies a pack to the files: holds the style file's and ENGLISH.FXT's locks, plans it as
 // planCarPack does, keeps the ".bak" copies of the files it changes (made when there are none
-// yet), then writes every changed file before any is replaced. A file the pack does not change
-// is neither written nor backed up. Every refusal or failure is shown as a message.
+// yet), then writes every changed file before any is replaced, all through commitFiles. A file
+// the pack does not change is neither written nor backed up. A file with other hard links is
+// split from them as `links` says. Every refusal or failure is shown as a message.
 [[nodiscard]] CarPackApplied applyCarPack(const std::filesystem::path& pack,
                                           const CarPackFiles& files, Platform& platform,
-                                          BackupRegistry& backups);
+                                          BackupRegistry& backups,
+                                          LinkPolicy links = LinkPolicy::Ask);
 
 } // namespace torquil

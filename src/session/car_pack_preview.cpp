@@ -5,6 +5,7 @@
 #include "cars/car_record.h"
 #include "cars/car_record_fields.h"
 #include "cars/fxt.h"
+#include "session/car_pack_pictures.h"
 #include "session/level_bytes_check.h"
 #include "session/style_session.h"
 #include "style/level_name.h"
@@ -297,7 +298,7 @@ public:
         }
         for (const auto& [key, pixels] : pixels_) {
             const auto [page, asn] = key;
-            CarPackPreview::Sprite sprite{page, asn, {}, pixels};
+            CarPackPreview::Sprite sprite{page, asn, {}, pixels, {}, {}};
             if (const CarEntry* car = carOfSprite(asn)) sprite.car = names_.nameOf(car->info.model);
             out_.sprites.push_back(std::move(sprite));
         }
@@ -445,6 +446,7 @@ CarPackPreview previewCarPack(const Gc3Pack& pack, const StyleSession& session,
             out.movedSections.push_back({section, 0});
         ++out.movedSections.back().bytes;
     }
+    addSpritePictures(out, session, styleBefore, styleAfter);
     return out;
 }
 

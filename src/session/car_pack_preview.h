@@ -54,11 +54,19 @@ struct CarPackPreview {
     std::vector<Name> names;
     bool otherTexts = false; // ENGLISH.FXT changes outside the car names
 
+    // A sprite's rectangle as a small picture: width x height colours 0xAARRGGBB, top row
+    // first, colour 0 fully transparent. Empty when the sprite could not be drawn.
+    struct Picture {
+        int width = 0, height = 0;
+        std::vector<std::uint32_t> argb;
+        bool empty() const { return argb.empty(); }
+    };
     struct Sprite {
         int page = 0;
         int asn = 0;     // 0: page pixels that no sprite owns
         std::string car; // the car's name when the sprite is a car's
         std::int64_t pixels = 0;
+        Picture before, after; // through the CLUT each file holds (session/car_pack_pictures.h)
     };
     std::vector<Sprite> sprites; // by page, then ASN
 

@@ -54,7 +54,7 @@ struct Gc3Fixture : ::testing::Test {
         Gc3Pack p;
         std::string why;
         if (!parseGc3(bytes, p, why))
-            return {{Gc3Outcome::Unreadable, why}, {}, {}, false, false, {}};
+            return {{Gc3Outcome::Unreadable, why}, {}, {}, false, false, {}, std::nullopt};
         const auto styleBytes = tb::readFile(style), fxtBytes = tb::readFile(fxt);
         return mergeGc3Pack(p, findGc3Trailer(bytes, p.header), findGc3Originals(bytes, p),
                             {style, styleBytes}, {fxt, fxtBytes});
@@ -74,8 +74,13 @@ TEST_F(Gc3Fixture, IdenticalFilesGiveAHeaderWithEmptyRecordRanges) {
     files(bytes, bytes);
     ASSERT_TRUE(write(3600.4));
     const auto file = tb::readFile(pack);
-    // The header, no records, the unmodified bytes (none but their head), the trailer.
-    ASSERT_EQ(file.size(), 31u + 12u + kGc3TrailerSize);
+    // The header, no records, the unmodified bytes (none but their head), the unmodified
+    // style file's layout (none: random bytes are no style file), the trailer.
+    ASSERT_EQ(file.size(), 31u + 12u + 12u + kGc3TrailerSize);
+    const std::size_t layout = file.size() - kGc3TrailerSize - 12u;
+    EXPECT_EQ(std::string(file.begin() + layout, file.begin() + layout + 4), "TQSH");
+    EXPECT_EQ(tb::getI32(file, layout + 4), 0);
+    EXPECT_EQ(tb::getI32(file, layout + 8), 0);
     EXPECT_EQ(std::string(file.begin(), file.begin() + 3), "GC3");
     EXPECT_EQ(tb::getI16(file, 3), 1);
     EXPECT_EQ(file[5], 3600 % 255);

@@ -5,6 +5,8 @@
 
 #include "gui_fixture.h"
 
+#include "app/board_palette.h"
+
 #include "app/build_car_pack_form.h"
 #include "app/car_info_form.h"
 #include "app/car_pack_preview_form.h"
@@ -37,6 +39,7 @@ struct Harness : torquil::testing::WindowHarness {
     fs::path pack = sample.dir / "MINE.GC3";
     QStringList previewLines; // of the last preview shown
     QString previewHeadline;
+    QList<QImage> previewPictures; // before, after of each repainted sprite
 
     Harness() { form->show(); }
 
@@ -54,6 +57,7 @@ struct Harness : torquil::testing::WindowHarness {
         if (!preview) return int(QDialog::Rejected);
         previewLines = preview->listedLines();
         previewHeadline = preview->headline();
+        previewPictures = preview->spritePictures();
         if (!apply) return int(QDialog::Rejected);
         preview->confirm();
         return preview->result();
@@ -151,6 +155,17 @@ void CarPackTest::editedLevelRoundTripsThroughBuildAndApply() {
     QVERIFY(h.previewLines.contains("Car names:"));
     QVERIFY(h.previewLines.contains("  page " + QString::number(r.page) + ", ASN " + asn +
                                     " (Packed Car): 4 pixels"));
+    // The repainted sprite as two pictures side by side: its size, differing in 4 pixels.
+    QCOMPARE(h.previewPictures.size(), 2);
+    const QImage& before = h.previewPictures[0];
+    const QImage& after = h.previewPictures[1];
+    QCOMPARE(before.size(), QSize(r.W, r.H));
+    QCOMPARE(after.size(), before.size());
+    int differing = 0;
+    for (int y = 0; y < before.height(); ++y)
+        for (int x = 0; x < before.width(); ++x)
+            differing += before.pixel(x, y) != after.pixel(x, y) ? 1 : 0;
+    QCOMPARE(differing, 4);
 
     // Another modder's untouched level gets the pack, and says what it wrote.
     torquil::testing::writeFile(h.style, readFile(h.style.string() + ".bak"));
@@ -298,6 +313,8 @@ void CarPackTest::withoutBakCopiesTheOriginalsMustBeChosen() {
 void CarPackTest::screenshots() {
     const QByteArray target = qgetenv("TORQUIL_SCREENSHOT_DIR");
     if (target.isEmpty()) QSKIP("TORQUIL_SCREENSHOT_DIR not set");
+    // The pictures show the windows as the editor shows them: in the board's dark palette.
+    applyBoardPalette(*qobject_cast<QApplication*>(QCoreApplication::instance()));
     Harness h;
     h.openThroughDialog("STYLE001.G24");
     const SpriteRec r = *h.firstCarSprite();

@@ -269,6 +269,8 @@ void FileDialogsTest::dialogsTakeTheBoardsDarkPalette() {
 void FileDialogsTest::screenshots() {
     const QByteArray target = qgetenv("TORQUIL_SCREENSHOT_DIR");
     if (target.isEmpty()) QSKIP("TORQUIL_SCREENSHOT_DIR not set");
+    // The pictures show the windows as the editor shows them: in the board's dark palette.
+    applyBoardPalette(*qobject_cast<QApplication*>(QCoreApplication::instance()));
     const QString dir = QString::fromUtf8(target);
     applyBoardPalette(*qApp);
     WindowHarness h;

@@ -4,6 +4,8 @@
 
 #include "gui_fixture.h"
 
+#include "app/board_palette.h"
+
 #include "app/car_info_form.h"
 #include "app/car_list_dock.h"
 #include "app/car_list_model.h"
@@ -417,6 +419,8 @@ void FindingWayTest::helpOpensTheManualAtThePagesTopic() {
 void FindingWayTest::screenshots() {
     const QByteArray target = qgetenv("TORQUIL_SCREENSHOT_DIR");
     if (target.isEmpty()) QSKIP("TORQUIL_SCREENSHOT_DIR not set");
+    // The pictures show the windows as the editor shows them: in the board's dark palette.
+    applyBoardPalette(*qobject_cast<QApplication*>(QCoreApplication::instance()));
     const QString dir = QString::fromUtf8(target);
     Harness h;
     h.form->resize(1280, 860);

@@ -4,6 +4,7 @@
 
 #include "gui_fixture.h"
 
+#include "app/car_field_pictures.h"
 #include "app/car_info_form.h"
 #include "app/help_window.h"
 #include "cars/car_field_notes.h"
@@ -54,6 +55,8 @@ private slots:
     void everyFieldHasItsRowWithItsDescription();
     void everyHelpTopicIsInTheManual();
     void helpButtonOfThePaletteQuestionOpensItsTopic();
+    void picturesOfTheCarsPositionsAreInTheManual();
+    void positionPicturesMarkTheCentreOfMassAndEveryDoor();
     void everyPictureOfTheManualLoads();
 };
 
@@ -110,6 +113,66 @@ void ManualTest::everyHelpTopicIsInTheManual() {
     for (const char* topic : {"packs", "undo", "delta-sets", "car-list", "recent", "drag-drop",
                               "command-line", "first-car", "fields"})
         QVERIFY2(anchors.contains(topic), topic);
+}
+
+void ManualTest::picturesOfTheCarsPositionsAreInTheManual() {
+    HelpWindow help;
+    QVERIFY(help.showManual());
+    const QString html = help.browser()->document()->toHtml();
+    // The pictures sit in the sections of the fields they show (everyPictureOfTheManualLoads
+    // loads them).
+    for (const char* picture :
+         {"screenshots/car_centre_of_mass.png", "screenshots/car_door_positions.png"})
+        QVERIFY2(html.contains(QLatin1String(picture)), picture);
+    QVERIFY(html.indexOf("name=\"editor-doors\"") < html.indexOf("car_door_positions.png"));
+    QVERIFY(html.indexOf("car_door_positions.png") < html.indexOf("name=\"editor-specs\""));
+    QVERIFY(html.indexOf("name=\"editor-physics\"") < html.indexOf("car_centre_of_mass.png"));
+    QVERIFY(html.indexOf("car_centre_of_mass.png") < html.indexOf("name=\"editor-steer\""));
+}
+
+namespace {
+
+// Pixels of the mark's colour in the 13 x 13 square around `at`.
+int markPixels(const QImage& image, const QPoint& at, QRgb colour) {
+    int n = 0;
+    for (int y = at.y() - 6; y <= at.y() + 6; ++y)
+        for (int x = at.x() - 6; x <= at.x() + 6; ++x)
+            if (image.rect().contains(x, y) && image.pixel(x, y) == colour) ++n;
+    return n;
+}
+
+} // namespace
+
+void ManualTest::positionPicturesMarkTheCentreOfMassAndEveryDoor() {
+    WindowHarness h;
+    h.open();
+    StyleSession& s = h.session();
+    int asn = 0;
+    for (int i = 1; i <= s.cars.highest && asn == 0; ++i)
+        if (const CarEntry* car = s.cars.find(i); car && car->doorList.size() >= 2) asn = i;
+    QVERIFY(asn > 0);
+    CarEntry& car = *s.cars.find(asn);
+    // A centre of mass left of and above the sprite's centre, as a signed offset.
+    car.info.cx = -3;
+    car.info.cy = -5;
+    const FieldPicture mass = centreOfMassPicture(s, asn);
+    QVERIFY(!mass.image.isNull());
+    QVERIFY(markPixels(mass.image, mass.pointOf(-3, -5), kCentreMarkColour) >= 8);
+    QCOMPARE(markPixels(mass.image, mass.pointOf(3, 5), kCentreMarkColour), 0);
+    QVERIFY(mass.pointOf(-3, -5).x() < mass.centre.x() &&
+            mass.pointOf(-3, -5).y() < mass.centre.y());
+
+    // A door far outside the sprite still lies inside the picture, with its mark.
+    car.doorList[0].rpx = 60;
+    car.doorList[0].rpy = -70;
+    const FieldPicture doors = doorPositionsPicture(s, asn);
+    QVERIFY(!doors.image.isNull());
+    for (const DoorRec& d : car.doorList) {
+        QVERIFY(doors.image.rect().contains(doors.pointOf(d.rpx, d.rpy)));
+        QVERIFY(markPixels(doors.image, doors.pointOf(d.rpx, d.rpy), kDoorMarkColour) >= 8);
+    }
+    // No car there: no picture.
+    QVERIFY(centreOfMassPicture(s, 0).image.isNull());
 }
 
 void ManualTest::helpButtonOfThePaletteQuestionOpensItsTopic() {

@@ -4,6 +4,8 @@
 
 #include "gui_fixture.h"
 
+#include "app/board_palette.h"
+
 #include "app/car_info_form.h"
 #include "app/delta_pic_form.h"
 #include "app/main_form.h"
@@ -249,6 +251,8 @@ void PaintEditWindowTest::theDeltaViewEditsTheDeltaSet() {
 void PaintEditWindowTest::screenshots() {
     const QByteArray folder = qgetenv("TORQUIL_SCREENSHOT_DIR");
     if (folder.isEmpty()) QSKIP("TORQUIL_SCREENSHOT_DIR not set");
+    // The pictures show the windows as the editor shows them: in the board's dark palette.
+    applyBoardPalette(*qobject_cast<QApplication*>(QCoreApplication::instance()));
     const QString out = QString::fromLocal8Bit(folder) + "/";
     WindowHarness h;
     h.form->resize(900, 600);

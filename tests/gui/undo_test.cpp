@@ -3,6 +3,8 @@
 
 #include "gui_fixture.h"
 
+#include "app/board_palette.h"
+
 #include "app/car_info_form.h"
 #include "app/load_form.h"
 #include "app/main_form.h"
@@ -311,6 +313,8 @@ void UndoTest::droppedFilesOpenOrImport() {
 void UndoTest::screenshots() {
     const QByteArray target = qgetenv("TORQUIL_SCREENSHOT_DIR");
     if (target.isEmpty()) QSKIP("TORQUIL_SCREENSHOT_DIR not set");
+    // The pictures show the windows as the editor shows them: in the board's dark palette.
+    applyBoardPalette(*qobject_cast<QApplication*>(QCoreApplication::instance()));
     Harness h;
     h.form->move(0, 0);
     h.open("STYLE002.GRY");

@@ -1,8 +1,11 @@
 // torquil-car-editor-shots STYLEFILE OUTDIR: opens the car info editor on the level's first car
 // with two doors, its fourth remap chosen, and writes a picture of every page into OUTDIR as
-// car_editor_1.png, car_editor_2.png, ... (numbered by page; the captions are in the pictures).
+// car_editor_1.png, car_editor_2.png, ... (numbered by page; the captions are in the pictures),
+// and the manual's pictures of that car's centre of mass and doors (car_centre_of_mass.png,
+// car_door_positions.png).
 
 #include "app/board_palette.h"
+#include "app/car_field_pictures.h"
 #include "app/car_info_form.h"
 #include "app/car_sprite_image.h"
 #include "platform/qt/qt_platform.h"
@@ -75,6 +78,17 @@ int main(int argc, char** argv) {
         settle();
         const QString file = QStringLiteral("%1/car_editor_%2.png").arg(out).arg(page + 1);
         if (!form.grab().save(file)) {
+            std::fprintf(stderr, "Could not write %s\n", qPrintable(file));
+            return 1;
+        }
+    }
+    // The manual's pictures of the centre of mass and the door positions, on the same car.
+    const std::pair<const char*, FieldPicture> pictures[] = {
+        {"car_centre_of_mass.png", centreOfMassPicture(session, asn)},
+        {"car_door_positions.png", doorPositionsPicture(session, asn)}};
+    for (const auto& [name, picture] : pictures) {
+        const QString file = out + QLatin1Char('/') + QLatin1String(name);
+        if (picture.image.isNull() || !picture.image.save(file)) {
             std::fprintf(stderr, "Could not write %s\n", qPrintable(file));
             return 1;
         }
