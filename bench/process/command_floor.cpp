@@ -1,8 +1,10 @@
 // torquil-command-floor: the floor of a torquil-cli command as a process of its own, to time
 // beside the command. It does what any program doing the command must do and nothing more:
-//   torquil-command-floor STYLE [--read FILE]... [--write FILE[:BYTES]]...
-// reads STYLE and every --read FILE whole, each in one read, maps the style file's first
-// 26 x 65,536 bytes through one colour table into a page image, and writes each --write FILE
+//   torquil-command-floor STYLE [--read FILE]... [--paint FILE]... [--write FILE[:BYTES]]...
+// reads STYLE and every --read and --paint FILE whole, each in one read, maps the first
+// 26 x 65,536 bytes of STYLE and of each --paint FILE (a second style file the command must load,
+// such as the result a car pack gives) through one colour table into a page image of its own,
+// and writes each --write FILE
 // atomically (whole, beside the old file, flushed, renamed over it): a file it read gets its own
 // content back (a save), any other file the style file's first BYTES bytes (a picture the
 // command exports).
@@ -21,7 +23,8 @@
 namespace {
 
 int usage() {
-    std::cerr << "usage: torquil-command-floor STYLE [--read FILE]... [--write FILE[:BYTES]]...\n";
+    std::cerr << "usage: torquil-command-floor STYLE [--read FILE]... [--paint FILE]... "
+                 "[--write FILE[:BYTES]]...\n";
     return 2;
 }
 
@@ -30,7 +33,7 @@ int usage() {
 int main(int argc, char** argv) {
     using namespace torquil;
     if (argc < 2 || std::string(argv[1]).starts_with("-")) return usage();
-    std::vector<std::string> reads;
+    std::vector<std::string> reads, paints;
     std::vector<std::pair<std::string, long long>> writes; // -1: the whole style content
     for (int i = 2; i < argc; ++i) {
         const std::string option = argv[i];
@@ -38,6 +41,8 @@ int main(int argc, char** argv) {
         const std::string value = argv[++i];
         if (option == "--read") {
             reads.push_back(value);
+        } else if (option == "--paint") {
+            paints.push_back(value);
         } else if (option == "--write") {
             const std::size_t colon = value.rfind(':');
             if (colon == std::string::npos || colon == 0)
@@ -54,7 +59,16 @@ int main(int argc, char** argv) {
         std::cerr << "torquil-command-floor: cannot read " << argv[1] << "\n";
         return 1;
     }
-    std::size_t checksum = painter.image()[style.size() / 2 % (26 * 65536)];
+    std::size_t checksum = painter.painted() ? painter.image()[painter.painted() / 2] : 0;
+    for (const std::string& file : paints) {
+        bench::FloorPainter second;
+        std::vector<std::uint8_t> bytes;
+        if (!second.readAndPaint(file, bytes)) {
+            std::cerr << "torquil-command-floor: cannot read " << file << "\n";
+            return 1;
+        }
+        checksum += second.painted() ? second.image()[second.painted() / 2] : 0;
+    }
     std::vector<std::vector<std::uint8_t>> contents(reads.size());
     for (std::size_t k = 0; k < reads.size(); ++k) {
         auto read = readWholeFile(reads[k]);

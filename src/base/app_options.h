@@ -20,6 +20,13 @@ struct AppOptions {
     std::filesystem::path workDir; // "the program's directory": temp files, dumps, BMPs
     DumpFlags dumps;
     LinkPolicy links = LinkPolicy::Ask;
+    // A face that shows no pages (the command line): the load and the edits paint no page image,
+    // and edits keep no undo steps (nothing can take them back).
+    bool showPages = true;
+    bool keepUndo = true;
+    // The load reads the style file whole in one read and keeps its bytes with the file's stamp;
+    // the save starts from them while the file still has that stamp (a command that saves).
+    bool keepStyleContent = false;
 
     // Path of a file in the program's directory.
     [[nodiscard]] std::filesystem::path workPath(const std::string& name) const {

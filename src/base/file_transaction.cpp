@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <string_view>
 
 #ifdef _WIN32
 #include <windows.h>
@@ -16,6 +17,25 @@ namespace torquil {
 namespace fs = std::filesystem;
 
 namespace {
+
+// What an interrupted save left beside the file, dealt with. recoverInterruptedSaves looks at the
+// folder once per kind of side file; one look first tells whether the folder holds any side file
+// of any save at all, which it almost never does.
+std::vector<std::string> recoverWhatIsLeft(const fs::path& named) {
+    const fs::path target = replacedFileOf(named);
+    const fs::path folder = target.parent_path().empty() ? fs::path(".") : target.parent_path();
+    std::error_code ec;
+    bool any = false;
+    for (fs::directory_iterator it(folder, ec), end; !any && !ec && it != end; it.increment(ec)) {
+        const std::string name = it->path().filename().string();
+        for (std::string_view marker :
+             {kPendingMarker, kCompleteMarker, kOldMarker, kJournalMarker})
+            any = any || name.find(marker) != std::string::npos;
+    }
+    // A folder that cannot be listed is looked at kind by kind all the same.
+    if (!any && !ec) return {};
+    return recoverInterruptedSaves(named);
+}
 
 // The locks of a run, one per file, all let go (and their files removed) at the end.
 class LockSet {
@@ -164,7 +184,7 @@ CommitResult commitFiles(std::span<const CommitFile> files, const CommitOptions&
     // What an interrupted save left is dealt with first: a file it finished is no longer the one
     // this run read, and the check below says so.
     for (const fs::path& file : named)
-        for (std::string& said : recoverInterruptedSaves(file)) r.found.push_back(std::move(said));
+        for (std::string& said : recoverWhatIsLeft(file)) r.found.push_back(std::move(said));
 
     for (const CommitFile& f : files) {
         if (stampOf(f.target) != f.readAs &&
@@ -208,8 +228,7 @@ RecoveryReport recoverFiles(std::span<const fs::path> files, const std::string& 
                 report.busy.push_back(busySavingNote(file, holder));
             continue;
         }
-        for (std::string& said : recoverInterruptedSaves(file))
-            report.found.push_back(std::move(said));
+        for (std::string& said : recoverWhatIsLeft(file)) report.found.push_back(std::move(said));
     }
     return report;
 }

@@ -7,8 +7,11 @@
 #include "base/work_dir.h"
 #include "session/loaders.h"
 
+#include <algorithm>
+#include <array>
 #include <ostream>
 #include <sstream>
+#include <string_view>
 
 namespace torquil::cli {
 
@@ -41,6 +44,9 @@ AppOptions makeAppOptions(const Context& ctx, const CommonOptions& common) {
     options.debugMode = common.debug;
     // The command line never splits a file from its other hard links unless told.
     options.links = common.breakLinks ? LinkPolicy::Break : LinkPolicy::Refuse;
+    // No command shows pages or takes an edit back.
+    options.showPages = false;
+    options.keepUndo = false;
     options.workDir = common.workdir.empty()
                           ? defaultWorkDir(ctx.executable)
                           : std::filesystem::absolute(argumentPath(common.workdir));
@@ -91,6 +97,31 @@ bool refuseOutput(Context& ctx, const std::string& command, const std::filesyste
     return true;
 }
 
+namespace {
+
+// The commands each register function adds, in the order of the help.
+struct CommandGroup {
+    std::array<std::string_view, 3> names;
+    void (*add)(Command& app, Context& ctx);
+};
+constexpr CommandGroup kCommandGroups[] = {
+    {{"open"}, registerOpenCommand},
+    {{"sprite"}, registerSpriteCommand},
+    {{"save-test"}, registerSaveTestCommand},
+    {{"car"}, registerCarCommand},
+    {{"cars"}, registerCarsCommand},
+    {{"car-set"}, registerCarSetCommand},
+    {{"fxt2txt", "txt2fxt"}, registerFxtCommands},
+    {{"export-sprite"}, registerExportSpriteCommand},
+    {{"import-sprite"}, registerImportSpriteCommand},
+    {{"transparency-fix"}, registerTransparencyCommand},
+    {{"gc3"}, registerGc3Command},
+    {{"sound", "sound-import"}, registerSoundCommand},
+    {{"deltas", "export-deltas", "import-deltas"}, registerDeltaCommands},
+};
+
+} // namespace
+
 int run(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
     std::vector<const char*> argv;
     for (const auto& a : args) argv.push_back(a.c_str());
@@ -104,19 +135,18 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
                             std::string("torquil-cli ") + kVersion);
     Command& app = commandLine.root();
     app.requireSubcommand();
-    registerOpenCommand(app, ctx);
-    registerSpriteCommand(app, ctx);
-    registerSaveTestCommand(app, ctx);
-    registerCarCommand(app, ctx);
-    registerCarsCommand(app, ctx);
-    registerCarSetCommand(app, ctx);
-    registerFxtCommands(app, ctx);
-    registerExportSpriteCommand(app, ctx);
-    registerImportSpriteCommand(app, ctx);
-    registerTransparencyCommand(app, ctx);
-    registerGc3Command(app, ctx);
-    registerSoundCommand(app, ctx);
-    registerDeltaCommands(app, ctx);
+    // A line that names a command sets up that command alone (each brings dozens of options);
+    // anything else (help, a misspelt name) sees them all, in the order of the help.
+    const std::string_view named = argc > 1 ? std::string_view(argv[1]) : std::string_view();
+    const auto own = std::find_if(
+        std::begin(kCommandGroups), std::end(kCommandGroups), [named](const CommandGroup& group) {
+            return !named.empty() &&
+                   std::find(group.names.begin(), group.names.end(), named) != group.names.end();
+        });
+    if (own != std::end(kCommandGroups))
+        own->add(app, ctx);
+    else
+        for (const CommandGroup& group : kCommandGroups) group.add(app, ctx);
     try {
         int status = kExitOk;
         if (!commandLine.parseAndRun(argc, argv, out, err, kExitUsage, status)) return status;

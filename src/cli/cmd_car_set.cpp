@@ -145,6 +145,7 @@ void registerCarSetCommand(Command& app, Context& ctx) {
             return;
         }
         AppOptions options = makeAppOptions(ctx, args->common);
+        options.keepStyleContent = true; // it saves: the load keeps the bytes
         options.links = args->breakLinks ? LinkPolicy::Break : LinkPolicy::Refuse;
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);

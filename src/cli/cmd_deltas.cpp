@@ -165,6 +165,7 @@ void registerDeltaCommands(Command& app, Context& ctx) {
                        "With --resize: allow removing deltas that a door shows");
     importCmd->action([imp, &ctx] {
         AppOptions options = makeAppOptions(ctx, imp->common);
+        options.keepStyleContent = true; // it saves: the load keeps the bytes
         auto platform = makePlatform(ctx, imp->common);
         auto session = loadStyle(ctx, *platform, options, imp->style, kLoadSprites);
         if (!session || !pickSprite(ctx, *session, *platform, imp->asn, "import-deltas")) return;

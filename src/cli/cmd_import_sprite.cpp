@@ -48,6 +48,7 @@ void registerImportSpriteCommand(Command& app, Context& ctx) {
     cmd->addOption("BMP", args->bmp, "The 8-bit BMP to import")->path()->required();
     cmd->action([args, &ctx] {
         AppOptions options = makeAppOptions(ctx, args->common);
+        options.keepStyleContent = true; // it saves: the load keeps the bytes
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style,
                                  args->tiles ? kLoadTiles : kLoadSprites);

@@ -31,6 +31,7 @@ void registerSaveTestCommand(Command& app, Context& ctx) {
                  "Save a file that has other hard links (they keep the old file)");
     cmd->action([args, &ctx] {
         AppOptions options = makeAppOptions(ctx, args->common);
+        options.keepStyleContent = true; // it saves: the load keeps the bytes
         options.links = args->breakLinks ? LinkPolicy::Break : LinkPolicy::Refuse;
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);

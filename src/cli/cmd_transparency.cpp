@@ -53,6 +53,7 @@ void registerTransparencyCommand(Command& app, Context& ctx) {
     cmd->addOption("ASN", args->asn, "Absolute sprite number")->required();
     cmd->action([args, &ctx] {
         AppOptions options = makeAppOptions(ctx, args->common);
+        options.keepStyleContent = true; // it saves: the load keeps the bytes
         auto platform = makePlatform(ctx, args->common);
         auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);
         if (!session || !pickSprite(ctx, *session, *platform, args->asn, "transparency-fix"))

@@ -10,6 +10,8 @@
 //   the header never reach: "TQ32", then the CRC-32 (u32) of the original style file, the
 //   original text file, the modified style file and the modified text file.
 
+#include "base/crc32.h"
+
 #include <array>
 #include <cstdint>
 #include <filesystem>
@@ -66,8 +68,9 @@ using Gc3Clock = std::function<double()>;
 void diffFiles(BinaryFile& modified, BinaryFile& original, BinaryFile& pack, Platform& platform);
 
 // Checks a new style file and text file with the editor's own checks before they replace
-// anything: empty when they pass, else the cause in words.
-using Gc3ResultCheck = std::function<std::string(const std::vector<std::uint8_t>& style,
+// anything: empty when they pass, else the cause in words. The style bytes are lent, to be
+// checked where they lie, and must be as they were afterwards.
+using Gc3ResultCheck = std::function<std::string(std::vector<std::uint8_t>& style,
                                                  const std::vector<std::uint8_t>& fxt)>;
 
 // Writes a pack from a modified and an original style file and text file. Reports its own errors
@@ -161,6 +164,9 @@ struct Gc3Applied {
 struct Gc3FileBytes {
     const std::filesystem::path& path;
     const std::vector<std::uint8_t>& bytes;
+    std::optional<std::uint32_t> crc = {}; // crc32(bytes) when the caller has it already
+
+    std::uint32_t checksum() const { return crc ? *crc : crc32(bytes); }
 };
 // Whether a pack can be applied to these files, without touching the disk: Applied when it can
 // (with the two results when asked for), else the refusal: AlreadyApplied or FilesDiffer by the

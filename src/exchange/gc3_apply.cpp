@@ -67,8 +67,8 @@ Gc3Applied checkGc3Fit(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
     };
     // Torquil's packs say what they were made against and what they make.
     if (trailer) {
-        const std::uint32_t styleCrc = crc32(style.bytes);
-        const std::uint32_t fxtCrc = crc32(fxt.bytes);
+        const std::uint32_t styleCrc = style.checksum();
+        const std::uint32_t fxtCrc = fxt.checksum();
         if (styleCrc == trailer->resultStyle && fxtCrc == trailer->resultFxt)
             return refused(Gc3Outcome::AlreadyApplied,
                            "This GC3 car pack is already applied to " + style.path.string() +

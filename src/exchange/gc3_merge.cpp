@@ -135,13 +135,21 @@ Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
     };
     const std::string both =
         style.path.filename().string() + " and " + fxt.path.filename().string();
-    const bool edited = trailer && (crc32(style.bytes) != trailer->originalStyle ||
-                                    crc32(fxt.bytes) != trailer->originalFxt);
+    // Each file's checksum is taken once, for every test below.
+    std::optional<std::uint32_t> styleCrc = style.crc, fxtCrc = fxt.crc;
+    if (trailer) {
+        styleCrc = style.checksum();
+        fxtCrc = fxt.checksum();
+    }
+    const Gc3FileBytes styleFile{style.path, style.bytes, styleCrc};
+    const Gc3FileBytes fxtFile{fxt.path, fxt.bytes, fxtCrc};
+    const bool edited =
+        trailer && (*styleCrc != trailer->originalStyle || *fxtCrc != trailer->originalFxt);
     if (!edited || !originals) {
-        const Gc3Applied fit = checkGc3Fit(pack, trailer, style, fxt, &m.style, &m.fxt);
+        const Gc3Applied fit = checkGc3Fit(pack, trailer, styleFile, fxtFile, &m.style, &m.fxt);
         if (fit.outcome != Gc3Outcome::Applied) return refused(fit.outcome, fit.message);
     } else {
-        if (crc32(style.bytes) == trailer->resultStyle && crc32(fxt.bytes) == trailer->resultFxt)
+        if (*styleCrc == trailer->resultStyle && *fxtCrc == trailer->resultFxt)
             return refused(Gc3Outcome::AlreadyApplied,
                            "This GC3 car pack is already applied to " + style.path.string() +
                                " and " + fxt.path.string() + ": nothing was written.");
@@ -155,10 +163,10 @@ Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
             const std::vector<std::uint8_t>& tail;
             std::vector<std::uint8_t>& out;
         };
-        const File files[] = {{false, style, pack.styleRecords, pack.header.StyleDataLOF,
+        const File files[] = {{false, styleFile, pack.styleRecords, pack.header.StyleDataLOF,
                                originals->styleLength, trailer->originalStyle, trailer->resultStyle,
                                originals->style, originals->styleTail, m.style},
-                              {true, fxt, pack.fxtRecords, pack.header.FXTDataLOF,
+                              {true, fxtFile, pack.fxtRecords, pack.header.FXTDataLOF,
                                originals->fxtLength, trailer->originalFxt, trailer->resultFxt,
                                originals->fxt, originals->fxtTail, m.fxt}};
         const bool is24 = isG24FileName(style.path.filename().string());
@@ -168,7 +176,7 @@ Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
         for (const File& f : files) {
             std::string why;
             const bool ok =
-                crc32(f.file.bytes) == f.originalCrc
+                f.file.checksum() == f.originalCrc
                     ? rebuildFromRuns(f.file.bytes, f.runs, f.resultLength, f.out, why) &&
                           crc32(f.out) == f.resultCrc
                     : mergeFile(f.fxt, f.runs, f.resultLength, f.before, f.originalLength, f.tail,

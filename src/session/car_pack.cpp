@@ -147,11 +147,11 @@ bool readCarPack(const fs::path& path, CarPackFile& out, Platform& platform) {
 
 bool writeCarPack(const fs::path& modStyle, const fs::path& origStyle, const fs::path& modFxt,
                   const fs::path& origFxt, const fs::path& pack, Platform& platform) {
-    auto check = [&modStyle](const std::vector<std::uint8_t>& style,
+    auto check = [&modStyle](std::vector<std::uint8_t>& style,
                              const std::vector<std::uint8_t>& fxt) {
-        const Result<void> opens = checkLevelBytes(modStyle, style, fxt);
-        return opens ? std::string()
-                     : "The changed files would not open in the editor:\r" + opens.message();
+        const std::string refused = checkLentLevelBytes(modStyle, style, fxt);
+        return refused.empty() ? refused
+                               : "The changed files would not open in the editor:\r" + refused;
     };
     return writeGC3(modStyle, origStyle, modFxt, origFxt, pack, platform, secondsSinceMidnight,
                     check);
@@ -197,11 +197,12 @@ CarPackPlan planCarPack(const CarPackFile& file, const CarPackFiles& files) {
         plan.placed->styleRecords = std::move(*merged.styleRunsNow);
     }
     // What the files would be must open in the editor, whether the pack carries checksums or not.
-    if (const Result<void> opens = checkLevelBytes(files.style, plan.styleAfter, plan.fxtAfter);
-        !opens)
+    if (const std::string refused =
+            checkLentLevelBytes(files.style, plan.styleAfter, plan.fxtAfter);
+        !refused.empty())
         return refuse(Gc3Outcome::Damaged,
                       "Applied, this GC3 car pack would give files the editor cannot open:\r" +
-                          opens.message() + kNothingChanged);
+                          refused + kNothingChanged);
     return plan;
 }
 

@@ -454,14 +454,14 @@ std::vector<std::string> describeStylePositions(const std::filesystem::path& sty
                                                 const std::vector<std::uint8_t>& style,
                                                 const std::vector<std::uint8_t>& fxt,
                                                 const std::vector<std::int64_t>& positions) {
-    const auto opened = loadLevelBytes(stylePath, style, fxt);
+    std::string why;
+    const auto session = loadLevelBytes(stylePath, style, fxt, why);
     std::vector<std::string> out;
-    if (!opened) {
+    if (!session) {
         out.push_back(stylePath.filename().string() + ": " + std::to_string(positions.size()) +
-                      " bytes (the file does not open: " + opened.message() + ")");
+                      " bytes (the file does not open: " + why + ")");
         return out;
     }
-    const std::unique_ptr<StyleSession>& session = *opened;
     CarPackPreview places;
     StyleClassifier classify(*session, style, session->names, places);
     for (std::int64_t p : positions) classify.take(p);

@@ -83,7 +83,9 @@ EditScope::EditScope(StyleSession& session, unsigned touches, std::string name)
     : session_(session), name_(std::move(name)) {
     EditHistory& h = session.history;
     outermost_ = h.depth_++ == 0;
-    if (outermost_) h.open_ = std::make_unique<EditRecorder>(session, touches);
+    // A face without undo records nothing: the edit sets its dirty flags itself.
+    if (outermost_ && session.options.keepUndo)
+        h.open_ = std::make_unique<EditRecorder>(session, touches);
 }
 
 EditScope::~EditScope() {

@@ -57,11 +57,19 @@ private:
 
 } // namespace
 
-Result<std::unique_ptr<StyleSession>> loadLevelBytes(const std::filesystem::path& stylePath,
-                                                     std::vector<std::uint8_t> style,
-                                                     const std::vector<std::uint8_t>& fxt) {
+namespace {
+
+// The load of loadLevelBytes on the caller's bytes where they lie: the loaders only read them.
+std::unique_ptr<StyleSession> loadLevelBytesInPlace(const std::filesystem::path& stylePath,
+                                                    std::vector<std::uint8_t>& style,
+                                                    const std::vector<std::uint8_t>& fxt,
+                                                    std::string& why) {
     QuietPlatform quiet;
-    auto session = std::make_unique<StyleSession>();
+    // A check and the sprites' places: nothing of it is shown or undone.
+    AppOptions options;
+    options.showPages = false;
+    options.keepUndo = false;
+    auto session = std::make_unique<StyleSession>(options);
     prepareStyle(session->style, stylePath, kLoadSprites);
     LoaderSet loaders = standardLoaders();
     // The names come from the text file about to be written, not from the one on the disk.
@@ -79,18 +87,32 @@ Result<std::unique_ptr<StyleSession>> loadLevelBytes(const std::filesystem::path
     };
     // Warnings of a load that then opens the file refuse nothing: the editor opens it.
     if (initHeaderFromBytes(*session, quiet, loaders, style)) return session;
-    std::string why;
+    why.clear();
     for (const std::string& line : quiet.said) why += (why.empty() ? "" : "\r") + line;
     if (why.empty()) why = "The editor could not open the result.";
-    return fail(why);
+    return nullptr;
 }
 
-Result<void> checkLevelBytes(const std::filesystem::path& stylePath,
-                             std::vector<std::uint8_t> style,
-                             const std::vector<std::uint8_t>& fxt) {
-    const auto opened = loadLevelBytes(stylePath, std::move(style), fxt);
-    if (!opened) return fail(opened.message());
-    return {};
+} // namespace
+
+std::unique_ptr<StyleSession> loadLevelBytes(const std::filesystem::path& stylePath,
+                                             std::vector<std::uint8_t> style,
+                                             const std::vector<std::uint8_t>& fxt,
+                                             std::string& why) {
+    return loadLevelBytesInPlace(stylePath, style, fxt, why);
+}
+
+std::string checkLentLevelBytes(const std::filesystem::path& stylePath,
+                                std::vector<std::uint8_t>& style,
+                                const std::vector<std::uint8_t>& fxt) {
+    std::string why;
+    return loadLevelBytesInPlace(stylePath, style, fxt, why) ? std::string{} : why;
+}
+
+std::string checkLevelBytes(const std::filesystem::path& stylePath, std::vector<std::uint8_t> style,
+                            const std::vector<std::uint8_t>& fxt) {
+    std::string why;
+    return loadLevelBytes(stylePath, std::move(style), fxt, why) ? std::string{} : why;
 }
 
 } // namespace torquil

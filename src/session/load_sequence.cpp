@@ -3,6 +3,7 @@
 #include "base/atomic_file.h"
 #include "base/binary_file.h"
 #include "base/cause_advice.h"
+#include "base/stamped_content.h"
 #include "platform/platform.h"
 #include "session/loaders.h"
 #include "session/save_sequence.h"
@@ -152,6 +153,14 @@ LoadOutcome initHeader(StyleSession& s, Platform& platform, const LoaderSet& loa
     BinaryFile file(s.errors);
     // A load fills a fresh session: no error of an earlier command belongs to it.
     s.errors.clear();
+    s.keptStyle = {};
+    if (s.options.keepStyleContent && readStampedContent(style.path, s.keptStyle)) {
+        style.loadedStamp = s.keptStyle.stamp;
+        file.openBytes(s.keptStyle.bytes, style.path);
+        const LoadOutcome outcome = loadOpenedStyle(s, file, platform, loaders);
+        if (!outcome) s.keptStyle = {};
+        return outcome;
+    }
     // A failed open leaves its pending error, which ends the load below.
     static_cast<void>(file.open(style.path, BinaryFile::Mode::Read));
     style.loadedStamp = stampOf(style.path);
@@ -209,9 +218,14 @@ LoadOutcome loadOpenedStyle(StyleSession& s, BinaryFile& file, Platform& platfor
     }
 
     auto painter = makePagePainter(s);
-    RowRecordingPainter recording(*painter);
-    loadBlocks(s, file, platform, recording);
-    clearUnpaintedRows(s.image, recording);
+    if (s.options.showPages) {
+        RowRecordingPainter recording(*painter);
+        loadBlocks(s, file, platform, recording);
+        clearUnpaintedRows(s.image, recording);
+    } else {
+        // Nothing is ever painted into this session's image: it is still all zero.
+        loadBlocks(s, file, platform, *painter);
+    }
 
     if (s.errors.hasPending()) return fail(s, platform, file);
 

@@ -159,6 +159,12 @@ bool SaveRun::openContent() {
         error_ = err::PathFileAccess;
         return false;
     }
+    std::vector<std::uint8_t> kept;
+    // The bytes the load kept are the file's while it has the stamp they were read with.
+    if (s_.keptStyle.takeIfUnchanged(style.path, kept, styleReadAs_)) {
+        file_.openInMemory(style.path, std::move(kept));
+        return true;
+    }
     styleReadAs_ = stampOf(style.path);
     auto bytes = readWholeFile(style.path);
     if (!bytes) {

@@ -4,6 +4,7 @@
 
 #include "base/app_options.h"
 #include "base/runtime_error.h"
+#include "base/stamped_content.h"
 #include "cars/car_info.h"
 #include "cars/car_names.h"
 #include "session/edit_history.h"
@@ -41,6 +42,8 @@ public:
     std::string stepText; // the step in progress, quoted by the failure messages
     std::string caption;  // the window caption after a successful load
     EditHistory history;  // undo and redo of this file's edits
+    // The style file's bytes as the load read them (options.keepStyleContent), for the save.
+    StampedContent keptStyle;
 
     // Sounds of the level's bank replaced in this session, for the sound page's undo and redo.
     SoundHistory soundHistory;
