@@ -201,8 +201,10 @@ CommitResult commitFiles(std::span<const CommitFile> files, const CommitOptions&
     }
     if (options.keepBackup) {
         for (const CommitFile& f : files) {
-            if (!options.keepBackup(f.target, r.code))
+            if (const ReplaceResult kept = options.keepBackup(f.target); !kept) {
+                r.code = kept.error().code;
                 return commitFailed(std::move(r), CommitOutcome::BackupFailed, f.target, files);
+            }
         }
     }
     std::vector<FileContent> contents;

@@ -6,6 +6,7 @@
 // a file from its other hard links unless told, keeps the originals, and replaces all files
 // together (base/atomic_file.h). Nothing is written unless every check passes.
 
+#include "base/atomic_file.h"
 #include "base/file_lock.h"
 #include "base/file_stamp.h"
 #include "base/result.h"
@@ -40,9 +41,10 @@ struct CommitOptions {
     std::function<bool(const std::filesystem::path& file, std::uint64_t names)> askBreakLinks;
     // Asked when a file is not the one this run read; true writes over it. Unset: refused.
     std::function<bool(const std::filesystem::path& file)> askWriteOver;
-    // Keeps a file's original before it is first written (the run's ".bak"); true when the
-    // backup exists afterwards. Called under the locks, after every check.
-    std::function<bool(const std::filesystem::path& file, std::error_code& cause)> keepBackup;
+    // Keeps a file's original before it is first written (the run's ".bak"); success when the
+    // backup exists afterwards, else the failed replace with its system error. Called under the
+    // locks, after every check.
+    std::function<ReplaceResult(const std::filesystem::path& file)> keepBackup;
 };
 
 // Why a transaction did not commit.

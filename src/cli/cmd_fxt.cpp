@@ -65,8 +65,8 @@ void registerFxtCommands(Command& app, Context& ctx) {
         // The coded file replaced is kept as its ".bak" before anything is written over it.
         CommitOptions commit;
         commit.breakLinks = encode->breakLinks;
-        commit.keepBackup = [](const std::filesystem::path& file, std::error_code& ec) {
-            return processBackups().ensureBackup(file, ec);
+        commit.keepBackup = [](const std::filesystem::path& file) {
+            return processBackups().ensureBackup(file);
         };
         ctx.exitCode =
             txt2fxt(argumentPath(encode->from), argumentPath(encode->to), *platform, commit)

@@ -76,8 +76,9 @@ void ConsolePlatform::set(const std::string& section, const std::string& key,
 
 bool ConsolePlatform::playWavSync(const std::filesystem::path& wav) {
     if (!playback_) return false;
-    playbackError_.clear();
-    return playWavFileSync(wav, playbackError_);
+    const Result<void> played = playWavFileSync(wav);
+    playbackError_ = played.message();
+    return played.ok();
 }
 
 bool ConsolePlatform::openTextFile(const std::filesystem::path& file) {

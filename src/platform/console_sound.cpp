@@ -10,11 +10,10 @@
 
 namespace torquil {
 
-bool playWavFileSync(const std::filesystem::path& wav, std::string& why) {
+Result<void> playWavFileSync(const std::filesystem::path& wav) {
 #if defined(_WIN32)
-    if (PlaySoundW(wav.c_str(), nullptr, SND_FILENAME | SND_SYNC | SND_NODEFAULT)) return true;
-    why = "Windows could not play the sound (no sound device, or the device is busy)";
-    return false;
+    if (PlaySoundW(wav.c_str(), nullptr, SND_FILENAME | SND_SYNC | SND_NODEFAULT)) return {};
+    return fail("Windows could not play the sound (no sound device, or the device is busy)");
 #else
 #if defined(__APPLE__)
     const std::string player = "afplay";
@@ -26,10 +25,9 @@ bool playWavFileSync(const std::filesystem::path& wav, std::string& why) {
     for (char c : wav.string()) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
     quoted += "'";
     const std::string command = player + " " + quoted + " >/dev/null 2>&1";
-    if (std::system(command.c_str()) == 0) return true;
-    why = "the system's sound player (" + player.substr(0, player.find(' ')) +
-          ") is missing or could not play the sound";
-    return false;
+    if (std::system(command.c_str()) == 0) return {};
+    return fail("the system's sound player (" + player.substr(0, player.find(' ')) +
+                ") is missing or could not play the sound");
 #endif
 }
 

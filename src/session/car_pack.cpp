@@ -149,9 +149,9 @@ bool writeCarPack(const fs::path& modStyle, const fs::path& origStyle, const fs:
                   const fs::path& origFxt, const fs::path& pack, Platform& platform) {
     auto check = [&modStyle](std::vector<std::uint8_t>& style,
                              const std::vector<std::uint8_t>& fxt) {
-        const std::string refused = checkLentLevelBytes(modStyle, style, fxt);
-        return refused.empty() ? refused
-                               : "The changed files would not open in the editor:\r" + refused;
+        const Result<void> opens = checkLentLevelBytes(modStyle, style, fxt);
+        return opens ? std::string{}
+                     : "The changed files would not open in the editor:\r" + opens.message();
     };
     return writeGC3(modStyle, origStyle, modFxt, origFxt, pack, platform, secondsSinceMidnight,
                     check);
@@ -197,12 +197,11 @@ CarPackPlan planCarPack(const CarPackFile& file, const CarPackFiles& files) {
         plan.placed->styleRecords = std::move(*merged.styleRunsNow);
     }
     // What the files would be must open in the editor, whether the pack carries checksums or not.
-    if (const std::string refused =
-            checkLentLevelBytes(files.style, plan.styleAfter, plan.fxtAfter);
-        !refused.empty())
+    if (const Result<void> opens = checkLentLevelBytes(files.style, plan.styleAfter, plan.fxtAfter);
+        !opens)
         return refuse(Gc3Outcome::Damaged,
                       "Applied, this GC3 car pack would give files the editor cannot open:\r" +
-                          refused + kNothingChanged);
+                          opens.message() + kNothingChanged);
     return plan;
 }
 
@@ -265,9 +264,7 @@ CarPackApplied applyCarPack(const fs::path& packPath, const CarPackFiles& files,
     // ".bak", then every changed file is complete and on the disk before any is replaced.
     CommitOptions commit;
     for (const CommitFile& w : writes) commit.lockedByCaller.push_back(w.target);
-    commit.keepBackup = [&backups](const fs::path& file, std::error_code& cause) {
-        return backups.ensureBackup(file, cause);
-    };
+    commit.keepBackup = [&backups](const fs::path& file) { return backups.ensureBackup(file); };
     commit.askWriteOver = [&platform](const fs::path& file) {
         return platform.message(changedOnDiskQuestion(file), Buttons::YesNo, Icon::Warning) ==
                Answer::Yes;

@@ -454,14 +454,14 @@ std::vector<std::string> describeStylePositions(const std::filesystem::path& sty
                                                 const std::vector<std::uint8_t>& style,
                                                 const std::vector<std::uint8_t>& fxt,
                                                 const std::vector<std::int64_t>& positions) {
-    std::string why;
-    const auto session = loadLevelBytes(stylePath, style, fxt, why);
+    const auto loaded = loadLevelBytes(stylePath, style, fxt);
     std::vector<std::string> out;
-    if (!session) {
+    if (!loaded) {
         out.push_back(stylePath.filename().string() + ": " + std::to_string(positions.size()) +
-                      " bytes (the file does not open: " + why + ")");
+                      " bytes (the file does not open: " + loaded.message() + ")");
         return out;
     }
+    const auto& session = *loaded;
     CarPackPreview places;
     StyleClassifier classify(*session, style, session->names, places);
     for (std::int64_t p : positions) classify.take(p);

@@ -1,7 +1,5 @@
 #include "session/file_backups.h"
 
-#include "base/atomic_file.h"
-
 namespace torquil {
 
 namespace fs = std::filesystem;
@@ -18,35 +16,30 @@ fs::path BackupRegistry::key(const fs::path& file) {
     return ec ? fs::absolute(file, ec) : canonical;
 }
 
-bool BackupRegistry::ensureBackup(const fs::path& file, std::error_code& ec) {
-    return ensure(file, nullptr, ec);
+ReplaceResult BackupRegistry::ensureBackup(const fs::path& file) {
+    return ensure(file, nullptr);
 }
 
-bool BackupRegistry::ensureBackup(const fs::path& file, std::span<const std::uint8_t> content,
-                                  std::error_code& ec) {
-    return ensure(file, &content, ec);
+ReplaceResult BackupRegistry::ensureBackup(const fs::path& file,
+                                           std::span<const std::uint8_t> content) {
+    return ensure(file, &content);
 }
 
-bool BackupRegistry::ensure(const fs::path& file, const std::span<const std::uint8_t>* content,
-                            std::error_code& ec) {
-    ec.clear();
+ReplaceResult BackupRegistry::ensure(const fs::path& file,
+                                     const std::span<const std::uint8_t>* content) {
     const fs::path id = key(file);
     std::lock_guard lock(mutex_);
-    if (handled_.count(id)) return true;
+    if (handled_.count(id)) return {};
     const fs::path bak = backupPathOf(file);
     std::error_code probe;
     if (!fs::exists(file, probe) || fs::exists(bak, probe)) {
         handled_.insert(id);
-        return true;
+        return {};
     }
-    if (const ReplaceResult written =
-            content ? replaceFileAtomically(bak, *content) : copyFileAtomically(file, bak);
-        !written) {
-        ec = written.error().code;
-        return false;
-    }
-    handled_.insert(id);
-    return true;
+    ReplaceResult written =
+        content ? replaceFileAtomically(bak, *content) : copyFileAtomically(file, bak);
+    if (written) handled_.insert(id);
+    return written;
 }
 
 bool BackupRegistry::handled(const fs::path& file) const {

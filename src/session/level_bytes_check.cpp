@@ -60,10 +60,9 @@ private:
 namespace {
 
 // The load of loadLevelBytes on the caller's bytes where they lie: the loaders only read them.
-std::unique_ptr<StyleSession> loadLevelBytesInPlace(const std::filesystem::path& stylePath,
-                                                    std::vector<std::uint8_t>& style,
-                                                    const std::vector<std::uint8_t>& fxt,
-                                                    std::string& why) {
+Result<std::unique_ptr<StyleSession>> loadLevelBytesInPlace(const std::filesystem::path& stylePath,
+                                                            std::vector<std::uint8_t>& style,
+                                                            const std::vector<std::uint8_t>& fxt) {
     QuietPlatform quiet;
     // A check and the sprites' places: nothing of it is shown or undone.
     AppOptions options;
@@ -87,32 +86,32 @@ std::unique_ptr<StyleSession> loadLevelBytesInPlace(const std::filesystem::path&
     };
     // Warnings of a load that then opens the file refuse nothing: the editor opens it.
     if (initHeaderFromBytes(*session, quiet, loaders, style)) return session;
-    why.clear();
+    std::string why;
     for (const std::string& line : quiet.said) why += (why.empty() ? "" : "\r") + line;
     if (why.empty()) why = "The editor could not open the result.";
-    return nullptr;
+    return fail(std::move(why));
 }
 
 } // namespace
 
-std::unique_ptr<StyleSession> loadLevelBytes(const std::filesystem::path& stylePath,
-                                             std::vector<std::uint8_t> style,
-                                             const std::vector<std::uint8_t>& fxt,
-                                             std::string& why) {
-    return loadLevelBytesInPlace(stylePath, style, fxt, why);
+Result<std::unique_ptr<StyleSession>> loadLevelBytes(const std::filesystem::path& stylePath,
+                                                     std::vector<std::uint8_t> style,
+                                                     const std::vector<std::uint8_t>& fxt) {
+    return loadLevelBytesInPlace(stylePath, style, fxt);
 }
 
-std::string checkLentLevelBytes(const std::filesystem::path& stylePath,
-                                std::vector<std::uint8_t>& style,
-                                const std::vector<std::uint8_t>& fxt) {
-    std::string why;
-    return loadLevelBytesInPlace(stylePath, style, fxt, why) ? std::string{} : why;
+Result<void> checkLentLevelBytes(const std::filesystem::path& stylePath,
+                                 std::vector<std::uint8_t>& style,
+                                 const std::vector<std::uint8_t>& fxt) {
+    auto loaded = loadLevelBytesInPlace(stylePath, style, fxt);
+    if (!loaded) return loaded.error();
+    return done();
 }
 
-std::string checkLevelBytes(const std::filesystem::path& stylePath, std::vector<std::uint8_t> style,
-                            const std::vector<std::uint8_t>& fxt) {
-    std::string why;
-    return loadLevelBytes(stylePath, std::move(style), fxt, why) ? std::string{} : why;
+Result<void> checkLevelBytes(const std::filesystem::path& stylePath,
+                             std::vector<std::uint8_t> style,
+                             const std::vector<std::uint8_t>& fxt) {
+    return checkLentLevelBytes(stylePath, style, fxt);
 }
 
 } // namespace torquil

@@ -246,10 +246,10 @@ bool SaveRun::buildNames() {
         s_.style.gCarNamesChanged = false;
         return true;
     }
-    std::error_code ec;
-    if (!options_.backups->ensureBackup(fxtPath_, ec)) {
-        platform_.message("ENGLISH.FXT could not be copied to " + backupPathOf(fxtPath_).string() +
-                          ", so nothing was saved.\rThe system said: " + describeCause(ec) + ".");
+    if (const ReplaceResult kept = options_.backups->ensureBackup(fxtPath_); !kept) {
+        platform_.message(
+            "ENGLISH.FXT could not be copied to " + backupPathOf(fxtPath_).string() +
+            ", so nothing was saved.\rThe system said: " + describeCause(kept.error().code) + ".");
         out_.result = SaveResult::Failed;
         out_.failedStep = s_.stepText = "Save Car Names";
         writeNames_ = false;
@@ -387,10 +387,11 @@ SaveOutcome SaveRun::run() {
         styleChanged_ = options_.writeUnchanged || file_.memoryChanged();
         styleBytes_ = file_.takeBytes();
         // Nothing is written before the file as it was is safe in its .bak.
-        std::error_code ec;
-        if (styleChanged_ && !options_.backups->ensureBackup(style.path, ec)) {
-            out_.cause = describeCause(ec);
-            return fail(err::PathFileAccess);
+        if (styleChanged_) {
+            if (const ReplaceResult kept = options_.backups->ensureBackup(style.path); !kept) {
+                out_.cause = describeCause(kept.error().code);
+                return fail(err::PathFileAccess);
+            }
         }
     }
 

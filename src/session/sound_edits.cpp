@@ -9,9 +9,9 @@ namespace torquil {
 namespace {
 
 Result<void> keepSoundBackup(const std::filesystem::path& file) {
-    std::error_code ec;
-    if (processBackups().ensureBackup(file, ec)) return {};
-    return fail("Cannot keep the unmodified " + file.string(), describeCause(ec));
+    const ReplaceResult kept = processBackups().ensureBackup(file);
+    if (kept) return {};
+    return fail("Cannot keep the unmodified " + file.string(), describeCause(kept.error().code));
 }
 
 } // namespace

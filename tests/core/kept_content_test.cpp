@@ -183,13 +183,14 @@ TEST(LentLevelBytes, AreCheckedWhereTheyLieAndLeftAsTheyWere) {
     const auto fxt = tb::encodeFxt(tb::sampleFxtEntries());
     std::vector<std::uint8_t> bytes = tb::buildStyle(tb::sampleSpec24());
     const auto whole = bytes;
-    EXPECT_EQ(checkLentLevelBytes(style, bytes, fxt), "");
+    EXPECT_TRUE(checkLentLevelBytes(style, bytes, fxt).ok());
     EXPECT_EQ(bytes, whole);
     // Cut short: refused with the words of the copying check, and still as lent.
     bytes.resize(bytes.size() / 2);
     const auto cut = bytes;
-    const std::string refused = checkLentLevelBytes(style, bytes, fxt);
-    EXPECT_FALSE(refused.empty());
-    EXPECT_EQ(refused, checkLevelBytes(style, cut, fxt));
+    const Result<void> refused = checkLentLevelBytes(style, bytes, fxt);
+    ASSERT_FALSE(refused.ok());
+    EXPECT_FALSE(refused.message().empty());
+    EXPECT_EQ(refused.message(), checkLevelBytes(style, cut, fxt).message());
     EXPECT_EQ(bytes, cut);
 }

@@ -351,12 +351,11 @@ TEST_F(SaveFixture, ProcessRegistryRemembersFilesUntilReset) {
     write();
     BackupRegistry& shared = processBackups();
     shared.reset();
-    std::error_code ec;
-    EXPECT_TRUE(shared.ensureBackup(path, ec));
+    EXPECT_TRUE(shared.ensureBackup(path).ok());
     EXPECT_TRUE(shared.handled(path));
     EXPECT_TRUE(shared.handled(dir.path() / "." / path.filename()));
     fs::remove(bak());
-    EXPECT_TRUE(shared.ensureBackup(path, ec));
+    EXPECT_TRUE(shared.ensureBackup(path).ok());
     EXPECT_FALSE(fs::exists(bak())); // made once per run, not once per call
     shared.reset();
     EXPECT_FALSE(shared.handled(path));
