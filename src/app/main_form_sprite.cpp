@@ -235,7 +235,9 @@ void MainForm::mnuTranspCheck_Click() {
 }
 
 void MainForm::mnuTranspCorrect_Click() {
-    if (transparencyCorrect(*session_, platform_) == TransparencyOutcome::Corrected) markChanged();
+    // A refusal was already shown.
+    const TransparencyResult fixed = transparencyCorrect(*session_, platform_);
+    if (fixed && *fixed == TransparencyDone::Corrected) markChanged();
 }
 
 void MainForm::mnuFindCar_Click() {

@@ -12,20 +12,17 @@ namespace torquil::cli {
 
 namespace {
 
-const char* outcomeWord(TransparencyOutcome outcome) {
-    switch (outcome) {
-    case TransparencyOutcome::NoSprite:
+const char* outcomeWord(const TransparencyResult& fixed) {
+    if (fixed) return *fixed == TransparencyDone::Corrected ? "corrected" : "already correct";
+    switch (fixed.error().refusal) {
+    case TransparencyRefusal::NoSprite:
         return "no sprite";
-    case TransparencyOutcome::EightBit:
+    case TransparencyRefusal::EightBit:
         return "refused";
-    case TransparencyOutcome::Undetermined:
+    case TransparencyRefusal::Undetermined:
         return "undetermined";
-    case TransparencyOutcome::AlreadyCorrect:
-        return "already correct";
-    case TransparencyOutcome::Cancelled:
+    case TransparencyRefusal::Cancelled:
         return "cancelled";
-    case TransparencyOutcome::Corrected:
-        return "corrected";
     }
     return "?";
 }
@@ -58,8 +55,8 @@ void registerTransparencyCommand(Command& app, Context& ctx) {
         auto session = loadStyle(ctx, *platform, options, args->style, kLoadSprites);
         if (!session || !pickSprite(ctx, *session, *platform, args->asn, "transparency-fix"))
             return;
-        const TransparencyOutcome outcome = transparencyCorrect(*session, *platform);
-        if (outcome == TransparencyOutcome::Corrected) {
+        const TransparencyResult fixed = transparencyCorrect(*session, *platform);
+        if (fixed && *fixed == TransparencyDone::Corrected) {
             const SaveOutcome saved = saveChanges(*session, *platform);
             if (saved.result != SaveResult::Saved) {
                 ctx.exitCode = kExitFailed;
@@ -67,11 +64,8 @@ void registerTransparencyCommand(Command& app, Context& ctx) {
             }
             if (saved.nothingChanged) ctx.out << kNothingChanged << '\n';
         }
-        ctx.out << outcomeWord(outcome) << '\n';
-        ctx.exitCode = outcome == TransparencyOutcome::Corrected ||
-                               outcome == TransparencyOutcome::AlreadyCorrect
-                           ? kExitOk
-                           : kExitFailed;
+        ctx.out << outcomeWord(fixed) << '\n';
+        ctx.exitCode = fixed ? kExitOk : kExitFailed;
     });
 }
 

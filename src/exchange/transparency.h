@@ -2,6 +2,8 @@
 // Transparency of a sprite: palette index 0 is what the game leaves see-through. "View" shows the
 // sprite as a two-colour mask; "Fix" moves the sprite's background index to 0.
 
+#include "base/result.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -31,14 +33,25 @@ struct TransparencyMask {
 
 [[nodiscard]] TransparencyMask transparencyTest(const Pages& pages, const SpriteRec& sprite);
 
-enum class TransparencyOutcome {
-    NoSprite,       // nothing selected
-    EightBit,       // refused: the 8-bit palette is fixed
-    Undetermined,   // the corner samples do not agree (or lie outside the page)
-    AlreadyCorrect, // the background already is index 0
-    Cancelled,      // the palette question was answered with Cancel
-    Corrected       // pixels and CLUT exchanged
+// What a fix did.
+enum class TransparencyDone {
+    Corrected,      // pixels and CLUT exchanged
+    AlreadyCorrect, // the background already is index 0: nothing to change
 };
+
+// Why a fix changed nothing.
+enum class TransparencyRefusal {
+    NoSprite,     // nothing selected
+    EightBit,     // refused: the 8-bit palette is fixed
+    Undetermined, // the corner samples do not agree (or lie outside the page)
+    Cancelled,    // the palette question was answered with Cancel
+};
+
+struct TransparencyFailure : Failure {
+    TransparencyRefusal refusal = TransparencyRefusal::NoSprite;
+};
+
+using TransparencyResult = Result<TransparencyDone, TransparencyFailure>;
 
 // The sprite's background index: its four corner samples (2 pixels in from each edge) when they
 // agree; nothing when they do not or one lies outside the page.

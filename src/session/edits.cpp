@@ -132,36 +132,53 @@ bool importSpriteNamedBy(StyleSession& session, Platform& platform, const fs::pa
     return importSprite(session, platform);
 }
 
-TransparencyOutcome transparencyCorrect(StyleSession& session, Platform& platform) {
+namespace {
+
+// A refusal of the transparency fix, its message shown to the user first when it has one.
+TransparencyFailure refuseTransparency(Platform& platform, TransparencyRefusal refusal,
+                                       std::string message, bool shown) {
+    if (shown) platform.message(message);
+    TransparencyFailure failure;
+    failure.message = std::move(message);
+    failure.refusal = refusal;
+    return failure;
+}
+
+} // namespace
+
+TransparencyResult transparencyCorrect(StyleSession& session, Platform& platform) {
     SpriteRec* sprite = session.selectedSprite();
-    if (!sprite) return TransparencyOutcome::NoSprite;
+    if (!sprite)
+        return refuseTransparency(platform, TransparencyRefusal::NoSprite, "No sprite selected",
+                                  false);
     EditScope scope(session, kTouchPages | kTouchCluts, stepName("Transparency Fix", sprite->ASN));
     scope.touch(spriteArea(*sprite));
-    if (!session.style.gIs24Bit) {
-        platform.message("Sorry , Transparency Correction not supported on 8bit style files.");
-        return TransparencyOutcome::EightBit;
-    }
+    if (!session.style.gIs24Bit)
+        return refuseTransparency(
+            platform, TransparencyRefusal::EightBit,
+            "Sorry , Transparency Correction not supported on 8bit style files.", true);
     const std::optional<std::uint8_t> background = backgroundIndex(session.pages, *sprite);
-    if (!background) {
-        platform.message("Unable to determine the transparent color.\r"
-                         "Image is too close to edges.");
-        return TransparencyOutcome::Undetermined;
-    }
+    if (!background)
+        return refuseTransparency(platform, TransparencyRefusal::Undetermined,
+                                  "Unable to determine the transparent color.\r"
+                                  "Image is too close to edges.",
+                                  true);
     const std::uint8_t t = *background;
     if (t == 0) {
         platform.message("Image appears to already be using correct transparency.");
-        return TransparencyOutcome::AlreadyCorrect;
+        return TransparencyDone::AlreadyCorrect;
     }
 
     BmpColourTable swapped = clutColourTable(session, sprite->clut);
     std::swap(swapped[0], swapped[t]);
     if (!comparePalette(session, platform, sprite->clut, swapped))
-        return TransparencyOutcome::Cancelled;
+        return refuseTransparency(platform, TransparencyRefusal::Cancelled,
+                                  "The palette question was cancelled", false);
 
     repaintArea(session, swapWithZero(session.pages, *sprite, t));
     session.style.gPagesChanged = true;
     platform.desktop().refreshBoard();
-    return TransparencyOutcome::Corrected;
+    return TransparencyDone::Corrected;
 }
 
 bool overwriteClut(StyleSession& session, int clut, const BmpColourTable& colours) {

@@ -112,7 +112,8 @@ struct DeltaCountChoice {
 // Transparency fix of the selected sprite: finds its background index from its corners and
 // exchanges it with index 0 in the sprite's pixels and CLUT (through comparePalette), so the
 // picture looks the same but its background is transparent. Sets gPagesChanged when corrected.
-[[nodiscard]] TransparencyOutcome transparencyCorrect(StyleSession& session, Platform& platform);
+// A refusal's message is the one shown to the user (none for a missing sprite or a Cancel).
+[[nodiscard]] TransparencyResult transparencyCorrect(StyleSession& session, Platform& platform);
 
 // CLUT overwrite: replaces the 256 colours of physical CLUT `clut` with `colours` and sets
 // gClutChanged. False (nothing changed) for a CLUT outside the table.

@@ -7,6 +7,22 @@ namespace tb = torquil::testing;
 
 namespace {
 
+// What a fix did, in the command line's words.
+std::string fixOutcome(const TransparencyResult& fixed) {
+    if (fixed) return *fixed == TransparencyDone::Corrected ? "corrected" : "already correct";
+    switch (fixed.error().refusal) {
+    case TransparencyRefusal::NoSprite:
+        return "no sprite";
+    case TransparencyRefusal::EightBit:
+        return "refused";
+    case TransparencyRefusal::Undetermined:
+        return "undetermined";
+    case TransparencyRefusal::Cancelled:
+        return "cancelled";
+    }
+    return "?";
+}
+
 // A 10 x 8 sprite whose border is `background` and whose inside holds 0s and other indexes.
 std::vector<std::uint8_t> framedPixels(std::uint8_t background) {
     std::vector<std::uint8_t> p(80, background);
@@ -63,15 +79,14 @@ struct TransparencyFixture : tb::StyleFixture {
 TEST_F(TransparencyFixture, RefusalsLeavePixelsAndColoursAsTheyWere) {
     struct Case {
         int asn;
-        TransparencyOutcome outcome;
+        std::string outcome;
         std::string message;
     };
     const std::vector<Case> cases = {
-        {1, TransparencyOutcome::Undetermined,
+        {1, "undetermined",
          "Unable to determine the transparent color.\rImage is too close to edges."},
-        {3, TransparencyOutcome::AlreadyCorrect,
-         "Image appears to already be using correct transparency."},
-        {5, TransparencyOutcome::Undetermined,
+        {3, "already correct", "Image appears to already be using correct transparency."},
+        {5, "undetermined",
          "Unable to determine the transparent color.\rImage is too close to edges."},
     };
     for (const Case& c : cases) {
@@ -79,9 +94,14 @@ TEST_F(TransparencyFixture, RefusalsLeavePixelsAndColoursAsTheyWere) {
         const auto before = spriteBytes();
         const auto zero = colour(0);
         platform.shownMessages.clear();
-        EXPECT_EQ(transparencyCorrect(*session, platform), c.outcome) << c.asn;
+        const TransparencyResult fixed = transparencyCorrect(*session, platform);
+        EXPECT_EQ(fixOutcome(fixed), c.outcome) << c.asn;
         ASSERT_EQ(messages().size(), 1u) << c.asn;
         EXPECT_EQ(messages()[0], c.message) << c.asn;
+        // A refusal carries the words it showed.
+        if (!fixed) {
+            EXPECT_EQ(fixed.message(), c.message) << c.asn;
+        }
         EXPECT_EQ(spriteBytes(), before) << c.asn;
         EXPECT_EQ(colour(0), zero) << c.asn;
         EXPECT_FALSE(session->style.gPagesChanged) << c.asn;
@@ -94,7 +114,7 @@ TEST_F(TransparencyFixture, Background255IsExchangedWithZeroInPixelsAndClut) {
     const auto c0 = colour(0), c255 = colour(255), c44 = colour(44);
     platform.scriptedAnswers = {Answer::Ok};
 
-    EXPECT_EQ(transparencyCorrect(*session, platform), TransparencyOutcome::Corrected);
+    EXPECT_EQ(fixOutcome(transparencyCorrect(*session, platform)), "corrected");
     ASSERT_EQ(platform.shownMessages.size(), 1u);
     EXPECT_EQ(platform.shownMessages[0].title, "Import G24 Palette");
     const auto after = spriteBytes();
@@ -119,7 +139,7 @@ TEST_F(TransparencyFixture, CancelOfThePaletteQuestionChangesNothing) {
     const auto before = spriteBytes();
     const auto c0 = colour(0);
     platform.scriptedAnswers = {Answer::Cancel};
-    EXPECT_EQ(transparencyCorrect(*session, platform), TransparencyOutcome::Cancelled);
+    EXPECT_EQ(fixOutcome(transparencyCorrect(*session, platform)), "cancelled");
     EXPECT_EQ(spriteBytes(), before);
     EXPECT_EQ(colour(0), c0);
     EXPECT_FALSE(session->style.gPagesChanged);
@@ -130,7 +150,7 @@ TEST_F(TransparencyFixture, ChainedCornerTestTakesUnequalCornersThatHappenToPass
     select(4);
     const auto before = spriteBytes();
     platform.scriptedAnswers = {Answer::Ok};
-    EXPECT_EQ(transparencyCorrect(*session, platform), TransparencyOutcome::Corrected);
+    EXPECT_EQ(fixOutcome(transparencyCorrect(*session, platform)), "corrected");
     const auto after = spriteBytes();
     for (std::size_t i = 0; i < before.size(); ++i) {
         const std::uint8_t want = before[i] == 1 ? 0 : before[i] == 0 ? 1 : before[i];
@@ -142,7 +162,7 @@ TEST_F(TransparencyFixture, EightBitStylesAreRefused) {
     open(transparencySpec(false), "STYLE001.GRY");
     select(2);
     const auto before = spriteBytes();
-    EXPECT_EQ(transparencyCorrect(*session, platform), TransparencyOutcome::EightBit);
+    EXPECT_EQ(fixOutcome(transparencyCorrect(*session, platform)), "refused");
     ASSERT_EQ(messages().size(), 1u);
     EXPECT_EQ(messages()[0], "Sorry , Transparency Correction not supported on 8bit style files.");
     EXPECT_EQ(spriteBytes(), before);
@@ -183,7 +203,7 @@ TEST_F(TransparencyFixture, CommandLineFixSavesTheExchangedColours) {
     EXPECT_EQ(session->pages.pixel(0, 20, 0), 0);
     const tb::Rgb old255 = tb::distinctClut(60)[255]; // ASN 2's CLUT as the builder wrote it
     EXPECT_EQ(colour(0), (std::array<std::uint8_t, 3>{old255.r, old255.g, old255.b}));
-    EXPECT_EQ(transparencyCorrect(*session, platform), TransparencyOutcome::AlreadyCorrect);
+    EXPECT_EQ(fixOutcome(transparencyCorrect(*session, platform)), "already correct");
 
     auto refused = tb::runCli({"transparency-fix", "--workdir", work, stylePath.string(), "1"});
     EXPECT_EQ(refused.status, 1);
