@@ -118,10 +118,11 @@ void CarInfoForm::replaceSound(int sound) {
                                QString::fromStdString(session_.style.dataFolder().string()),
                                "Recordings (*.wav *.flac *.ogg *.oga *.aif *.aiff);;All files (*)");
     if (path.isEmpty()) return;
-    const SoundImportOutcome outcome =
+    const SoundResult outcome =
         importSound(session_, platform_, sound, std::filesystem::path(path.toStdString()));
-    if (outcome == SoundImportOutcome::NoBank) refreshSoundState(); // says which files are missing
-    if (outcome == SoundImportOutcome::Done) {
+    if (!outcome && outcome.error().refusal == SoundRefusal::NoBank)
+        refreshSoundState(); // says which files are missing
+    if (outcome) {
         const SdtRecord& after = session_.soundHistory.steps.back().after;
         soundState_->setText(QString("Sound %1 replaced with %2: %3 samples at %4 per second. The "
                                      "sound bank is saved (its .bak copies are kept).")

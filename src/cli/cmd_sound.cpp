@@ -50,17 +50,17 @@ void registerSoundImportCommand(Command& app, Context& ctx) {
         StyleSession session(options);
         prepareStyle(session.style, style, kLoadSprites);
         const auto file = std::filesystem::absolute(argumentPath(args->file));
-        const SoundImportOutcome outcome = importSound(session, *platform, args->number, file);
-        if (outcome == SoundImportOutcome::NoBank)
+        const SoundResult outcome = importSound(session, *platform, args->number, file);
+        if (!outcome && outcome.error().refusal == SoundRefusal::NoBank)
             ctx.err << "sound-import: no sound bank: " << utf8Of(sdtFilePath(session)) << " or "
                     << utf8Of(rawFilePath(session)) << " is missing\n";
-        if (outcome == SoundImportOutcome::Done) {
+        if (outcome) {
             const SoundReplacement& done = session.soundHistory.steps.back();
             ctx.out << "sound " << args->number << " replaced: " << done.after.length
                     << " samples at " << done.after.rate << " per second from " << utf8Of(file)
                     << "\n";
         }
-        ctx.exitCode = outcome == SoundImportOutcome::Done ? kExitOk : kExitFailed;
+        ctx.exitCode = outcome ? kExitOk : kExitFailed;
     });
 }
 
@@ -122,20 +122,20 @@ void registerSoundCommand(Command& app, Context& ctx) {
 
         const auto output = std::filesystem::absolute(argumentPath(args->output));
         if (!args->output.empty() && refuseOutput(ctx, "sound", output, levelFiles(style))) return;
-        SoundOutcome outcome = SoundOutcome::Done;
+        SoundResult outcome;
         if (!args->output.empty())
             outcome = writeSoundWav(session, *platform, number, args->rate, repeat, output,
                                     args->exact ? SoundReading::AsStored : SoundReading::Preview);
-        if (outcome == SoundOutcome::Done && args->play)
+        if (outcome && args->play)
             outcome = playSound(session, *platform, number, args->rate, repeat);
-        if (outcome == SoundOutcome::Done && args->play && !platform->playbackError().empty()) {
+        if (outcome && args->play && !platform->playbackError().empty()) {
             ctx.err << "sound: could not play: " << platform->playbackError() << '\n';
-            outcome = SoundOutcome::Failed;
+            outcome = soundFailure(SoundRefusal::Failed, platform->playbackError());
         }
-        if (outcome == SoundOutcome::NoBank)
+        if (!outcome && outcome.error().refusal == SoundRefusal::NoBank)
             ctx.err << "sound: no sound bank: " << utf8Of(sdtFilePath(session)) << " or "
                     << utf8Of(rawFilePath(session)) << " is missing\n";
-        ctx.exitCode = outcome == SoundOutcome::Done ? kExitOk : kExitFailed;
+        ctx.exitCode = outcome ? kExitOk : kExitFailed;
     });
     registerSoundImportCommand(app, ctx);
 }

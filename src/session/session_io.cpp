@@ -190,15 +190,15 @@ bool loadSDT(const StyleSession& s, SoundTable& table) {
     return loadSDT(s.style, table);
 }
 
-SoundOutcome writeSoundWav(StyleSession& s, Platform& platform, std::int16_t soundNumber,
-                           double rateMultiplier, std::int16_t repeatCount,
-                           const std::filesystem::path& wav, SoundReading reading) {
+SoundResult writeSoundWav(StyleSession& s, Platform& platform, std::int16_t soundNumber,
+                          double rateMultiplier, std::int16_t repeatCount,
+                          const std::filesystem::path& wav, SoundReading reading) {
     FormatContext ctx = formatContext(s, platform);
     return writeSoundWav(s.style, ctx, soundNumber, rateMultiplier, repeatCount, wav, reading);
 }
 
-SoundOutcome playSound(StyleSession& s, Platform& platform, std::int16_t soundNumber,
-                       double rateMultiplier, std::int16_t repeatCount) {
+SoundResult playSound(StyleSession& s, Platform& platform, std::int16_t soundNumber,
+                      double rateMultiplier, std::int16_t repeatCount) {
     FormatContext ctx = formatContext(s, platform);
     return playSound(s.style, ctx, soundNumber, rateMultiplier, repeatCount);
 }

@@ -110,12 +110,12 @@ void dumpCarInfo(const StyleSession& session, Platform& platform, int asn);
 [[nodiscard]] std::filesystem::path sdtFilePath(const StyleSession& session);
 [[nodiscard]] std::filesystem::path rawFilePath(const StyleSession& session);
 [[nodiscard]] bool loadSDT(const StyleSession& session, SoundTable& table);
-[[nodiscard]] SoundOutcome writeSoundWav(StyleSession& session, Platform& platform,
-                                         std::int16_t soundNumber, double rateMultiplier,
-                                         std::int16_t repeatCount, const std::filesystem::path& wav,
-                                         SoundReading reading = SoundReading::Preview);
-[[nodiscard]] SoundOutcome playSound(StyleSession& session, Platform& platform,
-                                     std::int16_t soundNumber, double rateMultiplier,
-                                     std::int16_t repeatCount);
+[[nodiscard]] SoundResult writeSoundWav(StyleSession& session, Platform& platform,
+                                        std::int16_t soundNumber, double rateMultiplier,
+                                        std::int16_t repeatCount, const std::filesystem::path& wav,
+                                        SoundReading reading = SoundReading::Preview);
+[[nodiscard]] SoundResult playSound(StyleSession& session, Platform& platform,
+                                    std::int16_t soundNumber, double rateMultiplier,
+                                    std::int16_t repeatCount);
 
 } // namespace torquil

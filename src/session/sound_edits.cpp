@@ -24,12 +24,12 @@ std::string SoundHistory::redoName() const {
     return canRedo() ? "Replace Sound " + std::to_string(steps[cursor].number) : std::string{};
 }
 
-SoundImportOutcome importSound(StyleSession& session, Platform& platform, int number,
-                               const std::filesystem::path& file) {
+SoundResult importSound(StyleSession& session, Platform& platform, int number,
+                        const std::filesystem::path& file) {
     SoundReplacement change;
-    const SoundImportOutcome outcome =
+    SoundResult outcome =
         importSoundFile(session.style, platform, number, file, keepSoundBackup, change);
-    if (outcome == SoundImportOutcome::Done) {
+    if (outcome) {
         SoundHistory& history = session.soundHistory;
         history.steps.resize(history.cursor);
         history.steps.push_back(change);

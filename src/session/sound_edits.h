@@ -14,8 +14,8 @@ class StyleSession;
 
 // Replaces sound `number` with the recording `file`; a done replacement joins the session's sound
 // history (steps that were undone are forgotten).
-[[nodiscard]] SoundImportOutcome importSound(StyleSession& session, Platform& platform, int number,
-                                             const std::filesystem::path& file);
+[[nodiscard]] SoundResult importSound(StyleSession& session, Platform& platform, int number,
+                                      const std::filesystem::path& file);
 
 // Takes the last replacement back, or does the next undone one again. False (and told through
 // the platform) when there is none or the bank was changed since.

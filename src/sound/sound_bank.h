@@ -4,9 +4,11 @@
 // "audio" beside the style file.
 
 #include "base/atomic_file.h"
+#include "base/result.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <string>
 #include <system_error>
 #include <vector>
 
@@ -16,6 +18,27 @@ namespace torquil {
 inline constexpr int kSdtRecordSize = 12;
 
 struct StyleFileState;
+
+// Why a sound was not played, written or replaced.
+enum class SoundRefusal {
+    NoBank,     // the SDT or RAW file is missing: the sound pages say which
+    OutOfRange, // "Sound is out of range."
+    Failed,     // refused or failed; the message (already shown to the user) says why
+};
+
+struct SoundFailure : Failure {
+    SoundRefusal refusal = SoundRefusal::Failed;
+};
+
+using SoundResult = Result<void, SoundFailure>;
+
+// A sound failure of `refusal` whose message is `message`.
+[[nodiscard]] inline SoundFailure soundFailure(SoundRefusal refusal, std::string message) {
+    SoundFailure failure;
+    failure.message = std::move(message);
+    failure.refusal = refusal;
+    return failure;
+}
 
 struct SdtRecord {
     std::int32_t offset = 0; // start of the sample in the RAW file

@@ -20,21 +20,23 @@ std::string nameOf(const fs::path& file) {
     return file.filename().string();
 }
 
+// A refusal of a sound change, shown to the user; the failure carries the words.
+SoundFailure refuseSoundChange(Platform& platform, std::string message,
+                               SoundRefusal refusal = SoundRefusal::Failed) {
+    platform.message(message);
+    return soundFailure(refusal, std::move(message));
+}
+
 // The bank's lock (on its SDT), so that two runs never rewrite the pair at once.
-bool lockBank(const SoundTable& table, Platform& platform, FileLock& lock) {
+SoundResult lockBank(const SoundTable& table, Platform& platform, FileLock& lock) {
     const FileLock::Acquired taken = lock.acquire(table.sdtPath, lockProgramName());
-    if (taken) return true;
-    switch (taken.error().refusal) {
-    case LockRefusal::HeldByOther:
-        platform.message(taken.message());
-        return false;
-    case LockRefusal::Unavailable:
-        platform.message("The sound bank could not be changed: no lock file can be made beside " +
-                         table.sdtPath.string() +
-                         " (a read-only folder?), so nothing was written.");
-        return false;
-    }
-    return false;
+    if (taken) return {};
+    if (taken.error().refusal == LockRefusal::HeldByOther)
+        return refuseSoundChange(platform, taken.message());
+    return refuseSoundChange(
+        platform, "The sound bank could not be changed: no lock file can be made "
+                  "beside " +
+                      table.sdtPath.string() + " (a read-only folder?), so nothing was written.");
 }
 
 // The SDT's bytes with record `number` (1-based, as the table counts) set to `record`.
@@ -51,76 +53,70 @@ bool sdtWithRecord(const SoundTable& table, int number, const SdtRecord& record,
     return true;
 }
 
-bool keepBackups(const SoundTable& table, Platform& platform, const KeepBackup& keepBackup) {
+SoundResult keepBackups(const SoundTable& table, Platform& platform, const KeepBackup& keepBackup) {
     for (const fs::path& file : {table.rawPath, table.sdtPath}) {
         if (!keepBackup) continue;
-        if (const Result<void> kept = keepBackup(file); !kept) {
-            platform.message(nameOf(file) +
-                             " could not be copied to its .bak, so nothing was "
-                             "written.\rThe system said: " +
-                             kept.error().cause + ".");
-            return false;
-        }
+        if (const Result<void> kept = keepBackup(file); !kept)
+            return refuseSoundChange(platform, nameOf(file) +
+                                                   " could not be copied to its .bak, so nothing "
+                                                   "was written.\rThe system said: " +
+                                                   kept.error().cause + ".");
     }
-    return true;
+    return {};
 }
 
-void reportWriteFailure(Platform& platform, const ReplaceFailure& failure) {
-    platform.message("The sound bank could not be saved: " + failure.file.string() + ": " +
-                     describeCause(failure.code) + "." +
-                     (failure.replaced == 0
-                          ? "\rNothing was changed: both files are as they were."
-                          : "\rThe RAW file holds the new samples but " + nameOf(failure.file) +
-                                " still holds the old table: the bank plays as before."));
+SoundFailure reportWriteFailure(Platform& platform, const ReplaceFailure& failure) {
+    return refuseSoundChange(
+        platform, "The sound bank could not be saved: " + failure.file.string() + ": " +
+                      describeCause(failure.code) + "." +
+                      (failure.replaced == 0
+                           ? "\rNothing was changed: both files are as they were."
+                           : "\rThe RAW file holds the new samples but " + nameOf(failure.file) +
+                                 " still holds the old table: the bank plays as before."));
 }
 
 } // namespace
 
-SoundImportOutcome replaceSound(const StyleFileState& style, Platform& platform, int number,
-                                const DecodedSound& sound, const KeepBackup& keepBackup,
-                                SoundReplacement& change) {
+SoundResult replaceSound(const StyleFileState& style, Platform& platform, int number,
+                         const DecodedSound& sound, const KeepBackup& keepBackup,
+                         SoundReplacement& change) {
     SoundTable table;
-    if (!loadSDT(style, table)) return SoundImportOutcome::NoBank;
+    if (!loadSDT(style, table))
+        return soundFailure(SoundRefusal::NoBank, "The sound bank's SDT or RAW file is missing.");
     // Index 0 is the table's empty record, not a record of the file: it cannot be replaced.
-    if (number < 1 || number > table.lastIndex()) {
-        platform.message("Sound is out of range.\r" + nameOf(table.sdtPath) +
-                         " holds sounds 1 to " + std::to_string(table.lastIndex()) +
-                         "; sound 0 is the table's empty record.");
-        return SoundImportOutcome::OutOfRange;
-    }
-    if (sound.samples.empty() || sound.rate < 1) {
-        platform.message("Sound " + std::to_string(number) +
-                         " was not replaced: the recording "
-                         "holds no sound.");
-        return SoundImportOutcome::Refused;
-    }
+    if (number < 1 || number > table.lastIndex())
+        return refuseSoundChange(platform,
+                                 "Sound is out of range.\r" + nameOf(table.sdtPath) +
+                                     " holds sounds 1 to " + std::to_string(table.lastIndex()) +
+                                     "; sound 0 is the table's empty record.",
+                                 SoundRefusal::OutOfRange);
+    if (sound.samples.empty() || sound.rate < 1)
+        return refuseSoundChange(platform, "Sound " + std::to_string(number) +
+                                               " was not replaced: the recording "
+                                               "holds no sound.");
     FileLock lock;
-    if (!lockBank(table, platform, lock)) return SoundImportOutcome::Refused;
+    if (SoundResult locked = lockBank(table, platform, lock); !locked) return locked;
     std::error_code sized;
     const auto rawSize = static_cast<std::int64_t>(fs::file_size(table.rawPath, sized));
     const auto length = static_cast<std::int64_t>(sound.samples.size());
-    if (sized) {
-        platform.message(table.rawPath.string() + " could not be read: " + describeCause(sized) +
-                         ". Nothing was written.");
-        return SoundImportOutcome::Refused;
-    }
-    if (rawSize + length > kMaxAddress) {
-        platform.message("Sound " + std::to_string(number) + " was not replaced: " +
-                         nameOf(table.rawPath) + " holds " + std::to_string(rawSize) +
-                         " bytes, and samples added at its end would lie beyond the 2 GB that "
-                         "the table's 32-bit offsets reach. Nothing was written.");
-        return SoundImportOutcome::Refused;
-    }
+    if (sized)
+        return refuseSoundChange(platform, table.rawPath.string() + " could not be read: " +
+                                               describeCause(sized) + ". Nothing was written.");
+    if (rawSize + length > kMaxAddress)
+        return refuseSoundChange(
+            platform, "Sound " + std::to_string(number) + " was not replaced: " +
+                          nameOf(table.rawPath) + " holds " + std::to_string(rawSize) +
+                          " bytes, and samples added at its end would lie beyond the 2 GB that "
+                          "the table's 32-bit offsets reach. Nothing was written.");
     change.number = number;
     change.before = table.SDT[static_cast<std::size_t>(number)];
     change.after = {static_cast<std::int32_t>(rawSize), static_cast<std::int32_t>(length),
                     sound.rate};
     std::vector<std::uint8_t> sdt;
-    if (!sdtWithRecord(table, number, change.after, sdt)) {
-        platform.message(table.sdtPath.string() + " could not be read. Nothing was written.");
-        return SoundImportOutcome::Refused;
-    }
-    if (!keepBackups(table, platform, keepBackup)) return SoundImportOutcome::Refused;
+    if (!sdtWithRecord(table, number, change.after, sdt))
+        return refuseSoundChange(platform, table.sdtPath.string() +
+                                               " could not be read. Nothing was written.");
+    if (SoundResult kept = keepBackups(table, platform, keepBackup); !kept) return kept;
 
     // The RAW as it was, then the new samples; renamed into place before the SDT.
     FileContent files[2] = {{table.rawPath, {}}, {table.sdtPath, sdt}};
@@ -128,22 +124,18 @@ SoundImportOutcome replaceSound(const StyleFileState& style, Platform& platform,
         if (auto ec = copyRawRange(table.rawPath, 0, rawSize, write)) return ec;
         return write(sound.samples);
     };
-    if (const ReplaceResult written = replaceFilesAtomically(files); !written) {
-        reportWriteFailure(platform, written.error());
-        return SoundImportOutcome::Refused;
-    }
-    return SoundImportOutcome::Done;
+    if (const ReplaceResult written = replaceFilesAtomically(files); !written)
+        return reportWriteFailure(platform, written.error());
+    return {};
 }
 
-SoundImportOutcome importSoundFile(const StyleFileState& style, Platform& platform, int number,
-                                   const fs::path& file, const KeepBackup& keepBackup,
-                                   SoundReplacement& change) {
+SoundResult importSoundFile(const StyleFileState& style, Platform& platform, int number,
+                            const fs::path& file, const KeepBackup& keepBackup,
+                            SoundReplacement& change) {
     const Result<DecodedSound> sound = decodeSoundFile(file);
-    if (!sound) {
-        platform.message("Sound " + std::to_string(number) + " was not replaced.\r" +
-                         sound.message());
-        return SoundImportOutcome::Refused;
-    }
+    if (!sound)
+        return refuseSoundChange(platform, "Sound " + std::to_string(number) +
+                                               " was not replaced.\r" + sound.message());
     return replaceSound(style, platform, number, *sound, keepBackup, change);
 }
 
@@ -159,7 +151,7 @@ bool setSoundRecord(const StyleFileState& style, Platform& platform, const Sound
         return false;
     }
     FileLock lock;
-    if (!lockBank(table, platform, lock)) return false;
+    if (!lockBank(table, platform, lock)) return false; // told
     const SdtRecord now = table.SDT[static_cast<std::size_t>(change.number)];
     std::error_code sized;
     const auto rawSize = static_cast<std::int64_t>(fs::file_size(table.rawPath, sized));
@@ -175,7 +167,7 @@ bool setSoundRecord(const StyleFileState& style, Platform& platform, const Sound
         platform.message(table.sdtPath.string() + " could not be read. Nothing was written.");
         return false;
     }
-    if (!keepBackups(table, platform, keepBackup)) return false;
+    if (!keepBackups(table, platform, keepBackup)) return false; // told
     if (const ReplaceResult written = replaceFileAtomically(table.sdtPath, sdt); !written) {
         platform.message(sound + " could not be set back: " + written.error().file.string() + ": " +
                          written.error().cause + ". Nothing was changed.");

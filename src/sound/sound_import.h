@@ -25,29 +25,21 @@ struct SoundReplacement {
     SdtRecord before, after;
 };
 
-enum class SoundImportOutcome {
-    Done,
-    NoBank,     // the SDT or RAW file is missing
-    OutOfRange, // "Sound is out of range."
-    Refused     // nothing was written; the message says why
-};
-
 // Makes the .bak of a file before its first write; a failure's cause says why it could not.
 using KeepBackup = std::function<Result<void>(const std::filesystem::path& file)>;
 
 // Replaces sound `number` (1 to the table's last index) with `sound`. Checks the number, that the
 // samples can be addressed by the table's 32-bit offsets, and takes the bank's lock, then keeps
-// the .bak of both files and writes the pair. Every refusal is told through `platform`.
-[[nodiscard]] SoundImportOutcome replaceSound(const StyleFileState& style, Platform& platform,
-                                              int number, const DecodedSound& sound,
-                                              const KeepBackup& keepBackup,
-                                              SoundReplacement& change);
+// the .bak of both files and writes the pair. Every refusal is told through `platform`, and its
+// failure carries the words (Failed: nothing was written).
+[[nodiscard]] SoundResult replaceSound(const StyleFileState& style, Platform& platform, int number,
+                                       const DecodedSound& sound, const KeepBackup& keepBackup,
+                                       SoundReplacement& change);
 
 // Reads the recording `file` (libsndfile) and replaces sound `number` with it.
-[[nodiscard]] SoundImportOutcome importSoundFile(const StyleFileState& style, Platform& platform,
-                                                 int number, const std::filesystem::path& file,
-                                                 const KeepBackup& keepBackup,
-                                                 SoundReplacement& change);
+[[nodiscard]] SoundResult importSoundFile(const StyleFileState& style, Platform& platform,
+                                          int number, const std::filesystem::path& file,
+                                          const KeepBackup& keepBackup, SoundReplacement& change);
 
 // Sets record `change.number` back to `change.before` (undo) or on to `change.after` (redo):
 // only the SDT is rewritten. Refused, with the reason, when the record no longer holds what the

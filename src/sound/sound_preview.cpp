@@ -29,16 +29,17 @@ void putTag(std::uint8_t* p, const char* tag) {
     for (int i = 0; i < 4; ++i) p[i] = static_cast<std::uint8_t>(tag[i]);
 }
 
-SoundOutcome checkNumber(const StyleFileState& style, Platform& platform, std::int16_t soundNumber,
-                         SoundTable& table, SoundReading reading) {
-    if (!loadSDT(style, table)) return SoundOutcome::NoBank;
+SoundResult checkNumber(const StyleFileState& style, Platform& platform, std::int16_t soundNumber,
+                        SoundTable& table, SoundReading reading) {
+    if (!loadSDT(style, table))
+        return soundFailure(SoundRefusal::NoBank, "The sound bank's SDT or RAW file is missing.");
     // The preview can never play the table's last record; the game reads it.
     const int last = reading == SoundReading::Preview ? table.lastIndex() - 1 : table.lastIndex();
     if (soundNumber < 0 || soundNumber > last) {
         platform.message("Sound is out of range.");
-        return SoundOutcome::OutOfRange;
+        return soundFailure(SoundRefusal::OutOfRange, "Sound is out of range.");
     }
-    return SoundOutcome::Done;
+    return {};
 }
 
 // Whether a record can be previewed with these values, checked before anything is written; the
@@ -66,7 +67,7 @@ Result<void> checkPreviewLimits(const SdtRecord& record, double rateMultiplier, 
 enum class WavWrite { Written, Refused, Failed };
 
 // Expects no pending error (the callers start a fresh scope). On Failed, `cause` says why in the
-// user's words.
+// user's words; on Refused it is the message shown.
 WavWrite writeWavFile(ErrorState& errors, Platform& platform, const SoundTable& table,
                       std::int16_t soundNumber, double rateMultiplier, std::int16_t repeatCount,
                       const fs::path& path, SoundReading reading, std::string& cause) {
@@ -89,7 +90,8 @@ WavWrite writeWavFile(ErrorState& errors, Platform& platform, const SoundTable& 
     if (const Result<void> limits =
             checkPreviewLimits(record, rateMultiplier, repeatCount, soundNumber);
         !limits) {
-        platform.message(limits.message());
+        cause = limits.message();
+        platform.message(cause);
         return WavWrite::Refused;
     }
 
@@ -103,19 +105,23 @@ WavWrite writeWavFile(ErrorState& errors, Platform& platform, const SoundTable& 
         return {};
     };
     if (const ReplaceResult written = replaceFilesAtomically(std::span(&wav, 1)); !written) {
-        platform.message("The sound could not be written to " + path.string() + ": " +
-                         written.error().cause + ".");
+        cause = "The sound could not be written to " + path.string() + ": " +
+                written.error().cause + ".";
+        platform.message(cause);
         return WavWrite::Refused;
     }
     return WavWrite::Written;
 }
 
 // The specified text, then the cause on a line of its own.
-void reportGeneralError(const ErrorState& errors, Platform& platform, const std::string& cause) {
+// The failure carries the words shown.
+SoundFailure reportGeneralError(const ErrorState& errors, Platform& platform,
+                                const std::string& cause) {
     std::string text = "Run-time error '" + std::to_string(errors.pending()) + "':\r" +
                        errorDescription(errors.pending());
     if (!cause.empty()) text += "\r" + cause;
     platform.message(text);
+    return soundFailure(SoundRefusal::Failed, std::move(text));
 }
 
 // Removes the temporary WAV on every way out, an exception included.
@@ -192,37 +198,37 @@ Result<void> checkRecord(const SoundTable& table, int soundNumber, std::int64_t 
     return {};
 }
 
-SoundOutcome writeSoundWav(const StyleFileState& style, FormatContext& ctx,
-                           std::int16_t soundNumber, double rateMultiplier,
-                           std::int16_t repeatCount, const fs::path& wav, SoundReading reading) {
+SoundResult writeSoundWav(const StyleFileState& style, FormatContext& ctx, std::int16_t soundNumber,
+                          double rateMultiplier, std::int16_t repeatCount, const fs::path& wav,
+                          SoundReading reading) {
     Platform& platform = ctx.platform;
     BusyCursor busy(platform);
     SoundTable table;
-    const SoundOutcome checked = checkNumber(style, platform, soundNumber, table, reading);
-    if (checked != SoundOutcome::Done) return checked;
+    if (SoundResult checked = checkNumber(style, platform, soundNumber, table, reading); !checked)
+        return checked;
     const PendingErrorScope fresh(ctx.errors);
     std::string cause;
     switch (writeWavFile(ctx.errors, platform, table, soundNumber, rateMultiplier, repeatCount, wav,
                          reading, cause)) {
     case WavWrite::Written:
-        return SoundOutcome::Done;
+        return {};
     case WavWrite::Refused:
-        return SoundOutcome::Failed;
+        return soundFailure(SoundRefusal::Failed, cause);
     case WavWrite::Failed:
         break;
     }
-    reportGeneralError(ctx.errors, platform, cause);
-    return SoundOutcome::Failed;
+    return reportGeneralError(ctx.errors, platform, cause);
 }
 
-SoundOutcome playSound(const StyleFileState& style, FormatContext& ctx, std::int16_t soundNumber,
-                       double rateMultiplier, std::int16_t repeatCount) {
+SoundResult playSound(const StyleFileState& style, FormatContext& ctx, std::int16_t soundNumber,
+                      double rateMultiplier, std::int16_t repeatCount) {
     Platform& platform = ctx.platform;
     BusyCursor busy(platform);
     SoundTable table;
-    const SoundOutcome checked =
-        checkNumber(style, platform, soundNumber, table, SoundReading::Preview);
-    if (checked != SoundOutcome::Done) return checked;
+    if (SoundResult checked =
+            checkNumber(style, platform, soundNumber, table, SoundReading::Preview);
+        !checked)
+        return checked;
     // A folder of this run's own, so two runs playing the same sound never share the file.
     const fs::path folder = ctx.options.workPath("~run" + std::to_string(processId()));
     std::error_code made;
@@ -236,14 +242,13 @@ SoundOutcome playSound(const StyleFileState& style, FormatContext& ctx, std::int
     case WavWrite::Written:
         break;
     case WavWrite::Refused:
-        return SoundOutcome::Failed;
+        return soundFailure(SoundRefusal::Failed, cause);
     case WavWrite::Failed:
-        reportGeneralError(ctx.errors, platform, cause);
-        return SoundOutcome::Failed;
+        return reportGeneralError(ctx.errors, platform, cause);
     }
     // A sound the system cannot play is no error of the bank: it was written and handed over.
     (void)platform.sound().playWavSync(wav);
-    return SoundOutcome::Done;
+    return {};
 }
 
 } // namespace torquil

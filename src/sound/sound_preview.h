@@ -30,13 +30,6 @@ inline constexpr std::int64_t kMaxWavData = 64LL * 1024 * 1024;
 // recorded offset (a record at offset 0 cannot be previewed); the game reads the record itself.
 enum class SoundReading { Preview, AsStored };
 
-enum class SoundOutcome {
-    NoBank,     // the SDT or RAW file is missing: nothing happens, nothing is said
-    OutOfRange, // "Sound is out of range."
-    Failed,     // a run-time error (a record outside the RAW file, an unwritable file)
-    Done        // written (and played)
-};
-
 // The 44-byte WAV header for `repeatCount` copies of a record. The RIFF chunk size is the
 // record's length + 36 whatever the repeat count. Raises "Overflow" when a field does not fit.
 [[nodiscard]] std::array<std::uint8_t, kWavHeaderSize>
@@ -46,11 +39,12 @@ wavHeader(ErrorState& errors, const SdtRecord& record, double rateMultiplier, in
 // the record's own bytes, as the game reads them). The record is checked against the RAW file's
 // length and the limits before anything is written; the sample is then read from the RAW a piece
 // at a time into one replace, so a bank of any size costs little memory and a failed WAV never
-// stays on the disk.
-[[nodiscard]] SoundOutcome writeSoundWav(const StyleFileState& style, FormatContext& ctx,
-                                         std::int16_t soundNumber, double rateMultiplier,
-                                         std::int16_t repeatCount, const std::filesystem::path& wav,
-                                         SoundReading reading = SoundReading::Preview);
+// stays on the disk. A missing bank says nothing (NoBank); a failure of a run-time error (a
+// record outside the RAW file, an unwritable file) is Failed.
+[[nodiscard]] SoundResult writeSoundWav(const StyleFileState& style, FormatContext& ctx,
+                                        std::int16_t soundNumber, double rateMultiplier,
+                                        std::int16_t repeatCount, const std::filesystem::path& wav,
+                                        SoundReading reading = SoundReading::Preview);
 
 // Whether record `soundNumber` can be cut out of a RAW file of `rawSize` bytes; the failure's
 // message says why not in words for the user (the run-time error "Bad record number" then).
@@ -61,8 +55,8 @@ wavHeader(ErrorState& errors, const SdtRecord& record, double rateMultiplier, in
 // "~tmp" + number + ".wav" in a folder of the run's own in the work directory, is played to its end
 // and deleted. A run-time error is reported as the general error message (in debug mode it escapes
 // as RuntimeError).
-[[nodiscard]] SoundOutcome playSound(const StyleFileState& style, FormatContext& ctx,
-                                     std::int16_t soundNumber, double rateMultiplier,
-                                     std::int16_t repeatCount);
+[[nodiscard]] SoundResult playSound(const StyleFileState& style, FormatContext& ctx,
+                                    std::int16_t soundNumber, double rateMultiplier,
+                                    std::int16_t repeatCount);
 
 } // namespace torquil

@@ -24,6 +24,20 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// What a sound operation gave, in words a failed expectation shows.
+std::string importKind(const SoundResult& result) {
+    if (result) return "done";
+    switch (result.error().refusal) {
+    case SoundRefusal::NoBank:
+        return "no bank";
+    case SoundRefusal::OutOfRange:
+        return "out of range";
+    case SoundRefusal::Failed:
+        return "failed";
+    }
+    return "?";
+}
+
 struct SoundImportFixture : ::testing::Test {
     tb::TempDir dir;
     tb::FakePlatform platform;
@@ -126,7 +140,7 @@ TEST_F(SoundImportFixture, StereoSixteenBitAndFlacAreMixedToOneUnsignedByte) {
     for (int format : {SF_FORMAT_WAV | SF_FORMAT_PCM_16, SF_FORMAT_FLAC | SF_FORMAT_PCM_16}) {
         const fs::path file = dir / ((format & SF_FORMAT_FLAC) ? "in.flac" : "in.wav");
         writeRecording(file, format, 44100, 2, stereo);
-        ASSERT_EQ(importSound(*session, platform, 3, file), SoundImportOutcome::Done)
+        ASSERT_EQ(importKind(importSound(*session, platform, 3, file)), "done")
             << ::testing::PrintToString(platform.messageTexts());
         const fs::path back = dir / "back.wav";
         ASSERT_EQ(
@@ -139,7 +153,7 @@ TEST_F(SoundImportFixture, StereoSixteenBitAndFlacAreMixedToOneUnsignedByte) {
 TEST_F(SoundImportFixture, UndoAndRedoRewriteTheRecordAndRefuseABankChangedSince) {
     const fs::path file = dir / "in.wav";
     writeRecording(file, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 8000, 1, {0, 1000, -1000});
-    ASSERT_EQ(importSound(*session, platform, 1, file), SoundImportOutcome::Done);
+    ASSERT_EQ(importKind(importSound(*session, platform, 1, file)), "done");
     const auto importedSdt = tb::readFile(sdt());
     const auto importedRaw = tb::readFile(raw());
     EXPECT_EQ(session->soundHistory.undoName(), "Replace Sound 1");
@@ -168,23 +182,26 @@ TEST_F(SoundImportFixture, RefusalsAndFailedWritesLeaveTheWholeBankAsItWas) {
     struct Case {
         int number;
         fs::path file;
-        SoundImportOutcome outcome;
+        std::string outcome;
         std::string said;
     };
     tb::writeFile(dir / "notes.txt", {'h', 'i'});
     const Case cases[] = {
-        {0, file, SoundImportOutcome::OutOfRange,
+        {0, file, "out of range",
          "Sound is out of range.\rLEVEL001.SDT holds sounds 1 to 3; sound 0 is the table's empty "
          "record."},
-        {4, file, SoundImportOutcome::OutOfRange, "Sound is out of range."},
-        {2, dir / "notes.txt", SoundImportOutcome::Refused, "could not be read as a sound"},
-        {2, dir / "missing.wav", SoundImportOutcome::Refused, "could not be read as a sound"},
+        {4, file, "out of range", "Sound is out of range."},
+        {2, dir / "notes.txt", "failed", "could not be read as a sound"},
+        {2, dir / "missing.wav", "failed", "could not be read as a sound"},
     };
     for (const Case& c : cases) {
         platform.shownMessages.clear();
-        EXPECT_EQ(importSound(*session, platform, c.number, c.file), c.outcome) << c.said;
+        const SoundResult imported = importSound(*session, platform, c.number, c.file);
+        EXPECT_EQ(importKind(imported), c.outcome) << c.said;
         ASSERT_EQ(platform.messageTexts().size(), 1u) << c.said;
         EXPECT_TRUE(tb::contains(platform.messageTexts()[0], c.said)) << platform.messageTexts()[0];
+        // The refusal carries the words it showed.
+        EXPECT_EQ(imported.message(), platform.messageTexts()[0]) << c.said;
         EXPECT_TRUE(bankUnchanged()) << c.said;
     }
     EXPECT_FALSE(fs::exists(backupPathOf(raw())));
@@ -196,7 +213,7 @@ TEST_F(SoundImportFixture, RefusalsAndFailedWritesLeaveTheWholeBankAsItWas) {
                                                      : std::error_code{};
         });
         platform.shownMessages.clear();
-        EXPECT_EQ(importSound(*session, platform, 2, file), SoundImportOutcome::Refused) << failAt;
+        EXPECT_EQ(importKind(importSound(*session, platform, 2, file)), "failed") << failAt;
         setReplaceFaultHook({});
         EXPECT_TRUE(bankUnchanged()) << failAt;
         ASSERT_FALSE(platform.messageTexts().empty()) << failAt;
@@ -211,7 +228,7 @@ TEST_F(SoundImportFixture, RefusalsAndFailedWritesLeaveTheWholeBankAsItWas) {
                    ? std::make_error_code(std::errc::io_error)
                    : std::error_code{};
     });
-    EXPECT_EQ(importSound(*session, platform, 2, file), SoundImportOutcome::Refused);
+    EXPECT_EQ(importKind(importSound(*session, platform, 2, file)), "failed");
     setReplaceFaultHook({});
     EXPECT_EQ(tb::readFile(sdt()), oldSdt);
     const auto grown = tb::readFile(raw());
@@ -224,7 +241,7 @@ TEST_F(SoundImportFixture, RefusalsAndFailedWritesLeaveTheWholeBankAsItWas) {
     // A RAW whose end lies beyond what a 32-bit offset reaches (sparse, no disk used).
     fs::resize_file(raw(), 0x7FFFFFFE);
     platform.shownMessages.clear();
-    EXPECT_EQ(importSound(*session, platform, 2, file), SoundImportOutcome::Refused);
+    EXPECT_EQ(importKind(importSound(*session, platform, 2, file)), "failed");
     EXPECT_TRUE(tb::contains(platform.messageTexts().at(0), "32-bit offsets"));
     EXPECT_EQ(fs::file_size(raw()), 0x7FFFFFFEu);
     EXPECT_EQ(tb::readFile(sdt()), oldSdt);
