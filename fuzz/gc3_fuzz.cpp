@@ -14,9 +14,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace torquil;
     const std::vector<std::uint8_t> bytes(data, data + size);
-    Gc3Pack parsed;
-    std::string why;
-    if (parseGc3(bytes, parsed, why)) (void)findGc3Trailer(bytes, parsed.header);
+    const Gc3Pack parsed = parseGc3(bytes).valueOr({});
+    (void)findGc3Trailer(bytes, parsed.header);
 
     // The applier works on files by name.
     const auto pack = fuzz::writeScratch("PACK.GC3", data, size);

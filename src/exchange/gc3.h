@@ -11,6 +11,7 @@
 //   original text file, the modified style file and the modified text file.
 
 #include "base/crc32.h"
+#include "base/result.h"
 
 #include <array>
 #include <cstdint>
@@ -92,17 +93,16 @@ struct Gc3Pack {
     Gc3Header header;
     std::vector<Gc3Record> styleRecords, fxtRecords;
 };
-// Parses a pack; false with `error` set when the header is short, the type is not "GC3", or a
-// record range or a record runs outside the file.
-[[nodiscard]] bool parseGc3(const std::vector<std::uint8_t>& bytes, Gc3Pack& pack,
-                            std::string& error);
+// Parses a pack; fails, saying why, when the header is short, the type is not "GC3", or a record
+// range or a record runs outside the file.
+[[nodiscard]] Result<Gc3Pack> parseGc3(const std::vector<std::uint8_t>& bytes);
 
 // The modified file rebuilt from the file a pack was made against and the pack's runs for it,
-// `length` bytes long. False, with `error` set, when a run lies past `length` or the file is too
-// short for the runs (bytes past its end that no run covers).
-[[nodiscard]] bool rebuildFromRuns(const std::vector<std::uint8_t>& original,
-                                   const std::vector<Gc3Record>& runs, std::int32_t length,
-                                   std::vector<std::uint8_t>& out, std::string& error);
+// `length` bytes long. Fails, saying why, when a run lies past `length` or the file is too short
+// for the runs (bytes past its end that no run covers).
+[[nodiscard]] Result<std::vector<std::uint8_t>>
+rebuildFromRuns(const std::vector<std::uint8_t>& original, const std::vector<Gc3Record>& runs,
+                std::int32_t length);
 
 inline constexpr int kGc3TrailerSize = 20;
 inline constexpr std::array<std::uint8_t, 4> kGc3TrailerMagic{'T', 'Q', '3', '2'};

@@ -43,19 +43,19 @@ ApplyFault rebuild(const std::vector<std::uint8_t>& original, const std::vector<
 
 } // namespace
 
-bool rebuildFromRuns(const std::vector<std::uint8_t>& original, const std::vector<Gc3Record>& runs,
-                     std::int32_t length, std::vector<std::uint8_t>& out, std::string& error) {
+Result<std::vector<std::uint8_t>> rebuildFromRuns(const std::vector<std::uint8_t>& original,
+                                                  const std::vector<Gc3Record>& runs,
+                                                  std::int32_t length) {
+    std::vector<std::uint8_t> out;
     switch (rebuild(original, runs, length, out)) {
     case ApplyFault::None:
-        return true;
+        return out;
     case ApplyFault::TooShort:
-        error = "the file is too short for this GC3 car pack";
-        return false;
+        return fail("the file is too short for this GC3 car pack");
     case ApplyFault::PastLength:
-        error = "this GC3 car pack has a run past the recorded length";
-        return false;
+        return fail("this GC3 car pack has a run past the recorded length");
     }
-    return false;
+    return fail("this GC3 car pack could not be applied");
 }
 
 Gc3Applied checkGc3Fit(const Gc3Pack& pack, const std::optional<Gc3Trailer>& trailer,

@@ -255,21 +255,19 @@ bool readGC3(const fs::path& pack, Gc3Header& header, Platform& platform) {
     return !errors.hasPending();
 }
 
-bool parseGc3(const std::vector<std::uint8_t>& bytes, Gc3Pack& pack, std::string& error) {
-    pack = Gc3Pack{};
-    if (bytes.size() < static_cast<std::size_t>(kGc3HeaderSize)) {
-        error = "the pack is shorter than its header";
-        return false;
-    }
+Result<Gc3Pack> parseGc3(const std::vector<std::uint8_t>& bytes) {
+    Gc3Pack pack;
+    if (bytes.size() < static_cast<std::size_t>(kGc3HeaderSize))
+        return fail("the pack is shorter than its header");
     pack.header = decodeGc3Header(bytes.data());
-    if (pack.header.fileType != "GC3") {
-        error = "the pack does not begin with GC3";
-        return false;
-    }
+    if (pack.header.fileType != "GC3") return fail("the pack does not begin with GC3");
     const Gc3Header& h = pack.header;
-    return parseRecords(bytes, h.StyleDataPosition, h.StyleDataPositionEnd, pack.styleRecords,
-                        error) &&
-           parseRecords(bytes, h.FXTDataPosition, h.FXTDataPositionEnd, pack.fxtRecords, error);
+    std::string error;
+    if (!parseRecords(bytes, h.StyleDataPosition, h.StyleDataPositionEnd, pack.styleRecords,
+                      error) ||
+        !parseRecords(bytes, h.FXTDataPosition, h.FXTDataPositionEnd, pack.fxtRecords, error))
+        return fail(error.empty() ? std::string("not a GC3 pack") : error);
+    return pack;
 }
 
 std::vector<std::string> gc3HeaderLines(const Gc3Header& h) {

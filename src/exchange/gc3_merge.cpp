@@ -174,11 +174,16 @@ Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
             gc3StyleLayouts(*originals, style.bytes, is24);
         std::optional<std::vector<Gc3Record>> unusedRuns; // the text file has no sections
         for (const File& f : files) {
-            std::string why;
+            const auto rebuilt = [&f] {
+                Result<std::vector<std::uint8_t>> out =
+                    rebuildFromRuns(f.file.bytes, f.runs, f.resultLength);
+                if (!out) return false;
+                f.out = std::move(out).value();
+                return crc32(f.out) == f.resultCrc;
+            };
             const bool ok =
                 f.file.checksum() == f.originalCrc
-                    ? rebuildFromRuns(f.file.bytes, f.runs, f.resultLength, f.out, why) &&
-                          crc32(f.out) == f.resultCrc
+                    ? rebuilt()
                     : mergeFile(f.fxt, f.runs, f.resultLength, f.before, f.originalLength, f.tail,
                                 f.file.bytes, f.fxt ? std::nullopt : layouts, f.out, m.conflicts,
                                 f.fxt ? unusedRuns : m.styleRunsNow);

@@ -132,8 +132,10 @@ bool readCarPack(const fs::path& path, CarPackFile& out, Platform& platform) {
     const std::vector<std::uint8_t> bytes = read.valueOr({});
     if (!read)
         why = "cannot read " + path.string();
-    else if (!parseGc3(bytes, out.pack, why) && why.empty())
-        why = "not a GC3 pack";
+    else if (Result<Gc3Pack> parsed = parseGc3(bytes); parsed)
+        out.pack = std::move(parsed).value();
+    else
+        why = parsed.message();
     if (why.empty()) {
         out.trailer = findGc3Trailer(bytes, out.pack.header);
         out.originals = findGc3Originals(bytes, out.pack);

@@ -297,11 +297,10 @@ TEST_F(CarPackFixture, EverySectionOfBothKindsIsNamedWhereTheBuilderPutIt) {
             fs::create_directories(dir / "mod");
             tb::writeFile(dir / "mod" / level.file, changed);
             ASSERT_TRUE(writeGC3(dir / "mod" / level.file, file, fxt, fxt, pack, platform));
-            Gc3Pack parsed;
-            std::string why;
-            ASSERT_TRUE(parseGc3(tb::readFile(pack), parsed, why)) << why;
+            const Result<Gc3Pack> parsed = parseGc3(tb::readFile(pack));
+            ASSERT_TRUE(parsed.ok()) << parsed.message();
             const CarPackPreview p =
-                previewCarPack(parsed, *session, before, originalFxt, changed, originalFxt);
+                previewCarPack(*parsed, *session, before, originalFxt, changed, originalFxt);
             EXPECT_EQ(firstNamed(p), c.expected);
             EXPECT_EQ(p.styleBytesChanged, 1);
         }
@@ -474,12 +473,11 @@ TEST_F(CarPackFixture, ResultsTheEditorCannotOpenAreNeitherPackedNorApplied) {
     // The same pack written without the check, and without the trailer as other programs write
     // it: applying it runs the same checks on what it would give, and writes nothing.
     ASSERT_TRUE(writeGC3(dir / "mod" / "STYLE001.G24", style, fxt, fxt, pack, platform));
-    Gc3Pack parsed;
-    std::string why;
     auto bytes = tb::readFile(pack);
-    ASSERT_TRUE(parseGc3(bytes, parsed, why)) << why;
+    const Result<Gc3Pack> parsed = parseGc3(bytes);
+    ASSERT_TRUE(parsed.ok()) << parsed.message();
     bytes.resize(static_cast<std::size_t>(std::max(
-        {kGc3HeaderSize, parsed.header.StyleDataPositionEnd, parsed.header.FXTDataPositionEnd})));
+        {kGc3HeaderSize, parsed->header.StyleDataPositionEnd, parsed->header.FXTDataPositionEnd})));
     tb::writeFile(pack, bytes);
     platform.shownMessages.clear();
     BackupRegistry fresh;

@@ -51,19 +51,19 @@ struct Gc3Fixture : ::testing::Test {
     // The pack applied in memory to two files as the applier applies it.
     Gc3Merged apply(const std::filesystem::path& style, const std::filesystem::path& fxt) {
         const auto bytes = tb::readFile(pack);
-        Gc3Pack p;
-        std::string why;
-        if (!parseGc3(bytes, p, why))
-            return {{Gc3Outcome::Unreadable, why}, {}, {}, false, false, {}, std::nullopt};
+        const Result<Gc3Pack> read = parseGc3(bytes);
+        if (!read)
+            return {
+                {Gc3Outcome::Unreadable, read.message()}, {}, {}, false, false, {}, std::nullopt};
+        const Gc3Pack& p = *read;
         const auto styleBytes = tb::readFile(style), fxtBytes = tb::readFile(fxt);
         return mergeGc3Pack(p, findGc3Trailer(bytes, p.header), findGc3Originals(bytes, p),
                             {style, styleBytes}, {fxt, fxtBytes});
     }
     Gc3Pack parsed() {
-        Gc3Pack p;
-        std::string why;
-        EXPECT_TRUE(parseGc3(tb::readFile(pack), p, why)) << why;
-        return p;
+        const Result<Gc3Pack> p = parseGc3(tb::readFile(pack));
+        EXPECT_TRUE(p.ok()) << p.message();
+        return p.valueOr({});
     }
 };
 

@@ -482,10 +482,9 @@ TEST(SafeGc3, PackChecksTheFilesItWasMadeAgainstAndKnowsWhenItIsApplied) {
     EXPECT_NE(out.message.find("already applied"), std::string::npos);
 
     // A pack's reader that follows the header never sees the trailer.
-    Gc3Pack parsed;
-    std::string why;
-    ASSERT_TRUE(parseGc3(tb::readFile(pack), parsed, why)) << why;
-    EXPECT_TRUE(findGc3Trailer(tb::readFile(pack), parsed.header).has_value());
+    const Result<Gc3Pack> parsed = parseGc3(tb::readFile(pack));
+    ASSERT_TRUE(parsed.ok()) << parsed.message();
+    EXPECT_TRUE(findGc3Trailer(tb::readFile(pack), parsed->header).has_value());
 
     // Read-only files are refused.
     level.reset();
