@@ -30,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // A file that cannot be read back counts as empty, which no applied pack leaves.
     const std::vector<std::uint8_t> styleNow = readWholeFile(stylePath).valueOr({});
     const std::vector<std::uint8_t> textNow = readWholeFile(textPath).valueOr({});
-    if (applied.result != ApplyResult::Applied) {
+    if (!applied) {
         // A refused pack leaves both files as they were.
         if (styleNow != style || textNow != text) __builtin_trap();
     } else if (styleNow.size() != static_cast<std::size_t>(parsed.header.StyleDataLOF)) {

@@ -94,11 +94,11 @@ bool MainForm::applyCarPackFile(const QString& path) {
     // changed while the preview was open) and shows its outcome when it writes nothing.
     const CarPackApplied applied =
         applyCarPack(packPath, files, platform_, processBackups(), options_.links);
-    if (applied.result != ApplyResult::Applied) return false;
+    if (!applied) return false; // the applier showed why
     const int loadOption = session_->style.loadOption;
     loadStyle(QString::fromStdString(files.style.string()), loadOption);
     platform_.detail("GC3 car pack applied:" + packPath.string());
-    platform_.message(applied.message, Buttons::Ok, Icon::Information);
+    platform_.message(*applied, Buttons::Ok, Icon::Information);
     return true;
 }
 

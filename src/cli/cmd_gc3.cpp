@@ -202,12 +202,12 @@ void registerGc3Command(Command& app, Context& ctx) {
         const CarPackApplied applied =
             applyCarPack(argumentPath(a->pack), {argumentPath(a->style), argumentPath(a->fxt)},
                          *platform, processBackups(), makeAppOptions(ctx, a->common).links);
-        if (applied.result == ApplyResult::Applied) {
-            std::string text = applied.message;
+        if (applied) {
+            std::string text = *applied;
             std::replace(text.begin(), text.end(), '\r', '\n');
             ctx.out << text << '\n';
         }
-        ctx.exitCode = applied.result == ApplyResult::Applied ? kExitOk : kExitFailed;
+        ctx.exitCode = applied ? kExitOk : kExitFailed;
     });
 }
 

@@ -210,19 +210,19 @@ CarPackPlan planCarPack(const CarPackFile& file, const CarPackFiles& files) {
 CarPackApplied applyCarPack(const fs::path& packPath, const CarPackFiles& files, Platform& platform,
                             BackupRegistry& backups, LinkPolicy links) {
     BusyCursor busy(platform);
-    CarPackApplied out;
-    auto fail = [&](ApplyResult result, std::string message) {
-        out.result = result;
-        out.message = std::move(message);
-        platform.message(out.message, Buttons::Ok, Icon::Warning);
-        return out;
+    auto refused = [](CarPackRefusal refusal, std::string message) {
+        CarPackFailure failure;
+        failure.message = std::move(message);
+        failure.refusal = refusal;
+        return failure;
+    };
+    auto fail = [&](CarPackRefusal refusal, std::string message) {
+        platform.message(message, Buttons::Ok, Icon::Warning);
+        return refused(refusal, std::move(message));
     };
     CarPackFile pack;
-    if (!readCarPack(packPath, pack, platform)) {
-        out.result = ApplyResult::Failed;
-        out.message = "Error reading GC3 file.";
-        return out;
-    }
+    if (!readCarPack(packPath, pack, platform))
+        return refused(CarPackRefusal::Failed, "Error reading GC3 file."); // shown by the reader
     // One writer of each file at a time; the files are read under the locks, and what a save cut
     // short left is finished or rolled back before they are read.
     std::vector<fs::path> paths;
@@ -235,14 +235,16 @@ CarPackApplied applyCarPack(const fs::path& packPath, const CarPackFiles& files,
         if (!file->empty())
             if (const FileLock::Acquired taken = lock->acquire(*file, lockProgramName());
                 !taken && taken.error().refusal == LockRefusal::HeldByOther)
-                return fail(ApplyResult::Failed, taken.message());
+                return fail(CarPackRefusal::Failed, taken.message());
     const FileStamp styleReadAs = stampOf(files.style), fxtReadAs = stampOf(files.fxt);
 
     CarPackPlan plan = planCarPack(pack, files);
     if (!plan.applies()) {
-        out.conflicts = plan.conflicts;
         const bool unreadable = plan.outcome == Gc3Outcome::Unreadable;
-        return fail(unreadable ? ApplyResult::Failed : ApplyResult::Refused, plan.refusal);
+        CarPackFailure failure =
+            fail(unreadable ? CarPackRefusal::Failed : CarPackRefusal::Refused, plan.refusal);
+        failure.conflicts = plan.conflicts;
+        return failure;
     }
     struct Target {
         const fs::path& path;
@@ -257,8 +259,8 @@ CarPackApplied applyCarPack(const fs::path& packPath, const CarPackFiles& files,
     for (const Target& t : targets) {
         if (!t.changed) continue;
         if (const ReplaceResult writable = checkWritable(t.path); !writable)
-            return fail(ApplyResult::Failed, std::string(kWriteError) + "\r" + t.path.string() +
-                                                 ": " + writable.error().cause + ".");
+            return fail(CarPackRefusal::Failed, std::string(kWriteError) + "\r" + t.path.string() +
+                                                    ": " + writable.error().cause + ".");
         writes.push_back({t.path, t.bytes, t.readAs});
         kept += "\r  " + t.path.string() + " (as it was: " + backupPathOf(t.path).string() + ")";
     }
@@ -283,19 +285,18 @@ CarPackApplied applyCarPack(const fs::path& packPath, const CarPackFiles& files,
         const CommitFailure& failure = result.error();
         switch (failure.outcome) {
         case CommitOutcome::BackupFailed:
-            return fail(ApplyResult::Failed, std::string(kWriteError) + "\r" + "No backup of " +
-                                                 failure.file.string() +
-                                                 " could be made: " + failure.cause + ".");
+            return fail(CarPackRefusal::Failed, std::string(kWriteError) + "\r" + "No backup of " +
+                                                    failure.file.string() +
+                                                    " could be made: " + failure.cause + ".");
         case CommitOutcome::WriteFailed:
-            return fail(ApplyResult::Failed,
+            return fail(CarPackRefusal::Failed,
                         std::string(kWriteError) + "\r" + failure.file.string() + ": " +
                             failure.cause + "." + (failure.partly ? "\r" + failure.message : ""));
         default:
-            return fail(ApplyResult::Failed, std::string(kWriteError) + "\r" + failure.message);
+            return fail(CarPackRefusal::Failed, std::string(kWriteError) + "\r" + failure.message);
         }
     }
-    out.message = "GC3 car pack " + packPath.filename().string() + " applied to:" + kept;
-    return out;
+    return "GC3 car pack " + packPath.filename().string() + " applied to:" + kept;
 }
 
 } // namespace torquil

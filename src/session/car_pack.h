@@ -66,16 +66,17 @@ struct CarPackPlan {
 };
 [[nodiscard]] CarPackPlan planCarPack(const CarPackFile& pack, const CarPackFiles& files);
 
-enum class ApplyResult {
-    Applied,
-    Refused, // the refusal was shown; nothing changed
-    Failed   // reading or writing failed; the message was shown; nothing changed
+// Why a pack was not applied; nothing changed either way.
+enum class CarPackRefusal {
+    Refused, // the refusal was shown
+    Failed   // reading or writing failed; the message was shown
 };
-struct CarPackApplied {
-    ApplyResult result = ApplyResult::Applied;
-    std::string message; // what was shown, or for Applied what was written and kept
-    std::vector<std::string> conflicts;
+struct CarPackFailure : Failure {
+    CarPackRefusal refusal = CarPackRefusal::Failed;
+    std::vector<std::string> conflicts; // as in CarPackPlan
 };
+// An applied pack gives what was written and kept, in words for the user.
+using CarPackApplied = Result<std::string, CarPackFailure>;
 
 // Applies a pack to the files: holds the style file's and ENGLISH.FXT's locks, plans it as
 // planCarPack does, keeps the ".bak" copies of the files it changes (made when there are none

@@ -3,6 +3,7 @@
 // number of deltas. The pack made from the saved level turns a pristine copy into exactly the
 // saved bytes.
 
+#include "car_pack_outcome.h"
 #include "session/car_pack.h"
 
 #include "fake_platform.h"
@@ -81,7 +82,7 @@ struct PackOfLayoutFixture : ::testing::Test {
         platform.shownMessages.clear();
         const CarPackApplied applied =
             applyCarPack(pack, levelFiles(session->style), platform, fresh);
-        ASSERT_EQ(applied.result, ApplyResult::Applied)
+        ASSERT_EQ(tb::applyOutcome(applied), "applied")
             << (platform.messageTexts().empty() ? "" : platform.messageTexts().back());
         EXPECT_EQ(tb::readFile(style), savedStyle);
         EXPECT_EQ(tb::readFile(fxt), savedFxt);

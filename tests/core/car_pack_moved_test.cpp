@@ -2,6 +2,7 @@
 // dropped a car's deltas shrank the sprite graphics and moved every later section, yet a pack for
 // another car still finds its bytes; a pack for the resized car's sprite is refused, naming it.
 
+#include "car_pack_outcome.h"
 #include "level_copies_fixture.h"
 
 #include "exchange/gc3_moved.h"
@@ -73,10 +74,11 @@ TEST_F(MovedSectionsFixture, PackForAnotherCarFollowsSectionsMovedByAResizeAndIt
     const fs::path repaint = packOf("repaint", [&] { repaintSprite(other); });
     const auto applied2 =
         applyCarPack(repaint, {styleIn("level"), fxtIn("level")}, platform, backups);
-    EXPECT_EQ(applied2.result, ApplyResult::Refused);
-    ASSERT_FALSE(applied2.conflicts.empty());
-    EXPECT_NE(applied2.conflicts[0].find("sprite " + std::to_string(other)), std::string::npos)
-        << applied2.conflicts[0];
+    EXPECT_EQ(tb::applyOutcome(applied2), "refused");
+    ASSERT_FALSE(applied2.error().conflicts.empty());
+    EXPECT_NE(applied2.error().conflicts[0].find("sprite " + std::to_string(other)),
+              std::string::npos)
+        << applied2.error().conflicts[0];
 
     // The pack for the resized car's sprite: refused with the sprite named, nothing written.
     const auto before = tb::readFile(styleIn("level"));
@@ -84,12 +86,13 @@ TEST_F(MovedSectionsFixture, PackForAnotherCarFollowsSectionsMovedByAResizeAndIt
     BackupRegistry fresh;
     const CarPackApplied refused =
         applyCarPack(forResized, {styleIn("level"), fxtIn("level")}, platform, fresh);
-    EXPECT_EQ(refused.result, ApplyResult::Refused);
+    EXPECT_EQ(tb::applyOutcome(refused), "refused");
     const std::string name = session->cars.find(resized)->name;
-    ASSERT_FALSE(refused.conflicts.empty());
-    EXPECT_NE(refused.conflicts[0].find("sprite " + std::to_string(resized) + " (" + name + ")"),
-              std::string::npos)
-        << refused.conflicts[0];
+    ASSERT_FALSE(refused.error().conflicts.empty());
+    EXPECT_NE(
+        refused.error().conflicts[0].find("sprite " + std::to_string(resized) + " (" + name + ")"),
+        std::string::npos)
+        << refused.error().conflicts[0];
     EXPECT_EQ(tb::readFile(styleIn("level")), before);
     EXPECT_EQ(tb::readFile(fxtIn("level")), fxtBefore);
     const auto cli = tb::runCli({"gc3", "apply", forResized.string(), styleIn("level").string(),
@@ -124,7 +127,7 @@ TEST_F(MovedSectionsFixture, CarRecordsThatMovedWithTheColourTablesTakeThePackAn
     BackupRegistry fresh;
     const CarPackApplied applied =
         applyCarPack(pack, {styleIn("level"), fxtIn("level")}, platform, fresh);
-    ASSERT_EQ(applied.result, ApplyResult::Applied) << applied.message;
+    ASSERT_EQ(tb::applyOutcome(applied), "applied") << applied.message();
     load("level");
     EXPECT_EQ(field(car, "max_speed"), speed);
     // Only the record changed: the file is the level with the pack's bytes at their new place.
@@ -148,10 +151,10 @@ TEST_F(MovedSectionsFixture, PackThatChangesTheLengthItselfIsStillRefusedOnAMove
     BackupRegistry fresh;
     const CarPackApplied refused =
         applyCarPack(shrinks, {styleIn("level"), fxtIn("level")}, platform, fresh);
-    EXPECT_EQ(refused.result, ApplyResult::Refused);
-    ASSERT_FALSE(refused.conflicts.empty());
-    EXPECT_NE(refused.conflicts[0].find("its sections have moved"), std::string::npos)
-        << refused.conflicts[0];
+    EXPECT_EQ(tb::applyOutcome(refused), "refused");
+    ASSERT_FALSE(refused.error().conflicts.empty());
+    EXPECT_NE(refused.error().conflicts[0].find("its sections have moved"), std::string::npos)
+        << refused.error().conflicts[0];
     EXPECT_EQ(tb::readFile(styleIn("level")), before);
 }
 

@@ -1,6 +1,7 @@
 // Car packs of the open level: the preview names what a pack changes, and a pack built from the
 // .bak originals turns them back into the edited files, once.
 
+#include "car_pack_outcome.h"
 #include "session/car_pack.h"
 #include "session/car_pack_preview.h"
 
@@ -359,16 +360,16 @@ TEST_F(CarPackFixture, PackFromTheBakOriginalsTurnsThemIntoTheEditedFilesOnce) {
     tb::writeFile(fxt, tb::readFile(bak.fxt));
     BackupRegistry fresh;
     platform.shownMessages.clear();
-    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh).result,
-              ApplyResult::Applied);
+    EXPECT_EQ(tb::applyOutcome(applyCarPack(pack, levelFiles(session->style), platform, fresh)),
+              "applied");
     EXPECT_EQ(tb::readFile(style), editedStyle);
     EXPECT_EQ(tb::readFile(fxt), editedFxt);
     EXPECT_EQ(tb::readFile(bak.style), originalStyle); // the .bak copies are kept
     EXPECT_EQ(tb::readFile(bak.fxt), originalFxt);
 
     // A second time is refused, and says why.
-    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh).result,
-              ApplyResult::Refused);
+    EXPECT_EQ(tb::applyOutcome(applyCarPack(pack, levelFiles(session->style), platform, fresh)),
+              "refused");
     ASSERT_FALSE(messages().empty());
     EXPECT_NE(messages().back().find("already applied"), std::string::npos) << messages().back();
     EXPECT_EQ(tb::readFile(style), editedStyle);
@@ -387,12 +388,12 @@ TEST_F(CarPackFixture, PackWithoutTrailerAppliesOnceAndIsThenRefusedByItsContent
     tb::writeFile(style, tb::readFile(style.string() + ".bak"));
 
     BackupRegistry fresh;
-    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh).result,
-              ApplyResult::Applied);
+    EXPECT_EQ(tb::applyOutcome(applyCarPack(pack, levelFiles(session->style), platform, fresh)),
+              "applied");
     EXPECT_EQ(tb::readFile(style), editedStyle);
     platform.shownMessages.clear();
-    EXPECT_EQ(applyCarPack(pack, levelFiles(session->style), platform, fresh).result,
-              ApplyResult::Refused);
+    EXPECT_EQ(tb::applyOutcome(applyCarPack(pack, levelFiles(session->style), platform, fresh)),
+              "refused");
     ASSERT_EQ(messages().size(), 1u);
     EXPECT_EQ(messages()[0], "This GC3 car pack is already applied: STYLE001.G24 and ENGLISH.FXT "
                              "already hold its changes.\rNothing was written.");
@@ -408,7 +409,7 @@ TEST_F(CarPackFixture, PacksThatDoNotBelongAreRefusedWithNothingChanged) {
     struct Case {
         const char* name;
         std::function<void(CarPackFiles&)> arrange;
-        ApplyResult result;
+        std::string result;
         std::string message;
     };
     const std::vector<Case> cases = {
@@ -418,14 +419,14 @@ TEST_F(CarPackFixture, PacksThatDoNotBelongAreRefusedWithNothingChanged) {
              fs::create_directories(f.style.parent_path());
              tb::writeFile(f.style, originalStyle);
          },
-         ApplyResult::Refused, "is for level 1 (Port Alder), but STYLE002.G24 is level 2"},
+         "refused", "is for level 1 (Port Alder), but STYLE002.G24 is level 2"},
         {"damaged pack",
          [&](CarPackFiles&) {
              auto bytes = goodPack;
              tb::putI32(bytes, kGc3HeaderSize + 4, 1 << 30); // the first run's length
              tb::writeFile(pack, bytes);
          },
-         ApplyResult::Failed, "Error reading GC3 file."},
+         "failed", "Error reading GC3 file."},
         {"a style file too short for it",
          [&](CarPackFiles& f) {
              f.style = dir / "short" / "STYLE001.G24";
@@ -433,7 +434,7 @@ TEST_F(CarPackFixture, PacksThatDoNotBelongAreRefusedWithNothingChanged) {
              tb::writeFile(f.style, std::vector<std::uint8_t>(originalStyle.begin(),
                                                               originalStyle.begin() + 1000));
          },
-         ApplyResult::Refused, "STYLE001.G24: its sections have moved since the pack was made"},
+         "refused", "STYLE001.G24: its sections have moved since the pack was made"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -444,7 +445,7 @@ TEST_F(CarPackFixture, PacksThatDoNotBelongAreRefusedWithNothingChanged) {
         const auto fxtBefore = tb::readFile(files.fxt);
         platform.shownMessages.clear();
         BackupRegistry fresh;
-        EXPECT_EQ(applyCarPack(pack, files, platform, fresh).result, c.result);
+        EXPECT_EQ(tb::applyOutcome(applyCarPack(pack, files, platform, fresh)), c.result);
         ASSERT_EQ(messages().size(), 1u);
         EXPECT_NE(messages()[0].find(c.message), std::string::npos) << messages()[0];
         EXPECT_EQ(tb::readFile(files.style), styleBefore);
@@ -482,9 +483,9 @@ TEST_F(CarPackFixture, ResultsTheEditorCannotOpenAreNeitherPackedNorApplied) {
     platform.shownMessages.clear();
     BackupRegistry fresh;
     const CarPackApplied applied = applyCarPack(pack, levelFiles(session->style), platform, fresh);
-    EXPECT_EQ(applied.result, ApplyResult::Refused);
-    EXPECT_NE(applied.message.find("would give files the editor cannot open"), std::string::npos)
-        << applied.message;
+    EXPECT_EQ(tb::applyOutcome(applied), "refused");
+    EXPECT_NE(applied.message().find("would give files the editor cannot open"), std::string::npos)
+        << applied.message();
     EXPECT_EQ(tb::readFile(style), originalStyle);
     EXPECT_FALSE(fs::exists(style.string() + ".bak"));
 }
@@ -535,9 +536,10 @@ TEST_F(CarPackFixture, PackOntoALevelEditedElsewhereGivesBothEditsAndConflictsAr
     platform.shownMessages.clear();
     BackupRegistry fresh;
     const CarPackApplied refused = applyCarPack(pack, levelFiles(session->style), platform, fresh);
-    EXPECT_EQ(refused.result, ApplyResult::Refused);
-    EXPECT_EQ(refused.conflicts, std::vector<std::string>{session->cars.find(asn)->name + " (ASN " +
-                                                          std::to_string(asn) + "): Max Speed"});
+    EXPECT_EQ(tb::applyOutcome(refused), "refused");
+    EXPECT_EQ(refused.error().conflicts,
+              std::vector<std::string>{session->cars.find(asn)->name + " (ASN " +
+                                       std::to_string(asn) + "): Max Speed"});
     ASSERT_EQ(messages().size(), 1u);
     EXPECT_NE(messages()[0].find("changed since it was made"), std::string::npos) << messages()[0];
     EXPECT_EQ(tb::readFile(style), conflicting);

@@ -5,6 +5,7 @@
 #include "base/atomic_file.h"
 #include "base/file_lock.h"
 #include "base/file_stamp.h"
+#include "car_pack_outcome.h"
 #include "cars/car_names_io.h"
 #include "cars/fxt.h"
 #include "cli_runner.h"
@@ -461,9 +462,9 @@ TEST(SafeGc3, PackChecksTheFilesItWasMadeAgainstAndKnowsWhenItIsApplied) {
     tb::writeFile(level.fxt, tb::encodeFxt(otherFxt));
     BackupRegistry backups;
     CarPackApplied out = applyCarPack(pack, {level.style, level.fxt}, p, backups);
-    EXPECT_EQ(out.result, ApplyResult::Refused) << out.message;
-    EXPECT_NE(out.message.find("ENGLISH.FXT: its texts have moved"), std::string::npos)
-        << out.message;
+    EXPECT_EQ(tb::applyOutcome(out), "refused") << out.message();
+    EXPECT_NE(out.message().find("ENGLISH.FXT: its texts have moved"), std::string::npos)
+        << out.message();
     EXPECT_EQ(tb::readFile(level.style), level.styleBytes);
 
     level.reset();
@@ -478,8 +479,8 @@ TEST(SafeGc3, PackChecksTheFilesItWasMadeAgainstAndKnowsWhenItIsApplied) {
     EXPECT_EQ(tb::readFile(fs::path(level.fxt.string() + ".bak")), level.fxtBytes);
 
     out = applyCarPack(pack, {level.style, level.fxt}, p, backups);
-    EXPECT_EQ(out.result, ApplyResult::Refused);
-    EXPECT_NE(out.message.find("already applied"), std::string::npos);
+    EXPECT_EQ(tb::applyOutcome(out), "refused");
+    EXPECT_NE(out.message().find("already applied"), std::string::npos);
 
     // A pack's reader that follows the header never sees the trailer.
     const Result<Gc3Pack> parsed = parseGc3(tb::readFile(pack));
@@ -490,8 +491,8 @@ TEST(SafeGc3, PackChecksTheFilesItWasMadeAgainstAndKnowsWhenItIsApplied) {
     level.reset();
     fs::permissions(level.fxt, fs::perms::owner_read);
     out = applyCarPack(pack, {level.style, level.fxt}, p, backups);
-    EXPECT_EQ(out.result, ApplyResult::Failed);
-    EXPECT_NE(out.message.find("permission denied"), std::string::npos);
+    EXPECT_EQ(tb::applyOutcome(out), "failed");
+    EXPECT_NE(out.message().find("permission denied"), std::string::npos);
     EXPECT_EQ(tb::readFile(level.fxt), level.fxtBytes);
 }
 
