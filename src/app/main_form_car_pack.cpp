@@ -80,11 +80,12 @@ bool MainForm::applyCarPackFile(const QString& path) {
     const CarPackFiles files = levelFiles(session_->style);
     // Refused before the preview, with the applier's own message (another level, already
     // applied, changes that conflict with edits made since, a damaged pack).
-    const CarPackPlan plan = planCarPack(pack, files);
-    if (!plan.applies()) {
-        platform_.message(plan.refusal, Buttons::Ok, Icon::Warning);
+    const Result<CarPackPlan, CarPackFailure> planned = planCarPack(pack, files);
+    if (!planned) {
+        platform_.message(planned.message(), Buttons::Ok, Icon::Warning);
         return false;
     }
+    const CarPackPlan& plan = *planned;
     const CarPackPreview preview =
         previewCarPack(plan.packAsPlaced(pack.pack), *session_, plan.styleBefore, plan.fxtBefore,
                        plan.styleAfter, plan.fxtAfter);

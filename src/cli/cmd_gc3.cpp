@@ -155,13 +155,14 @@ void registerGc3Command(Command& app, Context& ctx) {
         }
         auto session = loadStyle(ctx, *platform, options, sh->style, kLoadSprites);
         if (!session) return;
-        const CarPackPlan plan =
+        const Result<CarPackPlan, CarPackFailure> planned =
             planCarPack(pack, {argumentPath(sh->style), argumentPath(sh->fxt)});
-        if (!plan.applies()) {
-            platform->message(plan.refusal);
+        if (!planned) {
+            platform->message(planned.message());
             ctx.exitCode = kExitFailed;
             return;
         }
+        const CarPackPlan& plan = *planned;
         // The names of the FXT given, wherever it lies; the decoded text itself is not needed.
         static_cast<void>(decodeFxtBytes(plan.fxtBefore, &session->names));
         const CarPackPreview preview =

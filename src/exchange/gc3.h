@@ -143,22 +143,28 @@ inline constexpr std::array<std::uint8_t, 4> kGc3LayoutMagic{'T', 'Q', 'S', 'H'}
 [[nodiscard]] std::optional<Gc3Originals> findGc3Originals(const std::vector<std::uint8_t>& bytes,
                                                            const Gc3Pack& pack);
 
-// How an apply ended; `message` says it in words for every outcome but Applied.
-enum class Gc3Outcome {
-    Applied,        // both files are now the pack's modified files
+// Why a pack does not apply; the failure's message says it in words.
+enum class Gc3Refusal {
     AlreadyApplied, // the files already are the pack's results: nothing written
     Unreadable,     // the pack or a file could not be read, or the pack is not a GC3 pack
     OtherLevel,     // the pack is for another level than the style file's name
     FilesDiffer,    // the files are not the ones the pack was made against
     Conflicts,      // bytes the pack changes were changed since in the files (see conflicts)
     Damaged,        // the pack's runs do not fit its own lengths or checksums
-    Locked,         // another run of the program is saving the style file
-    WriteFailed     // a file is read-only, its backup failed, or the write failed (with the cause)
 };
-struct Gc3Applied {
-    Gc3Outcome outcome = Gc3Outcome::Applied;
-    std::string message;
+struct Gc3Failure : Failure {
+    Gc3Refusal refusal = Gc3Refusal::Unreadable;
 };
+// A pack that applies (both files become the pack's modified files), or why it does not.
+using Gc3Applied = Result<void, Gc3Failure>;
+
+// A refusal of `refusal` in the words of `message`.
+[[nodiscard]] inline Gc3Failure gc3Refusal(Gc3Refusal refusal, std::string message) {
+    Gc3Failure failure;
+    failure.message = std::move(message);
+    failure.refusal = refusal;
+    return failure;
+}
 
 // A file a pack is applied to: its path (for messages) and its bytes.
 struct Gc3FileBytes {
@@ -168,7 +174,7 @@ struct Gc3FileBytes {
 
     std::uint32_t checksum() const { return crc ? *crc : crc32(bytes); }
 };
-// Whether a pack can be applied to these files, without touching the disk: Applied when it can
+// Whether a pack can be applied to these files, without touching the disk: success when it can
 // (with the two results when asked for), else the refusal: AlreadyApplied or FilesDiffer by the
 // trailer's checksums when the pack has one, FilesDiffer for a file too short for the runs,
 // Damaged for a run past the recorded length or results that miss the trailer. The level is not

@@ -62,15 +62,13 @@ Gc3Applied checkGc3Fit(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
                        const Gc3FileBytes& style, const Gc3FileBytes& fxt,
                        std::vector<std::uint8_t>* styleResult,
                        std::vector<std::uint8_t>* fxtResult) {
-    auto refused = [](Gc3Outcome outcome, std::string message) {
-        return Gc3Applied{outcome, std::move(message)};
-    };
+    const auto refused = gc3Refusal;
     // Torquil's packs say what they were made against and what they make.
     if (trailer) {
         const std::uint32_t styleCrc = style.checksum();
         const std::uint32_t fxtCrc = fxt.checksum();
         if (styleCrc == trailer->resultStyle && fxtCrc == trailer->resultFxt)
-            return refused(Gc3Outcome::AlreadyApplied,
+            return refused(Gc3Refusal::AlreadyApplied,
                            "This GC3 car pack is already applied to " + style.path.string() +
                                " and " + fxt.path.string() + ": nothing was written.");
         const bool styleFits = styleCrc == trailer->originalStyle;
@@ -80,7 +78,7 @@ Gc3Applied checkGc3Fit(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
                                     ? style.path.string() + " and " + fxt.path.string()
                                 : !styleFits ? style.path.string()
                                              : fxt.path.string();
-            return refused(Gc3Outcome::FilesDiffer,
+            return refused(Gc3Refusal::FilesDiffer,
                            "This GC3 car pack was made against other files than " + which +
                                " (their contents differ from the files it was made from)." + "\r" +
                                "Nothing was written.");
@@ -99,22 +97,22 @@ Gc3Applied checkGc3Fit(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
         case ApplyFault::None:
             break;
         case ApplyFault::TooShort:
-            return refused(Gc3Outcome::FilesDiffer, "The file " + t.file.path.string() +
+            return refused(Gc3Refusal::FilesDiffer, "The file " + t.file.path.string() +
                                                         " is too short for this GC3 car pack.");
         case ApplyFault::PastLength:
-            return refused(Gc3Outcome::Damaged, "This GC3 car pack has a run past the recorded " +
+            return refused(Gc3Refusal::Damaged, "This GC3 car pack has a run past the recorded " +
                                                     std::string("length of ") +
                                                     t.file.path.string() + ".");
         }
     }
     if (trailer && (crc32(targets[0].result) != trailer->resultStyle ||
                     crc32(targets[1].result) != trailer->resultFxt))
-        return refused(Gc3Outcome::Damaged,
+        return refused(Gc3Refusal::Damaged,
                        "This GC3 car pack is damaged: applied, it does not give the files it was "
                        "made from. Nothing was written.");
     if (styleResult) *styleResult = std::move(targets[0].result);
     if (fxtResult) *fxtResult = std::move(targets[1].result);
-    return {Gc3Outcome::Applied, {}};
+    return {};
 }
 
 } // namespace torquil

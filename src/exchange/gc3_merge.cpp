@@ -127,8 +127,8 @@ Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
                        const std::optional<Gc3Originals>& originals, const Gc3FileBytes& style,
                        const Gc3FileBytes& fxt) {
     Gc3Merged m;
-    auto refused = [&m](Gc3Outcome outcome, std::string message) {
-        m.applied = {outcome, std::move(message)};
+    auto refused = [&m](Gc3Refusal refusal, std::string message) {
+        m.applied = gc3Refusal(refusal, std::move(message));
         m.style.clear();
         m.fxt.clear();
         return m;
@@ -147,10 +147,10 @@ Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
         trailer && (*styleCrc != trailer->originalStyle || *fxtCrc != trailer->originalFxt);
     if (!edited || !originals) {
         const Gc3Applied fit = checkGc3Fit(pack, trailer, styleFile, fxtFile, &m.style, &m.fxt);
-        if (fit.outcome != Gc3Outcome::Applied) return refused(fit.outcome, fit.message);
+        if (!fit) return refused(fit.error().refusal, fit.message());
     } else {
         if (*styleCrc == trailer->resultStyle && *fxtCrc == trailer->resultFxt)
-            return refused(Gc3Outcome::AlreadyApplied,
+            return refused(Gc3Refusal::AlreadyApplied,
                            "This GC3 car pack is already applied to " + style.path.string() +
                                " and " + fxt.path.string() + ": nothing was written.");
         struct File {
@@ -188,14 +188,14 @@ Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
                                 f.file.bytes, f.fxt ? std::nullopt : layouts, f.out, m.conflicts,
                                 f.fxt ? unusedRuns : m.styleRunsNow);
             if (!ok)
-                return refused(Gc3Outcome::Damaged,
+                return refused(Gc3Refusal::Damaged,
                                "This GC3 car pack is damaged: its runs do not fit the length it "
                                "records for " +
                                    f.file.path.filename().string() + ". Nothing was written.");
         }
         if (!m.conflicts.empty()) {
             std::vector<Gc3Conflict> conflicts = std::move(m.conflicts);
-            refused(Gc3Outcome::Conflicts, "This GC3 car pack changes bytes of " + both +
+            refused(Gc3Refusal::Conflicts, "This GC3 car pack changes bytes of " + both +
                                                " that were changed since it was made." + "\r" +
                                                "Nothing was written.");
             m.conflicts = std::move(conflicts);
@@ -207,7 +207,7 @@ Gc3Merged mergeGc3Pack(const Gc3Pack& pack, const std::optional<Gc3Trailer>& tra
     // A pack without a trailer cannot tell its own results: applied once, the files hold every
     // byte of it, and a second time would overwrite whatever was edited since.
     if (!m.styleChanged && !m.fxtChanged)
-        return refused(Gc3Outcome::AlreadyApplied, "This GC3 car pack is already applied: " + both +
+        return refused(Gc3Refusal::AlreadyApplied, "This GC3 car pack is already applied: " + both +
                                                        " already hold its changes." + "\r" +
                                                        "Nothing was written.");
     return m;

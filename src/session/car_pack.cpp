@@ -159,37 +159,41 @@ bool writeCarPack(const fs::path& modStyle, const fs::path& origStyle, const fs:
                     check);
 }
 
-CarPackPlan planCarPack(const CarPackFile& file, const CarPackFiles& files) {
+Result<CarPackPlan, CarPackFailure> planCarPack(const CarPackFile& file,
+                                                const CarPackFiles& files) {
     CarPackPlan plan;
-    auto refuse = [&plan](Gc3Outcome outcome, std::string message) {
-        plan.outcome = outcome;
-        plan.refusal = std::move(message);
-        return plan;
+    std::vector<std::string> conflicts;
+    auto refuse = [&conflicts](Gc3Refusal refusal, std::string message) {
+        CarPackFailure failure;
+        failure.message = std::move(message);
+        failure.refusal =
+            refusal == Gc3Refusal::Unreadable ? CarPackRefusal::Failed : CarPackRefusal::Refused;
+        failure.conflicts = std::move(conflicts);
+        return failure;
     };
     const std::string name = files.style.filename().string();
     const int level = mapNumberFromFileName(toUpperAscii(name));
     if (file.pack.header.stylenum != level)
-        return refuse(Gc3Outcome::OtherLevel, "This GC3 car pack is for level " +
+        return refuse(Gc3Refusal::OtherLevel, "This GC3 car pack is for level " +
                                                   levelText(file.pack.header.stylenum) + ", but " +
                                                   name + " is level " + levelText(level) + "." +
                                                   kNothingChanged);
     if (!readIfPresent(files.style, plan.styleBefore) || !readIfPresent(files.fxt, plan.fxtBefore))
-        return refuse(Gc3Outcome::Unreadable, "Unable to read " + files.style.string() + " or " +
+        return refuse(Gc3Refusal::Unreadable, "Unable to read " + files.style.string() + " or " +
                                                   files.fxt.string() + "." + kNothingChanged);
     Gc3Merged merged = mergeGc3Pack(file.pack, file.trailer, file.originals,
                                     {files.style, plan.styleBefore}, {files.fxt, plan.fxtBefore});
-    if (merged.applied.outcome == Gc3Outcome::Conflicts) {
-        plan.conflicts = styleConflicts(merged.conflicts, files, file.originals, plan.styleBefore,
-                                        plan.fxtBefore);
+    if (!merged.applied && merged.applied.error().refusal == Gc3Refusal::Conflicts) {
+        conflicts = styleConflicts(merged.conflicts, files, file.originals, plan.styleBefore,
+                                   plan.fxtBefore);
         const auto names = fxtConflicts(merged.conflicts, file.pack, plan.fxtBefore);
-        plan.conflicts.insert(plan.conflicts.end(), names.begin(), names.end());
+        conflicts.insert(conflicts.end(), names.begin(), names.end());
         std::string message = "This GC3 car pack changes what was changed since it was made in " +
                               name + " or " + files.fxt.filename().string() + ":";
-        for (const std::string& c : plan.conflicts) message += "\r  " + c;
-        return refuse(Gc3Outcome::Conflicts, message + kNothingChanged);
+        for (const std::string& c : conflicts) message += "\r  " + c;
+        return refuse(Gc3Refusal::Conflicts, message + kNothingChanged);
     }
-    if (merged.applied.outcome != Gc3Outcome::Applied)
-        return refuse(merged.applied.outcome, merged.applied.message);
+    if (!merged.applied) return refuse(merged.applied.error().refusal, merged.applied.message());
     plan.styleAfter = std::move(merged.style);
     plan.fxtAfter = std::move(merged.fxt);
     plan.styleChanged = merged.styleChanged;
@@ -201,7 +205,7 @@ CarPackPlan planCarPack(const CarPackFile& file, const CarPackFiles& files) {
     // What the files would be must open in the editor, whether the pack carries checksums or not.
     if (const Result<void> opens = checkLentLevelBytes(files.style, plan.styleAfter, plan.fxtAfter);
         !opens)
-        return refuse(Gc3Outcome::Damaged,
+        return refuse(Gc3Refusal::Damaged,
                       "Applied, this GC3 car pack would give files the editor cannot open:\r" +
                           opens.message() + kNothingChanged);
     return plan;
@@ -238,14 +242,12 @@ CarPackApplied applyCarPack(const fs::path& packPath, const CarPackFiles& files,
                 return fail(CarPackRefusal::Failed, taken.message());
     const FileStamp styleReadAs = stampOf(files.style), fxtReadAs = stampOf(files.fxt);
 
-    CarPackPlan plan = planCarPack(pack, files);
-    if (!plan.applies()) {
-        const bool unreadable = plan.outcome == Gc3Outcome::Unreadable;
-        CarPackFailure failure =
-            fail(unreadable ? CarPackRefusal::Failed : CarPackRefusal::Refused, plan.refusal);
-        failure.conflicts = plan.conflicts;
-        return failure;
+    Result<CarPackPlan, CarPackFailure> planned = planCarPack(pack, files);
+    if (!planned) {
+        platform.message(planned.message(), Buttons::Ok, Icon::Warning);
+        return planned.error();
     }
+    const CarPackPlan& plan = *planned;
     struct Target {
         const fs::path& path;
         const std::vector<std::uint8_t>& bytes;

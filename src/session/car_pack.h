@@ -47,24 +47,18 @@ struct CarPackFile {
                                 const std::filesystem::path& pack, Platform& platform);
 
 // What applying a pack to the files would give, with nothing written: the files as they are and
-// as they would be, or the refusal (`refusal` non-empty, in words, each conflict on a line of
-// its own and also in `conflicts`).
+// as they would be.
 struct CarPackPlan {
     std::vector<std::uint8_t> styleBefore, fxtBefore, styleAfter, fxtAfter;
     bool styleChanged = false, fxtChanged = false;
-    Gc3Outcome outcome = Gc3Outcome::Applied;
-    std::string refusal;
-    std::vector<std::string> conflicts; // "Zed (ASN 19): Max Speed", "car name 3", ...
     // The pack with its style runs where they fall in the files now, when it followed sections
     // that moved since it was made.
     std::optional<Gc3Pack> placed;
-    [[nodiscard]] bool applies() const { return refusal.empty(); }
     // The pack to tell the changes by: `placed` when there is one, else the pack itself.
     [[nodiscard]] const Gc3Pack& packAsPlaced(const Gc3Pack& pack) const {
         return placed ? *placed : pack;
     }
 };
-[[nodiscard]] CarPackPlan planCarPack(const CarPackFile& pack, const CarPackFiles& files);
 
 // Why a pack was not applied; nothing changed either way.
 enum class CarPackRefusal {
@@ -73,8 +67,13 @@ enum class CarPackRefusal {
 };
 struct CarPackFailure : Failure {
     CarPackRefusal refusal = CarPackRefusal::Failed;
-    std::vector<std::string> conflicts; // as in CarPackPlan
+    std::vector<std::string> conflicts; // "Zed (ASN 19): Max Speed", "car name 3", ...
 };
+
+// The plan of a pack applied to the files, or why it does not apply (Failed when a file could
+// not be read), in words, each conflict on a line of its own and also in `conflicts`.
+[[nodiscard]] Result<CarPackPlan, CarPackFailure> planCarPack(const CarPackFile& pack,
+                                                              const CarPackFiles& files);
 // An applied pack gives what was written and kept, in words for the user.
 using CarPackApplied = Result<std::string, CarPackFailure>;
 

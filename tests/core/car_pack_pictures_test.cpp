@@ -22,8 +22,10 @@ TEST_F(PackPicturesFixture, RepaintedSpriteIsPicturedBeforeAndAfterWithOnlyItsFi
     load("level");
     CarPackFile file;
     ASSERT_TRUE(readCarPack(pack, file, platform));
-    const CarPackPlan plan = planCarPack(file, {styleIn("level"), fxtIn("level")});
-    ASSERT_TRUE(plan.applies()) << plan.refusal;
+    const Result<CarPackPlan, CarPackFailure> planned =
+        planCarPack(file, {styleIn("level"), fxtIn("level")});
+    ASSERT_TRUE(planned.ok()) << planned.message();
+    const CarPackPlan& plan = *planned;
     const CarPackPreview preview =
         previewCarPack(plan.packAsPlaced(file.pack), *session, plan.styleBefore, plan.fxtBefore,
                        plan.styleAfter, plan.fxtAfter);

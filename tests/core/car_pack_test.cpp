@@ -107,7 +107,7 @@ struct CarPackFixture : ::testing::Test {
         EXPECT_TRUE(readCarPack(pack, parsed, platform));
         const Gc3Merged merged = mergeGc3Pack(parsed.pack, parsed.trailer, parsed.originals,
                                               {style, originalStyle}, {fxt, originalFxt});
-        EXPECT_EQ(merged.applied.outcome, Gc3Outcome::Applied) << merged.applied.message;
+        EXPECT_TRUE(merged.applied.ok()) << merged.applied.message();
         return previewCarPack(parsed.pack, *session, originalStyle, originalFxt, merged.style,
                               merged.fxt);
     }

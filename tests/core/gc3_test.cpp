@@ -53,8 +53,13 @@ struct Gc3Fixture : ::testing::Test {
         const auto bytes = tb::readFile(pack);
         const Result<Gc3Pack> read = parseGc3(bytes);
         if (!read)
-            return {
-                {Gc3Outcome::Unreadable, read.message()}, {}, {}, false, false, {}, std::nullopt};
+            return {gc3Refusal(Gc3Refusal::Unreadable, read.message()),
+                    {},
+                    {},
+                    false,
+                    false,
+                    {},
+                    std::nullopt};
         const Gc3Pack& p = *read;
         const auto styleBytes = tb::readFile(style), fxtBytes = tb::readFile(fxt);
         return mergeGc3Pack(p, findGc3Trailer(bytes, p.header), findGc3Originals(bytes, p),
@@ -262,7 +267,7 @@ TEST_F(Gc3Fixture, WriteThenApplyReproducesTheModifiedFiles) {
         tb::writeFile(target / "STYLE001.G24", orig);
         tb::writeFile(target / "ENGLISH.FXT", origText);
         const Gc3Merged merged = apply(target / "STYLE001.G24", target / "ENGLISH.FXT");
-        ASSERT_EQ(merged.applied.outcome, Gc3Outcome::Applied) << c.name << merged.applied.message;
+        ASSERT_TRUE(merged.applied.ok()) << c.name << merged.applied.message();
         EXPECT_EQ(merged.style, mod) << c.name;
         EXPECT_EQ(merged.fxt, modText) << c.name;
     }
@@ -306,9 +311,9 @@ TEST_F(Gc3Fixture, ApplyRefusesAndWritesNothing) {
         tb::writeFile(target / c.styleName, style);
         tb::writeFile(target / "ENGLISH.FXT", {1, 2, 3});
         const Gc3Merged merged = apply(target / c.styleName, target / "ENGLISH.FXT");
-        EXPECT_NE(merged.applied.outcome, Gc3Outcome::Applied) << c.name;
-        EXPECT_NE(merged.applied.message.find(c.message), std::string::npos)
-            << c.name << ": " << merged.applied.message;
+        EXPECT_FALSE(merged.applied.ok()) << c.name;
+        EXPECT_NE(merged.applied.message().find(c.message), std::string::npos)
+            << c.name << ": " << merged.applied.message();
         EXPECT_TRUE(merged.style.empty() && merged.fxt.empty()) << c.name;
     }
 }
