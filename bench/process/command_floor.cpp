@@ -1,16 +1,20 @@
 // torquil-command-floor: the floor of a torquil-cli command as a process of its own, to time
 // beside the command. It does what any program doing the command must do and nothing more:
 //   torquil-command-floor STYLE [--read FILE]... [--paint FILE]... [--write FILE[:BYTES]]...
+//                         [--lock FILE]...
 // reads STYLE and every --read and --paint FILE whole, each in one read, maps the first
 // 26 x 65,536 bytes of STYLE and of each --paint FILE (a second style file the command must load,
 // such as the result a car pack gives) through one colour table into a page image of its own,
 // and writes each --write FILE
 // atomically (whole, beside the old file, flushed, renamed over it): a file it read gets its own
 // content back (a save), any other file the style file's first BYTES bytes (a picture the
-// command exports).
+// command exports). Each --lock FILE is held from the start to the end: every writer of a level
+// file (the style file, ENGLISH.FXT) must take its lock, so two runs never replace each other's
+// work.
 
 #include "base/atomic_file.h"
 #include "base/binary_file.h"
+#include "base/file_lock.h"
 #include "floor.h"
 
 #include <algorithm>
@@ -24,7 +28,7 @@ namespace {
 
 int usage() {
     std::cerr << "usage: torquil-command-floor STYLE [--read FILE]... [--paint FILE]... "
-                 "[--write FILE[:BYTES]]...\n";
+                 "[--write FILE[:BYTES]]... [--lock FILE]...\n";
     return 2;
 }
 
@@ -33,7 +37,7 @@ int usage() {
 int main(int argc, char** argv) {
     using namespace torquil;
     if (argc < 2 || std::string(argv[1]).starts_with("-")) return usage();
-    std::vector<std::string> reads, paints;
+    std::vector<std::string> reads, paints, locked;
     std::vector<std::pair<std::string, long long>> writes; // -1: the whole style content
     for (int i = 2; i < argc; ++i) {
         const std::string option = argv[i];
@@ -41,6 +45,8 @@ int main(int argc, char** argv) {
         const std::string value = argv[++i];
         if (option == "--read") {
             reads.push_back(value);
+        } else if (option == "--lock") {
+            locked.push_back(value);
         } else if (option == "--paint") {
             paints.push_back(value);
         } else if (option == "--write") {
@@ -51,6 +57,13 @@ int main(int argc, char** argv) {
                 writes.emplace_back(value.substr(0, colon), std::atoll(value.c_str() + colon + 1));
         } else {
             return usage();
+        }
+    }
+    std::vector<FileLock> locks(locked.size());
+    for (std::size_t k = 0; k < locked.size(); ++k) {
+        if (!locks[k].acquire(locked[k], "torquil-command-floor")) {
+            std::cerr << "torquil-command-floor: cannot lock " << locked[k] << "\n";
+            return 1;
         }
     }
     bench::FloorPainter painter;
