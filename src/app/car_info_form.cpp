@@ -220,10 +220,10 @@ void CarInfoForm::saveSoundOfBox(int index, int repeat) {
                           "WAV files (*.wav)", "wav"},
                          [](QFileDialog& dialog) { return dialog.exec(); });
     if (path.isEmpty()) return;
-    if (writeSoundWav(session_, platform_, static_cast<std::int16_t>(sound), 1.0,
-                      static_cast<std::int16_t>(repeat), std::filesystem::path(path.toStdString()))
-            .ok())
-        return; // the failure was shown
+    const SoundResult written =
+        writeSoundWav(session_, platform_, static_cast<std::int16_t>(sound), 1.0,
+                      static_cast<std::int16_t>(repeat), std::filesystem::path(path.toStdString()));
+    if (!written) return; // the failure was shown
     soundState_->setText("Sound " + QString::number(sound) + " written to " + path);
     soundState_->show();
 }
