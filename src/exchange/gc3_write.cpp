@@ -170,25 +170,25 @@ bool writeGC3(const fs::path& modStyle, const fs::path& origStyle, const fs::pat
     Gc3Pack parsed;
     std::string why;
     std::vector<std::uint8_t> styleResult, fxtResult;
-    const auto readBack = [&] {
-        Result<Gc3Pack> read = parseGc3(bytes);
-        if (!read) {
-            why = read.message();
-            return false;
-        }
+    bool readBack = false;
+    if (Result<Gc3Pack> read = parseGc3(bytes); !read) {
+        why = read.message();
+    } else {
         parsed = std::move(read).value();
         auto style =
             rebuildFromRuns(origStyleBytes, parsed.styleRecords, parsed.header.StyleDataLOF);
         auto fxt = rebuildFromRuns(origFxtBytes, parsed.fxtRecords, parsed.header.FXTDataLOF);
-        if (!style || !fxt) {
-            why = !style ? style.message() : fxt.message();
-            return false;
+        readBack = style && fxt;
+        if (!style)
+            why = style.message();
+        else if (!fxt)
+            why = fxt.message();
+        else {
+            styleResult = std::move(style).value();
+            fxtResult = std::move(fxt).value();
         }
-        styleResult = std::move(style).value();
-        fxtResult = std::move(fxt).value();
-        return true;
-    };
-    if (!readBack() || styleResult != modStyleBytes || fxtResult != modFxtBytes) {
+    }
+    if (!readBack || styleResult != modStyleBytes || fxtResult != modFxtBytes) {
         platform.message(std::string(kGc3WriteError) + "\r" +
                          "The pack read back does not give the changed files" +
                          (why.empty() ? std::string(".") : ": " + why + "."));
