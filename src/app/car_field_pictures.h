@@ -17,7 +17,9 @@ struct FieldPicture {
     QImage image;  // null when the car or its sprite is not loaded
     QPoint centre; // where the sprite's centre lies in the image
     // Where a position (dx, dy) sprite pixels from the sprite's centre lies in the image.
-    [[nodiscard]] QPoint pointOf(int dx, int dy) const { return centre + QPoint(dx, dy) * kFieldPictureScale; }
+    [[nodiscard]] QPoint pointOf(int dx, int dy) const {
+        return centre + QPoint(dx, dy) * kFieldPictureScale;
+    }
 };
 
 // The centre of mass of the car with absolute sprite number `asn`.

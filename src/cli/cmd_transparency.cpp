@@ -10,25 +10,6 @@
 
 namespace torquil::cli {
 
-namespace {
-
-const char* outcomeWord(const TransparencyResult& fixed) {
-    if (fixed) return *fixed == TransparencyDone::Corrected ? "corrected" : "already correct";
-    switch (fixed.error().refusal) {
-    case TransparencyRefusal::NoSprite:
-        return "no sprite";
-    case TransparencyRefusal::EightBit:
-        return "refused";
-    case TransparencyRefusal::Undetermined:
-        return "undetermined";
-    case TransparencyRefusal::Cancelled:
-        return "cancelled";
-    }
-    return "?";
-}
-
-} // namespace
-
 void registerTransparencyCommand(Command& app, Context& ctx) {
     struct Args {
         CommonOptions common;
@@ -64,7 +45,7 @@ void registerTransparencyCommand(Command& app, Context& ctx) {
             }
             if (saved.nothingChanged) ctx.out << kNothingChanged << '\n';
         }
-        ctx.out << outcomeWord(fixed) << '\n';
+        ctx.out << transparencyOutcomeWord(fixed) << '\n';
         ctx.exitCode = fixed ? kExitOk : kExitFailed;
     });
 }

@@ -83,4 +83,19 @@ PageArea swapWithZero(Pages& pages, const SpriteRec& sprite, std::uint8_t index)
     return {sprite.page, x0, y0, x1 - x0, y1 - y0};
 }
 
+const char* transparencyOutcomeWord(const TransparencyResult& fixed) {
+    if (fixed) return *fixed == TransparencyDone::Corrected ? "corrected" : "already correct";
+    switch (fixed.error().refusal) {
+    case TransparencyRefusal::NoSprite:
+        return "no sprite";
+    case TransparencyRefusal::EightBit:
+        return "refused";
+    case TransparencyRefusal::Undetermined:
+        return "undetermined";
+    case TransparencyRefusal::Cancelled:
+        return "cancelled";
+    }
+    return "?";
+}
+
 } // namespace torquil

@@ -53,6 +53,10 @@ struct TransparencyFailure : Failure {
 
 using TransparencyResult = Result<TransparencyDone, TransparencyFailure>;
 
+// What a fix did in one word, as the command line prints it: "corrected", "already correct",
+// "no sprite", "refused", "undetermined" or "cancelled".
+[[nodiscard]] const char* transparencyOutcomeWord(const TransparencyResult& fixed);
+
 // The sprite's background index: its four corner samples (2 pixels in from each edge) when they
 // agree; nothing when they do not or one lies outside the page.
 [[nodiscard]] std::optional<std::uint8_t> backgroundIndex(const Pages& pages,

@@ -7,22 +7,6 @@ namespace tb = torquil::testing;
 
 namespace {
 
-// What a fix did, in the command line's words.
-std::string fixOutcome(const TransparencyResult& fixed) {
-    if (fixed) return *fixed == TransparencyDone::Corrected ? "corrected" : "already correct";
-    switch (fixed.error().refusal) {
-    case TransparencyRefusal::NoSprite:
-        return "no sprite";
-    case TransparencyRefusal::EightBit:
-        return "refused";
-    case TransparencyRefusal::Undetermined:
-        return "undetermined";
-    case TransparencyRefusal::Cancelled:
-        return "cancelled";
-    }
-    return "?";
-}
-
 // A 10 x 8 sprite whose border is `background` and whose inside holds 0s and other indexes.
 std::vector<std::uint8_t> framedPixels(std::uint8_t background) {
     std::vector<std::uint8_t> p(80, background);
@@ -95,7 +79,7 @@ TEST_F(TransparencyFixture, RefusalsLeavePixelsAndColoursAsTheyWere) {
         const auto zero = colour(0);
         platform.shownMessages.clear();
         const TransparencyResult fixed = transparencyCorrect(*session, platform);
-        EXPECT_EQ(fixOutcome(fixed), c.outcome) << c.asn;
+        EXPECT_EQ(std::string(transparencyOutcomeWord(fixed)), c.outcome) << c.asn;
         ASSERT_EQ(messages().size(), 1u) << c.asn;
         EXPECT_EQ(messages()[0], c.message) << c.asn;
         // A refusal carries the words it showed.
@@ -114,7 +98,8 @@ TEST_F(TransparencyFixture, Background255IsExchangedWithZeroInPixelsAndClut) {
     const auto c0 = colour(0), c255 = colour(255), c44 = colour(44);
     platform.scriptedAnswers = {Answer::Ok};
 
-    EXPECT_EQ(fixOutcome(transparencyCorrect(*session, platform)), "corrected");
+    EXPECT_EQ(std::string(transparencyOutcomeWord(transparencyCorrect(*session, platform))),
+              "corrected");
     ASSERT_EQ(platform.shownMessages.size(), 1u);
     EXPECT_EQ(platform.shownMessages[0].title, "Import G24 Palette");
     const auto after = spriteBytes();
@@ -139,7 +124,8 @@ TEST_F(TransparencyFixture, CancelOfThePaletteQuestionChangesNothing) {
     const auto before = spriteBytes();
     const auto c0 = colour(0);
     platform.scriptedAnswers = {Answer::Cancel};
-    EXPECT_EQ(fixOutcome(transparencyCorrect(*session, platform)), "cancelled");
+    EXPECT_EQ(std::string(transparencyOutcomeWord(transparencyCorrect(*session, platform))),
+              "cancelled");
     EXPECT_EQ(spriteBytes(), before);
     EXPECT_EQ(colour(0), c0);
     EXPECT_FALSE(session->style.gPagesChanged);
@@ -150,7 +136,8 @@ TEST_F(TransparencyFixture, ChainedCornerTestTakesUnequalCornersThatHappenToPass
     select(4);
     const auto before = spriteBytes();
     platform.scriptedAnswers = {Answer::Ok};
-    EXPECT_EQ(fixOutcome(transparencyCorrect(*session, platform)), "corrected");
+    EXPECT_EQ(std::string(transparencyOutcomeWord(transparencyCorrect(*session, platform))),
+              "corrected");
     const auto after = spriteBytes();
     for (std::size_t i = 0; i < before.size(); ++i) {
         const std::uint8_t want = before[i] == 1 ? 0 : before[i] == 0 ? 1 : before[i];
@@ -162,7 +149,8 @@ TEST_F(TransparencyFixture, EightBitStylesAreRefused) {
     open(transparencySpec(false), "STYLE001.GRY");
     select(2);
     const auto before = spriteBytes();
-    EXPECT_EQ(fixOutcome(transparencyCorrect(*session, platform)), "refused");
+    EXPECT_EQ(std::string(transparencyOutcomeWord(transparencyCorrect(*session, platform))),
+              "refused");
     ASSERT_EQ(messages().size(), 1u);
     EXPECT_EQ(messages()[0], "Sorry , Transparency Correction not supported on 8bit style files.");
     EXPECT_EQ(spriteBytes(), before);
@@ -203,7 +191,8 @@ TEST_F(TransparencyFixture, CommandLineFixSavesTheExchangedColours) {
     EXPECT_EQ(session->pages.pixel(0, 20, 0), 0);
     const tb::Rgb old255 = tb::distinctClut(60)[255]; // ASN 2's CLUT as the builder wrote it
     EXPECT_EQ(colour(0), (std::array<std::uint8_t, 3>{old255.r, old255.g, old255.b}));
-    EXPECT_EQ(fixOutcome(transparencyCorrect(*session, platform)), "already correct");
+    EXPECT_EQ(std::string(transparencyOutcomeWord(transparencyCorrect(*session, platform))),
+              "already correct");
 
     auto refused = tb::runCli({"transparency-fix", "--workdir", work, stylePath.string(), "1"});
     EXPECT_EQ(refused.status, 1);
